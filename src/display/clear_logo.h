@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include <SDL.h>
+
+#include "display/fade.h"
+#include "display/frame_context.h"
+#include "display/toolkit/sdl_handles.h"
+
+namespace tavek {
+
+/// The logo's file for an item: beside it, else in the folder of its show. It has to be there and not empty.
+std::optional<std::filesystem::path> clearLogoFor(const std::filesystem::path& video);
+
+/// "Season 2, 05 Pilot" from the name of an episode; empty if the name lacks one of the three parts.
+std::string episodeLine(const std::filesystem::path& video);
+
+/// Where a logo of a size lies in a window, made smaller if it has to be but never larger.
+SDL_Rect clearLogoRect(int width, int height, SDL_Point logo);
+/// The top left corner of the line below the logo.
+SDL_Point episodeLinePlace(int width, int height, const SDL_Rect& logo, SDL_Point line);
+
+/// What decides whether the logo shows in a frame.
+struct ClearLogoInput {
+  bool videoPlaying = false;
+  bool videoPaused = false;
+  bool homeMode = false;
+  bool screensaverActive = false;
+  bool stripOn = false;  ///< the poster strip in any state but closed
+};
+
+/// The logo of what stands on the screen, over a paused picture or above the poster strip.
+class ClearLogo {
+ public:
+  /// Looks for the item's logo and loads it unless it is the one that is loaded. A file that can't be read is
+  /// tried again once it has changed; nothing is reported.
+  void load(SDL_Renderer* renderer, const std::filesystem::path& currentVideo);
+  void drop();
+  bool loaded() const { return texture_ != nullptr; }
+  /// Keeps the logo away while the picture fades out.
+  void setSuppressed(bool suppressed) { suppressed_ = suppressed; }
+  void draw(const FrameContext& frame, const ClearLogoInput& input,
+            const std::filesystem::path& currentVideo);
+
+ private:
+  struct FileState {
+    std::filesystem::path path;
+    std::filesystem::file_time_type changedAt;
+    std::uintmax_t size = 0;
+    bool operator==(const FileState&) const = default;
+  };
+  static FileState stateOf(const std::filesystem::path& file);
+  void drawEpisodeLine(const FrameContext& frame, const SDL_Rect& logo, std::uint8_t alpha,
+                       const std::filesystem::path& currentVideo) const;
+
+  TexturePtr texture_;
+  SDL_Point size_{};
+  std::filesystem::path source_;
+  FileState unreadable_;  ///< the last file that failed, so that it isn't decoded in every frame
+  FadePair fade_;
+  bool suppressed_ = false;
+};
+
+}  // namespace tavek

@@ -1,0 +1,176 @@
+#include "display/display.h"
+
+#include "base/process_flags.h"
+#include "library/media_paths.h"
+#include "video/demultiplex/file_types.h"
+
+namespace tavek {
+
+Display::Display(int x, int y, int width, int height, Orientation orientation)
+    : picture_(orientation), screen_({x, y, width, height}, picture_) {
+  noteActivity(SDL_GetTicks64());
+}
+
+Display::~Display() {
+  // Textures go before the renderer that they live on.
+  picture_.destroy();
+  clearLogo_.drop();
+}
+
+NavCode Display::pollInput() {
+  const Uint64 now = SDL_GetTicks64();
+  keys_.updateFocus(flags_);
+  if (keys_.releaseLost(flags_)) return NavCode::SeekCommit;
+  const NavCode repeated = keys_.repeats(flags_, now);
+  if (stopSignalled) {
+    quitRequested = true;
+    return repeated;
+  }
+  const NavCode code = pumpEvents();
+  return code != NavCode::None ? code : repeated;
+}
+
+/// Not by SDL_PollEvent: when a pass ends early with a code, that would find nothing in the next one, and the
+/// key behind would wait for a whole picture more.
+NavCode Display::pumpEvents() {
+  SDL_PumpEvents();
+  SDL_Event event;
+  while (SDL_PeepEvents(&event, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) > 0) {
+    const NavCode code = handleEvent(event);
+    if (code != NavCode::None) return code;
+  }
+  return NavCode::None;
+}
+
+NavCode Display::handleEvent(const SDL_Event& event) {
+  const Uint64 now = SDL_GetTicks64();
+  const KeyResult result = keys_.handle(event, flags_, now);
+  if (result.active) noteActivity(now);
+  switch (result.effect) {
+    case KeyEffect::None:
+      break;
+    case KeyEffect::TouchSeekBar:
+      seekBar_.touch(now);
+      break;
+    case KeyEffect::ClearSeekBar:
+      seekBar_.clearActivity();
+      break;
+    case KeyEffect::GoHome:
+      goHome();
+      break;
+  }
+  // The player toggles the settings over a running item; with none running there is nobody to do it.
+  return result.code == NavCode::ToggleSettings && !flags_.videoPlaying ? NavCode::None : result.code;
+}
+
+void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) {
+  SDL_Renderer* renderer = screen_.renderer();
+  if (renderer == nullptr || picture.width < 1 || picture.height < 1) return;
+  PictureView shown = picture;
+  if (!(shown.sampleAspect > 0)) shown.sampleAspect = 1.0;
+  if (!picture_.upload(renderer, shown)) return;
+
+  FrameContext frame{.renderer = renderer, .baseFont = screen_.baseFont()};
+  SDL_GetWindowSize(screen_.window(), &frame.width, &frame.height);
+  SDL_SetRenderDrawColor(renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
+  SDL_RenderClear(renderer);
+  frame.nowMs = SDL_GetTicks64();
+  flags_.strip.fadeIn = false;
+  picture_.draw(frame, shown);
+  drawOverlays(frame, positionUs);
+  SDL_RenderPresent(renderer);
+}
+
+void Display::drawOverlays(const FrameContext& frame, std::int64_t positionUs) {
+  if (!clearLogo_.loaded()) loadClearLogo();
+  clearLogo_.draw(frame,
+                  {.videoPlaying = flags_.videoPlaying,
+                   .videoPaused = flags_.videoPaused,
+                   .homeMode = flags_.homeMode,
+                   .screensaverActive = flags_.screensaverActive,
+                   .stripOn = flags_.strip.any()},
+                  currentVideo_);
+  volumeBar_.draw(frame);
+  seekBar_.draw(frame, {.positionUs = positionUs,
+                        .videoPaused = flags_.videoPaused,
+                        .seekFocus = flags_.seekFocus,
+                        .stripShown = flags_.strip.shown()});
+  pauseIcon_.draw(frame, flags_.videoPaused && !flags_.homeMode && !flags_.screensaverActive);
+  SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
+  SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
+}
+
+void Display::presentBlank() {
+  static constexpr std::array<std::uint8_t, 4> luma{};
+  static constexpr std::uint8_t chroma = 128;
+  presentFrame({.planes = {luma.data(), &chroma, &chroma}, .pitches = {2, 1, 1}, .width = 2, .height = 2}, 0);
+}
+
+void Display::alignWithItem(const std::filesystem::path& path) {
+  currentVideo_ = path;
+  flags_.audioItem = isAudioFile(path);
+}
+
+void Display::setVideoPlaying(bool playing) {
+  const Uint64 now = SDL_GetTicks64();
+  if (playing != flags_.videoPlaying) noteActivity(now);
+  flags_.videoPlaying = playing;
+  if (playing) {
+    pauseIcon_.reset();
+    picture_.fadeOut = {};
+    clearLogo_.setSuppressed(false);
+  } else {
+    flags_.videoPaused = false;
+    loadClearLogo();
+  }
+}
+
+void Display::setVideoPaused(bool paused) {
+  if (paused == flags_.videoPaused) return;
+  const Uint64 now = SDL_GetTicks64();
+  flags_.videoPaused = paused;
+  pauseIcon_.setPaused(paused, now);
+  noteActivity(now);
+}
+
+void Display::startVideoFadeIn() {
+  picture_.fadeIn.start(SDL_GetTicks64());
+}
+
+void Display::startVideoFadeOut() {
+  picture_.fadeOut.start(SDL_GetTicks64());
+  clearLogo_.setSuppressed(true);
+}
+
+void Display::showSeekBar() {
+  seekBar_.show(SDL_GetTicks64());
+  flags_.strip = {};
+}
+
+void Display::showVolume(int percent, double gainDb, double minDb, double maxDb) {
+  volumeBar_.show(percent, gainDb, minDb, maxDb, SDL_GetTicks64());
+}
+
+void Display::goHome() {
+  const Uint64 now = SDL_GetTicks64();
+  flags_.strip = {};
+  setVideoPlaying(false);
+  alignWithItem({});
+  seekBar_.reset();
+  volumeBar_.reset();
+  clearLogo_.drop();
+  clearLogo_.setSuppressed(false);
+  flags_.homeMode = true;
+  noteActivity(now);
+}
+
+void Display::selectRoomForPath(const std::filesystem::path& path) {
+  const auto root = roomRootOf(path);
+  flags_.roomKind = root ? classifyFolder(*root) : MediaKind::Movies;
+}
+
+void Display::loadClearLogo() {
+  if (!currentVideo_.empty()) clearLogo_.load(screen_.renderer(), currentVideo_);
+}
+
+}  // namespace tavek

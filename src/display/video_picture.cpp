@@ -1,0 +1,85 @@
+#include "display/video_picture.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "display/picture_place.h"
+
+namespace tavek {
+namespace {
+
+constexpr Uint64 pictureFadeMs = 500;
+
+/// 0 before the start, 1 at the end and after it.
+double progress(const PictureFade& fade, Uint64 nowMs) {
+  if (nowMs < fade.startMs) return 0.0;
+  return std::min(static_cast<double>(nowMs - fade.startMs) / static_cast<double>(pictureFadeMs), 1.0);
+}
+
+}  // namespace
+
+double PictureFade::fadeIn(Uint64 nowMs) {
+  if (!active) return 1.0;
+  const double strength = progress(*this, nowMs);
+  if (strength >= 1.0) active = false;
+  return strength;
+}
+
+double PictureFade::fadeOut(Uint64 nowMs) {
+  if (!active) return 1.0;
+  const double strength = 1.0 - progress(*this, nowMs);
+  if (strength <= 0.0) active = false;
+  return strength;
+}
+
+bool VideoPicture::create(SDL_Renderer* renderer, int width, int height) {
+  texture_.reset();
+  texture_.reset(
+      SDL_CreateTexture(renderer, SDL_PIXELFORMAT_IYUV, SDL_TEXTUREACCESS_STREAMING, width, height));
+  width_ = width;
+  height_ = height;
+  return texture_ != nullptr;
+}
+
+bool VideoPicture::upload(SDL_Renderer* renderer, const PictureView& picture) {
+  const bool fits = texture_ && width_ == picture.width && height_ == picture.height;
+  if (!fits && !create(renderer, picture.width, picture.height)) {
+    std::cerr << "SDL_CreateTexture error: " << SDL_GetError() << std::endl;
+    return false;
+  }
+  const auto& [y, u, v] = picture.planes;
+  const auto& [yPitch, uPitch, vPitch] = picture.pitches;
+  if (SDL_UpdateYUVTexture(texture_.get(), nullptr, y, yPitch, u, uPitch, v, vPitch) != 0) {
+    std::cerr << "SDL_UpdateYUVTexture error: " << SDL_GetError() << std::endl;
+    return false;
+  }
+  return true;
+}
+
+void VideoPicture::draw(const FrameContext& frame, const PictureView& picture) {
+  const double strength = fadeIn.fadeIn(frame.nowMs) * fadeOut.fadeOut(frame.nowMs);
+  const SDL_Point window{frame.width, frame.height};
+  if (strength >= 0.999) return copy(frame.renderer, picture, window);
+  Uint8 alpha = 255;
+  SDL_BlendMode blend = SDL_BLENDMODE_NONE;
+  SDL_GetTextureAlphaMod(texture_.get(), &alpha);
+  SDL_GetTextureBlendMode(texture_.get(), &blend);
+  SDL_SetTextureBlendMode(texture_.get(), SDL_BLENDMODE_BLEND);
+  SDL_SetTextureAlphaMod(texture_.get(), static_cast<Uint8>(std::clamp(alpha * strength, 0.0, 255.0)));
+  copy(frame.renderer, picture, window);
+  SDL_SetTextureBlendMode(texture_.get(), blend);
+  SDL_SetTextureAlphaMod(texture_.get(), alpha);
+}
+
+void VideoPicture::copy(SDL_Renderer* renderer, const PictureView& picture, SDL_Point window) {
+  const auto [rect, angle] =
+      placePicture(orientation_, window, {picture.width, picture.height}, picture.sampleAspect);
+  if (angle == 0) {
+    // The software renderer turns by way of two more copies, even by nothing.
+    SDL_RenderCopy(renderer, texture_.get(), nullptr, &rect);
+  } else {
+    SDL_RenderCopyEx(renderer, texture_.get(), nullptr, &rect, angle, nullptr, SDL_FLIP_NONE);
+  }
+}
+
+}  // namespace tavek

@@ -1,0 +1,63 @@
+#include <algorithm>
+#include <iostream>
+
+#include "base/console.h"
+#include "video/demultiplex/error.h"
+#include "video/play/pipeline.h"
+#include "video/play/playback_timer.h"
+
+namespace tavek {
+
+void Pipeline::demuxThread() {
+  while (!stopping()) {
+    std::optional<std::int64_t> request;
+    {
+      const std::lock_guard held(seekLock_);
+      request = std::exchange(seekRequestUs_, std::nullopt);
+      if (request) readRound_ = seekRound_;
+    }
+    if (request) {
+      applySeek(*request);
+    } else if (this->held()) {
+      sleepMilliseconds(10);
+    } else if (!readOne()) {
+      return;
+    }
+  }
+  video_.packets.close();
+  audio_.packets.close();
+}
+
+bool Pipeline::readOne() {
+  Tagged<ffmpeg::PacketPtr> packet{ffmpeg::makePacket(), readRound_};
+  if (!packet.item) throw ffmpeg::Error("Failed to allocate AVPacket");
+  if (!demux_.readPacket(packet.item.get())) {
+    video_.packets.finish();
+    audio_.packets.finish();
+    return false;
+  }
+  if (packet.item->stream_index == video_.index) return video_.packets.push(packet);
+  if (packet.item->stream_index == audio_.index) return audio_.packets.push(packet);
+  return true;
+}
+
+void Pipeline::applySeek(std::int64_t positionUs) {
+  const std::int64_t duration = demux_.durationUs();
+  const std::int64_t target = duration >= 1 ? std::min(positionUs, duration - 1) : 0;
+  if (seekDebug_) std::cout << "[RESUME] applying seek=" << target << "us path=" << path_ << std::endl;
+  clearQueues();
+  flush(video_);
+  flush(audio_);
+  if (demux_.seek(target)) {
+    audioClock_.set(target);
+    return;
+  }
+  // The item plays on from wherever the file stands.
+  audioClock_.set(0);
+  if (seekDebug_) {
+    std::cerr << console::boldRed << "[RESUME] seek failed=" << target << "us path=" << path_
+              << console::reset << std::endl;
+  }
+}
+
+}  // namespace tavek

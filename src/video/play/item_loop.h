@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "base/sound_mode.h"
+
+namespace tavek {
+
+class Display;
+
+/// What every item of a run shares; the display may be null.
+struct PlayContext {
+  Display* display = nullptr;
+  std::optional<std::string> language;
+};
+
+/// Plays the item and whatever follows it by itself, until one ends without a successor. Never holds two
+/// items: the audio device of one is free before the next one opens. Gives the sound mode to use from then
+/// on; throws ffmpeg::Error for an item that cannot be opened or fails on the way.
+SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode soundMode);
+
+}  // namespace tavek

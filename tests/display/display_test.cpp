@@ -1,0 +1,175 @@
+#include "display/display.h"
+
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "base/process_flags.h"
+#include "display/picture_place.h"
+#include "support/offscreen.h"
+
+namespace tavek {
+namespace {
+
+constexpr int width = 640;
+constexpr int height = 360;
+
+/// A grey picture with a white upper left quarter.
+class Picture {
+ public:
+  Picture(int w, int h) : w_(w), luma_(static_cast<std::size_t>(w * h), 81), chroma_(luma_.size() / 4, 128) {
+    for (int y = 0; y < h / 2; ++y) std::fill_n(luma_.begin() + y * w, w / 2, std::uint8_t{235});
+  }
+  PictureView view(double aspect = 1.0) const {
+    return {.planes = {luma_.data(), chroma_.data(), chroma_.data()},
+            .pitches = {w_, w_ / 2, w_ / 2},
+            .width = w_,
+            .height = static_cast<int>(luma_.size()) / w_,
+            .sampleAspect = aspect};
+  }
+
+ private:
+  int w_;
+  std::vector<std::uint8_t> luma_;
+  std::vector<std::uint8_t> chroma_;
+};
+
+class DisplayTest : public testing::Test {
+ protected:
+  static std::unique_ptr<Display> make(Orientation orientation = Orientation::OrientationAuto) {
+    test::useOffscreenDriver();
+    return std::make_unique<Display>(0, 0, width, height, orientation);
+  }
+  static int red(const Display& display, int x, int y) {
+    return test::pixelAt(display.renderer(), x, y) & 0xFF;
+  }
+  static void press(SDL_Keycode key, bool down) {
+    SDL_Event event{};
+    event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
+    event.key.keysym.sym = key;
+    SDL_PushEvent(&event);
+  }
+};
+
+TEST_F(DisplayTest, ShowsThePictureInItsProportions) {
+  const auto display = make();
+  ASSERT_TRUE(display->usable());
+  display->presentFrame(Picture(320, 180).view(), -1);
+  EXPECT_GT(red(*display, 300, 170), 240);
+  EXPECT_NEAR(red(*display, 340, 190), 76, 4);
+  display->presentFrame(Picture(160, 120).view(0), -1);
+  EXPECT_EQ(red(*display, 70, 100), 0) << "black beside a 4:3 picture";
+  EXPECT_GT(red(*display, 90, 100), 240) << "the new size shows at once";
+  display->presentFrame(Picture(0x10, 0).view(), -1);
+  EXPECT_GT(red(*display, 90, 100), 240) << "an empty picture leaves the screen alone";
+}
+
+TEST_F(DisplayTest, TurnsThePictureOnly) {
+  const auto display = make(Orientation::Orientation180);
+  display->presentFrame(Picture(320, 180).view(), -1);
+  EXPECT_GT(red(*display, 600, 330), 240);
+  EXPECT_LT(red(*display, 30, 30), 100);
+}
+
+TEST_F(DisplayTest, FadesInAndLeavesNoBlendingBehind) {
+  const auto display = make();
+  const Picture picture(320, 180);
+  display->startVideoFadeIn();
+  display->presentFrame(picture.view(), -1);
+  EXPECT_LT(red(*display, 100, 100), 120);
+  std::this_thread::sleep_for(std::chrono::milliseconds(520));
+  display->presentFrame(picture.view(), -1);
+  display->presentFrame(picture.view(), -1);
+  EXPECT_GT(red(*display, 100, 100), 240);
+  display->startVideoFadeOut();
+  std::this_thread::sleep_for(std::chrono::milliseconds(520));
+  display->presentFrame(picture.view(), -1);
+  EXPECT_EQ(red(*display, 100, 100), 0);
+}
+
+TEST_F(DisplayTest, AnswersKeysAndPausesOverThePicture) {
+  const auto display = make();
+  const Picture picture(320, 180);
+  display->setDuration(60'000'000);
+  display->setVideoPlaying(true);
+  press(SDLK_AUDIOPLAY, true);
+  EXPECT_EQ(display->pollInput(), NavCode::TogglePause);
+  display->setVideoPlaying(false);
+  display->setVideoPaused(true);
+  display->showSeekBar();
+  display->presentFrame(picture.view(), 30'000'000);
+  std::this_thread::sleep_for(std::chrono::milliseconds(520));
+  display->presentFrame(picture.view(), 30'000'000);
+  // The icon's left bar over the grey half, and the knob in the middle of the seek bar.
+  EXPECT_GT(red(*display, 314, 190), 240);
+  const Colour knob = test::pixelAt(display->renderer(), width / 2, height - 97);
+  EXPECT_GT(knob & 0xFF, 240U);
+  EXPECT_LT((knob >> 16) & 0xFF, 20U);
+  // In a pause the arrows are the volume; while the film runs they seek.
+  press(SDLK_RIGHT, true);
+  EXPECT_EQ(display->pollInput(), NavCode::VolumeUpPress);
+  press(SDLK_RIGHT, false);
+  EXPECT_EQ(display->pollInput(), NavCode::VolumeUpRelease);
+  display->setVideoPlaying(true);
+  display->setVideoPaused(false);
+  press(SDLK_RIGHT, true);
+  EXPECT_EQ(display->pollInput(), NavCode::SeekForward);
+  display->pollInput();
+  EXPECT_EQ(display->currentFocus(), FocusName::Seek);
+  press(SDLK_RIGHT, false);
+  EXPECT_EQ(display->pollInput(), NavCode::SeekCommit);
+  press(SDLK_AC_HOME, true);
+  EXPECT_EQ(display->pollInput(), NavCode::GoHome);
+  EXPECT_EQ(display->currentFocus(), FocusName::Home);
+}
+
+TEST_F(DisplayTest, WithoutAScreenEveryCallIsHarmless) {
+  SDL_setenv("SDL_VIDEODRIVER", "nothing", 1);
+  testing::internal::CaptureStderr();
+  Display display(0, 0, width, height, Orientation::OrientationAuto);
+  const std::string told = testing::internal::GetCapturedStderr();
+  EXPECT_NE(told.find("SDL_Init"), std::string::npos);
+  EXPECT_NE(told.find("WINDOW Exception: "), std::string::npos);
+  EXPECT_FALSE(display.usable());
+  display.presentFrame(Picture(320, 180).view(), 0);
+  display.presentBlank();
+  display.setVideoPlaying(false);
+  EXPECT_EQ(display.pollInput(), NavCode::None);
+}
+
+TEST(PicturePlace, LiesByOrientationAndShape) {
+  using enum Orientation;
+  const struct {
+    Orientation orientation;
+    SDL_Point window, frame;
+    double aspect;
+    SDL_Rect rect;
+    int angle;
+  } cases[] = {
+      {OrientationAuto, {1920, 1080}, {1280, 720}, 1.0, {0, 0, 1920, 1080}, 0},
+      {OrientationAuto, {1920, 1080}, {720, 576}, 16.0 / 15, {240, 0, 1440, 1080}, 0},
+      {OrientationAuto, {1920, 1080}, {1920, 800}, 1.0, {0, 140, 1920, 800}, 0},
+      {OrientationAuto, {1920, 1080}, {1080, 1920}, 1.0, {420, -420, 1080, 1920}, 90},
+      {OrientationAuto, {1080, 1920}, {1920, 1080}, 1.0, {-420, 420, 1920, 1080}, 90},
+      {OrientationAuto, {1080, 1920}, {1080, 1920}, 1.0, {0, 0, 1080, 1920}, 0},
+      {OrientationAuto, {1000, 2000}, {1000, 500}, 1.0, {-500, 500, 2000, 1000}, 90},
+      {OrientationAuto, {1000, 2000}, {1200, 900}, 1.0, {-166, 499, 1333, 1000}, 90},
+      {OrientationLandscape, {1920, 1080}, {1080, 1920}, 1.0, {656, 0, 607, 1080}, 0},
+      {Orientation0, {1080, 1920}, {1920, 1080}, 1.0, {0, 656, 1080, 607}, 0},
+      {OrientationPortrait, {1920, 1080}, {1920, 1080}, 1.0, {419, 236, 1080, 607}, 90},
+      {Orientation270, {1080, 1920}, {1920, 1080}, 1.0, {-420, 420, 1920, 1080}, 270},
+      {Orientation180, {1920, 1080}, {1920, 1080}, 1.0, {0, 0, 1920, 1080}, 180},
+      {OrientationAuto, {0, 0}, {1920, 1080}, 1.0, {0, 0, 0, 0}, 0},
+  };
+  for (const auto& c : cases) {
+    const PicturePlace place = placePicture(c.orientation, c.window, c.frame, c.aspect);
+    EXPECT_TRUE(place.rect.x == c.rect.x && place.rect.y == c.rect.y && place.rect.w == c.rect.w &&
+                place.rect.h == c.rect.h && place.angle == c.angle)
+        << "case " << &c - cases << ": " << place.rect.x << ' ' << place.rect.y << ' ' << place.rect.w << ' '
+        << place.rect.h << " at " << place.angle;
+  }
+}
+
+}  // namespace
+}  // namespace tavek
