@@ -11,6 +11,8 @@ struct PictureView {
   std::array<int, 3> pitches{};
   int width = 0;
   int height = 0;
+  /// Tells pictures apart, so that one that stands is brought to the screen's memory once; 0 is always new.
+  std::uint64_t serial = 0;
   double sampleAspect = 1.0;  ///< width of a sample over its height; 0 or less counts as 1
 };
 

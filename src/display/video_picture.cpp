@@ -38,6 +38,7 @@ bool VideoPicture::create(SDL_Renderer* renderer, int width, int height) {
       SDL_CreateTexture(renderer, SDL_PIXELFORMAT_IYUV, SDL_TEXTUREACCESS_STREAMING, width, height));
   width_ = width;
   height_ = height;
+  serial_ = 0;
   return texture_ != nullptr;
 }
 
@@ -47,12 +48,14 @@ bool VideoPicture::upload(SDL_Renderer* renderer, const PictureView& picture) {
     std::cerr << "SDL_CreateTexture error: " << SDL_GetError() << std::endl;
     return false;
   }
+  if (fits && picture.serial != 0 && picture.serial == serial_) return true;
   const auto& [y, u, v] = picture.planes;
   const auto& [yPitch, uPitch, vPitch] = picture.pitches;
   if (SDL_UpdateYUVTexture(texture_.get(), nullptr, y, yPitch, u, uPitch, v, vPitch) != 0) {
     std::cerr << "SDL_UpdateYUVTexture error: " << SDL_GetError() << std::endl;
     return false;
   }
+  serial_ = picture.serial;
   return true;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include <SDL.h>
 
 #include "base/orientation.h"
@@ -42,6 +44,7 @@ class VideoPicture {
   TexturePtr texture_;
   int width_ = 0;
   int height_ = 0;
+  std::uint64_t serial_ = 0;  ///< of the picture in the texture
 };
 
 }  // namespace tavek

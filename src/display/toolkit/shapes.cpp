@@ -1,0 +1,184 @@
+#include "display/toolkit/shapes.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <numbers>
+#include <vector>
+
+namespace tavek {
+namespace {
+
+/// Steps per quarter circle that keep a polygon within a tenth of a pixel of its circle.
+int quarterSteps(float radius) {
+  return std::max(4, static_cast<int>(std::ceil(1.8F * std::sqrt(radius))));
+}
+
+/// The outline of a rectangle whose short sides are half circles; of a square, a circle.
+std::vector<SDL_FPoint> pillOutline(const SDL_FRect& rect) {
+  const float radius = std::min(rect.w, rect.h) / 2;
+  const int steps = quarterSteps(radius);
+  std::vector<SDL_FPoint> points;
+  for (int quarter = 0; quarter < 4; ++quarter) {
+    const float x = quarter == 0 || quarter == 3 ? rect.x + rect.w - radius : rect.x + radius;
+    const float y = quarter < 2 ? rect.y + rect.h - radius : rect.y + radius;
+    for (int step = 0; step <= steps; ++step) {
+      const float turns = static_cast<float>(quarter) + static_cast<float>(step) / static_cast<float>(steps);
+      const float angle = turns * std::numbers::pi_v<float> / 2;
+      points.push_back({x + radius * std::cos(angle), y + radius * std::sin(angle)});
+    }
+  }
+  return points;
+}
+
+SDL_FRect squareAround(SDL_FPoint centre, float radius) {
+  return {centre.x - radius, centre.y - radius, 2 * radius, 2 * radius};
+}
+
+void drawTriangles(SDL_Renderer* renderer, const std::vector<SDL_Vertex>& vertices,
+                   const std::vector<int>& corners) {
+  SDL_RenderGeometry(renderer, nullptr, vertices.data(), static_cast<int>(vertices.size()), corners.data(),
+                     static_cast<int>(corners.size()));
+}
+
+void fillConvex(SDL_Renderer* renderer, const std::vector<SDL_FPoint>& outline, Colour colour) {
+  std::vector<SDL_Vertex> vertices;
+  for (const SDL_FPoint& point : outline) vertices.push_back({point, toSdl(colour), {0, 0}});
+  std::vector<int> fan;
+  for (int i = 2; i < static_cast<int>(vertices.size()); ++i) fan.insert(fan.end(), {0, i - 1, i});
+  drawTriangles(renderer, vertices, fan);
+}
+
+/// Between two outlines of equally many points, with one colour flowing into the other.
+void fillRing(SDL_Renderer* renderer, const std::vector<SDL_FPoint>& inner, Colour innerColour,
+              const std::vector<SDL_FPoint>& outer, Colour outerColour) {
+  std::vector<SDL_Vertex> vertices;
+  for (std::size_t i = 0; i < inner.size(); ++i) {
+    vertices.push_back({inner[i], toSdl(innerColour), {0, 0}});
+    vertices.push_back({outer[i], toSdl(outerColour), {0, 0}});
+  }
+  std::vector<int> strip;
+  for (int i = 2; i < static_cast<int>(vertices.size()); ++i) strip.insert(strip.end(), {i - 2, i - 1, i});
+  drawTriangles(renderer, vertices, strip);
+}
+
+void drawRim(SDL_Renderer* renderer, int centreX, int centreY, int radius, Colour rim) {
+  for (int row = -radius; row <= radius; ++row) {
+    const double edge = std::sqrt((static_cast<double>(radius) - row) * (static_cast<double>(radius) + row));
+    const int reach = static_cast<int>(edge);
+    setDrawColour(renderer, withAlpha(rim, static_cast<std::uint8_t>(alphaOf(rim) * (edge - reach))));
+    SDL_RenderDrawPoint(renderer, centreX - reach, centreY + row);
+    SDL_RenderDrawPoint(renderer, centreX + reach, centreY + row);
+  }
+}
+
+Colour lightened(Colour colour) {
+  const auto lift = [](std::uint8_t channel) {
+    return static_cast<std::uint8_t>(std::min(channel + 18, 255));
+  };
+  return rgba(lift(redOf(colour)), lift(greenOf(colour)), lift(blueOf(colour)), alphaOf(colour));
+}
+
+}  // namespace
+
+BlendScope::BlendScope(SDL_Renderer* renderer, SDL_BlendMode mode) : renderer_(renderer) {
+  SDL_GetRenderDrawBlendMode(renderer, &before_);
+  SDL_SetRenderDrawBlendMode(renderer, mode);
+}
+
+BlendScope::~BlendScope() {
+  SDL_SetRenderDrawBlendMode(renderer_, before_);
+}
+
+void fillRect(SDL_Renderer* renderer, const SDL_Rect& rect, Colour colour) {
+  if (SDL_RectEmpty(&rect)) return;
+  setDrawColour(renderer, colour);
+  SDL_RenderFillRect(renderer, &rect);
+}
+
+void outlineRect(SDL_Renderer* renderer, const SDL_Rect& rect, Colour colour) {
+  if (SDL_RectEmpty(&rect)) return;
+  setDrawColour(renderer, colour);
+  SDL_RenderDrawRect(renderer, &rect);
+}
+
+void drawDisc(SDL_Renderer* renderer, int centreX, int centreY, int radius, int ring, Colour colour,
+              Colour rim) {
+  if (renderer == nullptr || radius <= 0) return;
+  const BlendScope blend(renderer);
+  // A pixel's middle lies half a pixel in, and a circle through pixels covers them whole.
+  const SDL_FPoint centre{static_cast<float>(centreX) + 0.5F, static_cast<float>(centreY) + 0.5F};
+  const float inner = static_cast<float>(ring < radius ? radius - std::max(ring, 0) : radius) + 0.5F;
+  const float outer = inner + static_cast<float>(std::max(ring - 1, 0));
+  // The core shares the ring's inner points, so that no gap opens between them.
+  const std::vector<SDL_FPoint> edge = pillOutline(squareAround(centre, outer));
+  std::vector<SDL_FPoint> core = edge;
+  for (SDL_FPoint& point : core) {
+    point = {centre.x + (point.x - centre.x) * inner / outer,
+             centre.y + (point.y - centre.y) * inner / outer};
+  }
+  fillConvex(renderer, core, colour);
+  if (ring > 1) fillRing(renderer, core, colour, edge, scaleAlpha(colour, 1 - 0.3 * (ring - 1) / ring));
+  if (alphaOf(rim) != 0) drawRim(renderer, centreX, centreY, radius, rim);
+}
+
+void drawCornerMark(SDL_Renderer* renderer, const SDL_Rect& poster, double strength) {
+  const int leg = std::min(poster.w, poster.h) / 4;
+  if (renderer == nullptr || leg <= 0) return;
+  const BlendScope blend(renderer);
+  const SDL_FRect corner{static_cast<float>(poster.x + poster.w - leg), static_cast<float>(poster.y),
+                         static_cast<float>(leg), static_cast<float>(leg)};
+  fillConvex(
+      renderer,
+      {{corner.x, corner.y}, {corner.x + corner.w, corner.y}, {corner.x + corner.w, corner.y + corner.h}},
+      scaleAlpha(rgba(0, 200, 0, 200), strength));
+  const int left = poster.x + poster.w - leg;
+  const int right = poster.x + poster.w - 1;
+  const std::array<SDL_Point, 4> outline{
+      {{left, poster.y}, {right, poster.y}, {right, poster.y + leg - 1}, {left, poster.y}}};
+  setFadedDrawColour(strength, renderer, rgba(0, 120, 0));
+  SDL_RenderDrawLines(renderer, outline.data(), static_cast<int>(outline.size()));
+}
+
+void fillPanel(SDL_Renderer* renderer, const SDL_Rect& rect) {
+  fillRect(renderer, rect, theme::panelFill);
+}
+
+void framePanel(SDL_Renderer* renderer, const SDL_Rect& rect, bool focused) {
+  if (focused) outlineRect(renderer, rect, theme::panelFrame);
+}
+
+void drawPanel(SDL_Renderer* renderer, const SDL_Rect& rect, bool focused) {
+  fillPanel(renderer, rect);
+  framePanel(renderer, rect, focused);
+}
+
+SDL_Rect caretRect(const SDL_Rect& box, int x, int height) {
+  const int tall = std::max(height, 18);
+  const int rightmost = std::max(box.x + 6, box.x + box.w - 8);
+  return {std::clamp(x, box.x + 6, rightmost), box.y + (box.h - tall) / 2, 2, tall};
+}
+
+bool caretShows(Uint64 ticks) {
+  return ticks / 600 % 2 == 0;
+}
+
+void drawCaret(SDL_Renderer* renderer, const SDL_Rect& box, int x, int height, bool active) {
+  if (active && caretShows(SDL_GetTicks64())) fillRect(renderer, caretRect(box, x, height), theme::caret);
+}
+
+void drawToggle(const ToggleStyle& style, SDL_Renderer* renderer, const SDL_Rect& rect, bool on,
+                bool focused) {
+  if (renderer == nullptr || SDL_RectEmpty(&rect)) return;
+  const BlendScope blend(renderer);
+  const Colour base = on ? style.on : style.off;
+  const SDL_FRect pill{static_cast<float>(rect.x), static_cast<float>(rect.y), static_cast<float>(rect.w),
+                       static_cast<float>(rect.h)};
+  fillConvex(renderer, pillOutline(pill), focused ? lightened(base) : base);
+  const float end = pill.h / 2;
+  const SDL_FPoint knob{on ? pill.x + pill.w - end : pill.x + end, pill.y + end};
+  const float radius = static_cast<float>(std::max(rect.h / 2 - 3, 1));
+  fillConvex(renderer, pillOutline(squareAround(knob, radius)), style.knob);
+}
+
+}  // namespace tavek

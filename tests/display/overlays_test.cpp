@@ -1,0 +1,239 @@
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <SDL_image.h>
+#include <gtest/gtest.h>
+
+#include "display/clear_logo.h"
+#include "display/fade.h"
+#include "display/pause_icon.h"
+#include "display/seek_bar.h"
+#include "display/time_text.h"
+#include "display/toolkit/colour.h"
+#include "display/volume_bar.h"
+#include "support/media_root.h"
+#include "support/offscreen.h"
+
+namespace tavek {
+namespace {
+
+namespace fs = std::filesystem;
+
+FrameContext frameAt(const test::Offscreen& screen, Uint64 nowMs) {
+  screen.clear();
+  return {screen.renderer(), screen.font(), 1280, 720, nowMs};
+}
+
+TEST(OverlaysTest, TimesAreWrittenWithHoursOnlyFromOneHourOn) {
+  EXPECT_EQ(formatTime(-1'000'000), "0:00");
+  EXPECT_EQ(formatTime(7'999'999), "0:07");
+  EXPECT_EQ(formatTime(3'599'000'000), "59:59");
+  EXPECT_EQ(formatTime(3'600'000'000), "1:00:00");
+  EXPECT_EQ(formatTime(36'061'000'000), "10:01:01");
+}
+
+TEST(OverlaysTest, FadesRunForHalfASecondAfterTheChange) {
+  FadePair pair;
+  EXPECT_EQ(advanceFade(pair, false, 1000), 0.0);
+  EXPECT_EQ(advanceFade(pair, true, 1100), 0.0);
+  EXPECT_EQ(advanceFade(pair, true, 1050), 0.0) << "a clock behind the stamp";
+  EXPECT_EQ(advanceFade(pair, true, 1350), 0.5);
+  EXPECT_EQ(advanceFade(pair, true, 9000), 1.0);
+  EXPECT_EQ(advanceFade(pair, false, 9100), 1.0);
+  EXPECT_EQ(advanceFade(pair, false, 9350), 0.5);
+  EXPECT_EQ(advanceFade(pair, false, 9600), 0.0);
+  EXPECT_EQ(advanceFade(pair, false, 9350), 0.0) << "at rest";
+}
+
+TEST(SeekBarTest, LayoutLeavesRoomForTheWiderSideText) {
+  const SeekBarLayout bare = seekBarLayout(1280, 720, 0.25, {});
+  EXPECT_EQ(bare.track, (SDL_Rect{70, 620, 1160, 6}));
+  EXPECT_EQ(bare.knob.x, 70 + 290);
+  const SeekBarLayout full = seekBarLayout(1280, 720, 1.0, {{50, 31}, {90, 31}, {60, 31}});
+  EXPECT_EQ(full.played, (SDL_Rect{130, 620, 1040, 6}));
+  EXPECT_EQ(full.position.x, 130 - 50 - 40);
+  EXPECT_EQ(full.position.y, 620 - 12);
+  EXPECT_EQ(full.duration.x, 130 + 475);
+  EXPECT_EQ(full.remaining.x, 1280 - 60 - 30);
+  EXPECT_EQ(seekBarLayout(100, 720, 1.0, {}).track.w, 0);
+}
+
+TEST(SeekBarTest, BarStandsWhileAskedForAndFadesAfterwards) {
+  const test::Offscreen screen;
+  constexpr std::int64_t middle = 50'000'000;
+  SeekBar bar;
+  bar.setDuration(2 * middle);
+  bar.show(1000);
+  const auto trackAt = [&](Uint64 nowMs, const SeekBarInput& input) -> int {
+    bar.draw(frameAt(screen, nowMs), input);
+    return greenOf(screen.pixel(1100, 622));
+  };
+  EXPECT_NEAR(trackAt(1250, {.positionUs = middle}), 110, 2);
+  EXPECT_EQ(trackAt(1499, {.positionUs = -1}), 0);
+  EXPECT_EQ(trackAt(1501, {.positionUs = middle}), 220) << "the fade out starts";
+  EXPECT_EQ(trackAt(3000, {.positionUs = middle, .videoPaused = true}), 0) << "the fade in starts";
+  EXPECT_EQ(trackAt(4000, {.positionUs = middle, .videoPaused = true, .stripShown = true}), 0);
+  EXPECT_EQ(trackAt(5000, {.positionUs = middle, .seekFocus = true}), 220);
+  EXPECT_EQ(trackAt(5500, {.positionUs = middle}), 220);
+  EXPECT_EQ(trackAt(5501, {.positionUs = middle}), 220);
+  EXPECT_NEAR(trackAt(5751, {.positionUs = middle}), 110, 2);
+  bar.show(7000);
+  FrameContext frame = frameAt(screen, 7500);
+  frame.baseFont = nullptr;
+  bar.draw(frame, {.positionUs = INT64_MAX, .videoPaused = true});
+  EXPECT_EQ(screen.drawnArea(), (SDL_Rect{70, 588, 1160 + 36, 71})) << "no text, and the knob at the end";
+  bar.setDuration(-5);
+  bar.show(8000);
+  EXPECT_EQ(trackAt(9000, {.positionUs = 0, .videoPaused = true}), 0) << "an item of unknown length";
+}
+
+TEST(VolumeBarTest, BandIsAsWideAsItsLabelsNeed) {
+  const VolumeLabels labels{{60, 24}, {40, 24}};
+  EXPECT_EQ(volumeLayout(883, 720, 50, {}).track, (SDL_Rect{343, 513, 196, 6}));
+  EXPECT_EQ(volumeLayout(884, 720, 50, {}).track, (SDL_Rect{343, 513, 197, 6}));
+  EXPECT_EQ(volumeLayout(800, 720, 50, labels).track, (SDL_Rect{330, 513, 160, 6}));
+  EXPECT_EQ(volumeLayout(800, 720, 50, VolumeLabels{}).track, (SDL_Rect{318, 513, 164, 6}));
+  EXPECT_EQ(volumeLayout(884, 720, 50, labels).track, (SDL_Rect{372, 513, 160, 6}));
+  const VolumeLayout wide = volumeLayout(2000, 720, 29, labels);
+  EXPECT_EQ(wide.filled, (SDL_Rect{838, 513, 99, 6}));
+  EXPECT_EQ(wide.minimum.x, 762);
+  EXPECT_EQ(wide.maximum.x, 1250 - 12 - 40);
+}
+
+TEST(VolumeBarTest, BarStandsFor800MillisecondsAfterAChange) {
+  const test::Offscreen screen;
+  VolumeBar bar;
+  bar.show(0, -60.0, -60.0, 12.0, 1000);
+  bar.draw(frameAt(screen, 1000));
+  EXPECT_EQ(screen.pixel(640, 515), rgba(220, 220, 220));
+  bar.show(250, 0.0, -60.0, 12.0, 1000);
+  bar.draw(frameAt(screen, 1799));
+  EXPECT_NEAR(redOf(screen.pixel(640, 515)), 220 * 55 / 255, 2) << "green over white";
+  bar.draw(frameAt(screen, 1800));
+  EXPECT_EQ(screen.drawnArea(), SDL_Rect{});
+}
+
+TEST(PauseIconTest, BarsGrowWithTheSmallerSideOfTheWindow) {
+  EXPECT_EQ(pauseIconLayout(640, 335).left, (SDL_Rect{311, 153, 6, 28}));
+  EXPECT_EQ(pauseIconLayout(1280, 504).left, (SDL_Rect{629, 231, 7, 42}));
+  EXPECT_EQ(pauseIconLayout(1080, 1920).right, (SDL_Rect{547, 915, 15, 90}));
+  EXPECT_EQ(pauseIconLayout(3840, 2160).right, (SDL_Rect{1929, 1025, 18, 110}));
+}
+
+TEST(PauseIconTest, IconFadesFromTheKeyPressOn) {
+  const test::Offscreen screen;
+  PauseIcon icon;
+  icon.setPaused(true, 1000);
+  icon.setPaused(true, 1200);
+  icon.draw(frameAt(screen, 1250), true);
+  EXPECT_NEAR(redOf(screen.pixel(630, 360)), 127, 1);
+  EXPECT_EQ(screen.pixel(640, 360), theme::black) << "the gap";
+  icon.draw(frameAt(screen, 1500), true);
+  EXPECT_EQ(screen.pixel(650, 360), theme::white);
+}
+
+TEST(ClearLogoTest, LogoShrinksToItsShareOfTheWindow) {
+  EXPECT_EQ(clearLogoRect(1280, 720, {200, 100}), (SDL_Rect{540, 72, 200, 100}));
+  EXPECT_EQ(clearLogoRect(1000, 500, {1200, 60}), (SDL_Rect{200, 50, 600, 30}));
+  EXPECT_EQ(clearLogoRect(1920, 1000, {400, 360}), (SDL_Rect{860, 100, 200, 180}));
+  EXPECT_EQ(episodeLinePlace(1280, 720, {540, 72, 200, 100}, {300, 40}).y, 180);
+  EXPECT_EQ(episodeLinePlace(1280, 720, {0, 600, 9, 32}, {300, 60}).y, 640);
+  EXPECT_EQ(episodeLinePlace(1280, 720, {0, 600, 9, 32}, {300, 61}).y, 639) << "lifted off the lower edge";
+  EXPECT_EQ(episodeLinePlace(1280, 60, {0, 6, 9, 32}, {300, 50}).y, 20);
+}
+
+TEST(ClearLogoTest, EpisodeLineNeedsAllThreeParts) {
+  EXPECT_EQ(episodeLine("S02E05 Pilot.mkv"), "Season 2, 05 Pilot");
+  EXPECT_EQ(episodeLine("Show S00E01 - Extra .mkv"), "Season 00, 01 Extra");
+  EXPECT_EQ(episodeLine("S02E05.mkv"), "");
+}
+
+/// An episode, and the files where its logo may lie.
+class ClearLogoFileTest : public testing::Test {
+ protected:
+  ClearLogoFileTest() {
+    fs::create_directories(episode.parent_path());
+    fs::remove(showLogo);
+  }
+
+  /// A white picture, as the bytes of a file.
+  static std::string png() {
+    const SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, 400, 100, 32, SDL_PIXELFORMAT_RGBA32));
+    SDL_FillRect(surface.get(), nullptr, theme::white);
+    const fs::path file = test::library.path() / "made.png";
+    IMG_SavePNG(surface.get(), file.c_str());
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+  static void write(const fs::path& file, const std::string& bytes) {
+    std::ofstream(file, std::ios::binary) << bytes;
+  }
+
+  const fs::path show = test::library.path() / "tv/Show";
+  const fs::path episode = show / "Season 2/S02E05 Pilot.mkv";
+  const fs::path showLogo = show / "clearlogo.png";
+};
+
+TEST_F(ClearLogoFileTest, LogoBesideTheItemGoesBeforeTheShows) {
+  const fs::path beside = show / "Season 2/clearlogo.png";
+  EXPECT_FALSE(clearLogoFor(episode));
+  write(showLogo, "x");
+  write(beside, "");
+  EXPECT_EQ(clearLogoFor(episode), showLogo) << "an empty file does not count";
+  write(beside, "x");
+  EXPECT_EQ(clearLogoFor(episode), beside);
+  fs::remove(beside);
+}
+
+TEST_F(ClearLogoFileTest, UnreadableFileIsTriedAgainWhenItChanges) {
+  const test::Offscreen screen(64, 64);
+  ClearLogo logo;
+  const std::string good = png();
+  write(showLogo, std::string(good.size(), 'x'));
+  const auto changedAt = fs::last_write_time(showLogo);
+  logo.load(screen.renderer(), episode);
+  write(showLogo, good);
+  fs::last_write_time(showLogo, changedAt);
+  logo.load(screen.renderer(), episode);
+  EXPECT_FALSE(logo.loaded()) << "not decoded again as long as it looks the same";
+  fs::last_write_time(showLogo, changedAt + std::chrono::seconds(1));
+  logo.load(screen.renderer(), episode);
+  EXPECT_TRUE(logo.loaded());
+  fs::remove(showLogo);
+  logo.load(screen.renderer(), episode);
+  EXPECT_FALSE(logo.loaded());
+}
+
+TEST_F(ClearLogoFileTest, LogoAndLineFadeOverAPausedPicture) {
+  const test::Offscreen screen;
+  write(showLogo, png());
+  ClearLogo logo;
+  logo.load(screen.renderer(), episode);
+  Uint64 nowMs = 1000;
+  const auto drawAfter = [&](Uint64 ms, const ClearLogoInput& input) {
+    logo.draw(frameAt(screen, nowMs += ms), input, episode);
+  };
+  for (const ClearLogoInput& hiding :
+       {ClearLogoInput{}, ClearLogoInput{.videoPlaying = true, .stripOn = true},
+        ClearLogoInput{.videoPaused = true, .homeMode = true},
+        ClearLogoInput{.videoPaused = true, .screensaverActive = true}}) {
+    drawAfter(100, {.videoPaused = true});
+    drawAfter(250, {.stripOn = true});
+    EXPECT_NEAR(redOf(screen.pixel(640, 120)), 127, 1) << nowMs;
+    EXPECT_GT(screen.drawnArea().h, 100 + 8) << "the episode line, at " << nowMs;
+    drawAfter(250, hiding);
+    drawAfter(500, hiding);
+    EXPECT_EQ(screen.drawnArea(), SDL_Rect{}) << nowMs;
+  }
+  logo.setSuppressed(true);
+  drawAfter(100, {.videoPaused = true});
+  drawAfter(500, {.videoPaused = true});
+  EXPECT_EQ(screen.drawnArea(), SDL_Rect{});
+}
+
+}  // namespace
+}  // namespace tavek

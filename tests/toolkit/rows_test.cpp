@@ -1,0 +1,84 @@
+#include "display/toolkit/rows.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "display/toolkit/list.h"
+#include "display/toolkit/text.h"
+#include "support/offscreen.h"
+
+namespace tavek {
+namespace {
+
+TEST(TabsTest, LeftOverPixelsGoToTheFirstTabs) {
+  EXPECT_EQ(tabRects({10, 5, 200, 44}, 4, 6, 3)[2], (SDL_Rect{146, 5, 60, 44}));
+  EXPECT_EQ(tabRects({10, 5, 201, 44}, 4, 6, 3)[1], (SDL_Rect{81, 5, 60, 44}));
+  EXPECT_EQ(tabRects({0, 0, 10, 44}, 4, 6, 5)[4].w, 0);
+  const test::Offscreen screen(500, 100);
+  const std::vector<std::string> labels{"one", "two"};
+  drawTabRow({screen.renderer(), screen.font(), {0, 0, 500, 44}, 0, 6, labels}, 1);
+  EXPECT_EQ(screen.pixel(300, 40), theme::accent);
+  EXPECT_NE(screen.pixel(100, 41), theme::accent);
+  EXPECT_EQ(screen.pixel(300, 45), rgba(68, 68, 68));
+}
+
+TEST(RowsTest, ValueIsRightAlignedAsLongAsItFits) {
+  constexpr SDL_Rect row{20, 40, 380, 54};
+  EXPECT_EQ(valueLayout(row, 80, 100).box, (SDL_Rect{124, 46, 264, 42}));
+  EXPECT_EQ(valueLayout(row, 80, 100).text.x, 282);
+  EXPECT_EQ(valueLayout(row, 80, 251).text.x, 131);
+  EXPECT_EQ(valueLayout(row, 80, 252).text.x, 130);
+  EXPECT_EQ(valueLayout(row, 80, 900).text.x, 130);
+  EXPECT_EQ(valueLayout({20, 40, 50, 8}, 80, 10).box, (SDL_Rect{124, 46, 0, 0}));
+}
+
+TEST(RowsTest, EachKindOfRowShowsItsControl) {
+  const test::Offscreen screen(400, 100);
+  const Row row{screen.renderer(), screen.font(), {0, 0, 400, 54}, "DHCP"};
+  drawFieldRow({.row = row, .value = "on", .focused = true});
+  EXPECT_EQ(screen.pixel(textSize(screen.font(), "DHCP").x + 24, 27), theme::accent)
+      << "the frame of the box";
+  drawFieldRow({.row = row, .isToggle = true, .on = true});
+  EXPECT_EQ(screen.pixel(400 - 12 - 14, 27), theme::white) << "the knob";
+  EXPECT_EQ(screen.pixel(345, 27), theme::toggleOn);
+  drawFieldRow({.row = row, .value = " ", .isList = true});
+  EXPECT_EQ(screen.pixel(372 - 6, 24), theme::white) << "the widest line of the mark";
+  EXPECT_EQ(screen.pixel(372 - 7, 24), theme::black);
+  EXPECT_EQ(screen.pixel(372, 29), theme::white);
+  EXPECT_EQ(screen.pixel(372, 30), theme::black);
+  drawToggleRow({.row = row, .on = false, .rightPad = 24, .switchWidth = 74});
+  EXPECT_EQ(screen.pixel(400 - 24 - 74 + 14, 27), theme::white);
+}
+
+TEST(ListTest, WindowOfRowsFollowsTheSelection) {
+  const std::vector<std::string> rows(10, "row");
+  const auto layout = [&](int visibleRows, int selected, const SDL_Rect& anchor) {
+    return listLayout({.rows = rows, .selected = selected, .visibleRows = visibleRows}, anchor,
+                      {0, 0, 1000, 600});
+  };
+  constexpr SDL_Rect anchor{50, 100, 300, 54};
+  EXPECT_EQ(layout(4, 1, anchor).firstRow, 0);
+  EXPECT_EQ(layout(4, 5, anchor).firstRow, 3);
+  EXPECT_EQ(layout(4, 77, anchor).firstRow, 6);
+  EXPECT_EQ(layout(99, 7, anchor).box, (SDL_Rect{50, 154, 300, 360})) << "all ten rows";
+  EXPECT_EQ(layout(4, 0, {50, 390, 300, 54}).box.y, 444) << "ends on the lower margin";
+  EXPECT_EQ(layout(4, 0, {50, 391, 300, 54}).box.y, 247) << "opens upwards";
+  EXPECT_EQ(layout(4, 0, {900, 100, 300, 54}).box.w, 88) << "narrowed by the right margin";
+  EXPECT_EQ(layout(4, 0, {50, 100, 20, 54}).box.w, 40);
+  EXPECT_EQ(layout(0, 0, anchor).rowCount, 0);
+}
+
+TEST(ListTest, SelectedRowStandsOut) {
+  const test::Offscreen screen(400, 300);
+  const std::vector<std::string> rows{"a", "b", "c"};
+  const DropDownList list{.font = screen.font(), .rows = rows, .selected = 1};
+  drawList(list, screen.renderer(), {20, 20, 200, 40}, {0, 0, 400, 300});
+  EXPECT_EQ(screen.drawnArea(), (SDL_Rect{20, 60, 200, 108}));
+  EXPECT_EQ(screen.pixel(100, 95), list.style.fill);
+  EXPECT_EQ(screen.pixel(100, 131), list.style.highlightFill);
+}
+
+}  // namespace
+}  // namespace tavek
