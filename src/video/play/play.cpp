@@ -107,11 +107,18 @@ void Play::frameStep() {
   if (quitRequested || stopSignalled) return stopItem();
   PicturePtr picture;
   if (!pipeline_.popPicture(picture)) return naturalEnd();
-  lastFrame_ = std::move(picture);
+  take(std::move(picture));
   volumeHoldStep(true);
   waitForTurn(lastFrame_->pts);
   show();
   pacing_.firstFrame = false;
+}
+
+void Play::take(PicturePtr picture) {
+  // Counted over all items: the screen still holds the last picture of the one before.
+  static std::uint64_t taken = 0;
+  lastFrame_ = std::move(picture);
+  lastSerial_ = ++taken;
 }
 
 /// The picture is judged by the sound that will be heard when it is on the screen, not by that of the moment
@@ -133,6 +140,7 @@ void Play::show() {
                          .pitches = {frame.linesize[0], frame.linesize[1], frame.linesize[2]},
                          .width = frame.width,
                          .height = frame.height,
+                         .serial = lastSerial_,
                          .sampleAspect = sampleAspectOf(frame)};
   const Clock::time_point before = Clock::now();
   display_->presentFrame(view, pacing_.lastPositionUs);
@@ -144,7 +152,11 @@ void Play::pausedStep() {
   if (quitRequested || stopSignalled) return stopItem();
   if (ending() && Clock::now() - *exitAt_ >= milliseconds(500)) return stopItem();
   if (seek_.active) {
-    while (pipeline_.tryPopPicture(lastFrame_)) pacing_.lastPositionUs = lastFrame_->pts;
+    PicturePtr picture;
+    while (pipeline_.tryPopPicture(picture)) {
+      take(std::move(picture));
+      pacing_.lastPositionUs = lastFrame_->pts;
+    }
   }
   show();
   volumeHoldStep(false);

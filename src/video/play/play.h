@@ -58,6 +58,7 @@ class Play {
   void dispatch(NavCode code);
   void frameStep();
   void pausedStep();
+  void take(PicturePtr picture);
   void waitForTurn(std::int64_t ptsUs);
   void show();
   void stopItem();
@@ -95,6 +96,7 @@ class Play {
   Pacing pacing_;
   std::int64_t presentUs_ = 0;  ///< running mean of what bringing a picture to the screen takes
   PicturePtr lastFrame_;        ///< the picture on screen
+  std::uint64_t lastSerial_ = 0;
   KeySeek seek_;
   VolumeKey heldVolumeKey_ = VolumeKey::None;
   Clock::time_point lastVolumeStepAt_;

@@ -1,0 +1,31 @@
+#include "app/named_run.h"
+
+#include <iostream>
+
+#include "app/options.h"
+#include "base/console.h"
+#include "base/process_flags.h"
+#include "display/display.h"
+#include "video/demultiplex/error.h"
+#include "video/play/item_loop.h"
+
+namespace tavek {
+
+void playNamedFiles(Display& display, const LaunchOptions& options) {
+  const PlayContext context{.display = &display, .language = options.language};
+  SoundMode soundMode = options.soundMode;
+  display.leaveHome();
+  for (const std::string& path : options.videoPaths) {
+    if (stopSignalled) quitRequested = true;
+    if (quitRequested) return;
+    if (path.empty()) continue;
+    try {
+      soundMode = playFromPath(context, path, soundMode);
+    } catch (const ffmpeg::Error& error) {
+      std::cerr << console::boldRed << "Failed to open " << path << ": " << error.what() << console::reset
+                << std::endl;
+    }
+  }
+}
+
+}  // namespace tavek

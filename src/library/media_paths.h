@@ -1,0 +1,45 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "library/media_kind.h"
+
+/// What a path of the library is. The top-level folders of mediaRoot() are the rooms; a series room holds
+/// series folders, and those hold season folders. All but classifyFolder and listRoots look at the path's
+/// lexically normal text alone, and seriesRootOf and its kin ask classifyFolder about the room.
+/// Every function may be called from every thread.
+namespace tavek {
+
+/// Told by the folder's name, or by what lies in it if the name says nothing. The answer is kept for the life
+/// of the process, so that asking again does not touch the disk.
+MediaKind classifyFolder(const std::filesystem::path& path);
+/// The rooms in the byte order of their names, without hidden ones. Four fixed rooms, which need not exist,
+/// where there is none.
+std::vector<std::filesystem::path> listRoots();
+
+/// True also for the root itself, false for an empty root.
+bool isInside(const std::filesystem::path& path, const std::filesystem::path& root);
+/// The room that a path lies in; none for the library itself.
+std::optional<std::filesystem::path> roomRootOf(const std::filesystem::path& path);
+/// The same, if that room shows series.
+std::optional<std::filesystem::path> seriesRootOf(const std::filesystem::path& path);
+/// 0 outside the series rooms and for such a room itself, 1 for a series folder, 2 or more in a season
+/// folder.
+int seriesDepth(const std::filesystem::path& path);
+/// The series folder that a path lies below.
+std::optional<std::filesystem::path> seriesFolderOf(const std::filesystem::path& path);
+
+/// The name under which the state files know a room, in spite of its folder's spelling.
+std::string normalizeRoomName(std::string_view text);
+/// The lower-cased folder name; "movies" for a path without one.
+std::string roomNameOfRoot(const std::filesystem::path& path);
+/// The room of a media file, whose path may be relative to the library; "movies" outside of it.
+std::string roomNameOfMedia(std::string_view text);
+/// The lower-cased file name, or the fallback in lower case for a path without one.
+std::string roomLabelOf(const std::filesystem::path& path, std::string_view fallback);
+
+}  // namespace tavek

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+/// The form of names in which a poster and what it plays are compared.
+namespace tavek {
+
+/// ASCII letters in lower case, digits and blanks; every other byte is dropped.
+std::string normalizeTitle(std::string_view text);
+/// The name under which an image is matched to a video: that of its folder for a poster.jpg or the like, its
+/// own otherwise.
+std::string posterKeyOf(const std::filesystem::path& path);
+
+}  // namespace tavek

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <filesystem>
+#include <set>
+#include <string>
+#include <string_view>
+
+/// What a file is, told by its extension alone, in any case. May be called from every thread.
+namespace tavek {
+
+bool isAudioFile(const std::filesystem::path& path);
+/// Also true for the audio files that FFmpeg can open: ask isAudioFile first where the difference counts.
+bool isVideoFile(const std::filesystem::path& path);
+
+/// Every piece of FFmpeg's comma-separated extension lists, as it is spelled there.
+std::set<std::string> demuxerExtensions();
+/// The fixed video extensions and those of the demuxers, in lower case with a dot, without still images.
+std::set<std::string, std::less<>> completeVideoExtensions(const std::set<std::string>& fromDemuxers);
+
+}  // namespace tavek

@@ -1,0 +1,68 @@
+#include <gtest/gtest.h>
+
+#include "library/episode_name.h"
+#include "library/titles.h"
+
+namespace tavek {
+
+TEST(Titles, KeepLettersDigitsAndBlanks) {
+  EXPECT_EQ(normalizeTitle("Caf\xc3\xa9 (2001)"), "caf 2001");
+  EXPECT_EQ(normalizeTitle(" A  b\tC-d !"), "a  b cd");
+  for (const auto& [path, key] : {std::pair{"/m/Movie.POSTER.jpg", "movieposter"},
+                                  {"/m/Movie.poster.jpg", "movie"},
+                                  {"/m/The Film (1999)/COVER.JPG", "the film 1999"},
+                                  {"/m/A Film/Front.poster.png", "a film"},
+                                  {"/m/A Film/.poster.jpg", "poster"},
+                                  {"poster.jpg", ""}}) {
+    EXPECT_EQ(posterKeyOf(path), key) << path;
+  }
+}
+
+TEST(EpisodeName, ReadsSeasonAndEpisode) {
+  for (const auto& [text, numbers] : {std::pair{"S02E05", "2 5"},
+                                      {"Show.s1e10", "1 10"},
+                                      {"Sea S03E04", "3 4"},
+                                      {"S1S2E3", "2 3"},
+                                      {"S00E01", "0 1"},
+                                      {"S1E99999999999999999999", "1 2147483647"}}) {
+    const auto found = parseSeasonEpisode(text).value_or(SeasonEpisode{-1, -1});
+    EXPECT_EQ(std::to_string(found.season) + ' ' + std::to_string(found.episode), numbers) << text;
+  }
+  for (const char* none : {"S03", "S03E", "SE1", "2x05", "S1 E2", ""})
+    EXPECT_FALSE(parseSeasonEpisode(none)) << none;
+}
+
+TEST(EpisodeName, OrdersTracks) {
+  constexpr const char* order[] = {"2 Song.flac", "07 Song.flac", "10.mp3", "99999999999.mp3", "0 zero.mp3",
+                                   "00 x.mp3",    "a.mp3",        "B.mp3",  "Intro.flac"};
+  for (const auto& a : order) {
+    for (const auto& b : order) EXPECT_EQ(trackLess(a, b), &a < &b) << a << " < " << b;
+  }
+  EXPECT_FALSE(trackLess("1 a.mp3", "01 b.mp3") || trackLess("01 b.mp3", "1 a.mp3"));
+}
+
+TEST(EpisodeName, GivesTheLabelsParts) {
+  for (const auto& [stem, expected] : {std::pair{"S02E05 Pilot", "S02|E05|Pilot|2 05"},
+                                       {"Show.s10e1._-  The End-thumb", "S10|E1|The End|10 1"},
+                                       {"2x05 - Two", "2|05|Two|2 05"},
+                                       {"007 12X3.Three", "12|3|Three|12 3"},
+                                       {"1x2 S00E04", "S00|E04||00 04"},
+                                       {"Pilot", "||| "},
+                                       {"", "||| "}}) {
+    const auto& [season, episode, title] = episodeLabelOf(stem);
+    const std::string shown = shownSeason(season) + ' ' + shownEpisode(episode);
+    EXPECT_EQ(season + '|' + episode + '|' + title + '|' + shown, expected) << stem;
+  }
+  for (const auto& [name, season] : {std::pair{" Specials ", "0"},
+                                     {"S02", "2"},
+                                     {"Season 10", "10"},
+                                     {"Show SEASON03 x", "3"},
+                                     {"Seasons, season   5", "5"},
+                                     {"Season", ""},
+                                     {"Extras", ""},
+                                     {"", ""}}) {
+    EXPECT_EQ(seasonOfFolder(name), season) << name;
+  }
+}
+
+}  // namespace tavek

@@ -1,0 +1,69 @@
+#include "video/codec/codec.h"
+
+#include <cstdlib>
+#include <memory>
+
+#include <gmock/gmock.h>
+
+#include "base/process_flags.h"
+#include "video/codec/decoder_choice.h"
+#include "video/demultiplex/error.h"
+
+namespace tavek {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+/// What a codec of these parameters does: its error and all that is printed.
+std::string opened(AVCodecID id, const char* ownDecoder = "") {
+  setenv("PLAY_HW_DECODER", ownDecoder, 1);
+  const auto release = [](AVCodecParameters* p) { avcodec_parameters_free(&p); };
+  const std::unique_ptr<AVCodecParameters, decltype(release)> parameters(avcodec_parameters_alloc());
+  parameters->codec_id = id;
+  parameters->codec_type = avcodec_get_type(id);
+  parameters->width = parameters->height = 64;
+  debugEnabled = true;
+  testing::internal::CaptureStderr();
+  try {
+    const Codec codec(parameters.get());
+  } catch (const ffmpeg::Error& failure) {
+    return failure.what() + testing::internal::GetCapturedStderr();
+  }
+  return testing::internal::GetCapturedStderr();
+}
+
+// No test machine has the decoders of the box, so what is seen here is the road without them.
+TEST(Codec, FallsBackToSoftwareInSilenceButForHevc) {
+  av_log_set_level(AV_LOG_INFO);
+  EXPECT_EQ(opened(AV_CODEC_ID_H264), "[CODEC] opened decoder=h264 codec=h264 w=64 h=64\n");
+  EXPECT_EQ(opened(AV_CODEC_ID_HEVC), "FFmpeg: No HEVC hardware decoder");
+  EXPECT_EQ(av_log_get_level(), AV_LOG_INFO);
+  EXPECT_EQ(opened(AV_CODEC_ID_NONE), "FFmpeg: Unsupported codec");
+  EXPECT_THAT(opened(AV_CODEC_ID_PCM_S16LE), StartsWith("FFmpeg: Failed to open decoder"));
+  EXPECT_THROW(Codec(nullptr), ffmpeg::Error);
+}
+
+TEST(Codec, TakesTheDecoderOfTheEnvironment) {
+  EXPECT_THAT(opened(AV_CODEC_ID_MP3, "mp3"), HasSubstr("decoder=mp3 "));
+  for (const char* useless : {"", "flac", "no such"}) {
+    EXPECT_THAT(opened(AV_CODEC_ID_MP3, useless), StartsWith("[CODEC] opened decoder=mp3float ")) << useless;
+  }
+}
+
+TEST(DecoderChoice, LetsTheListWinOverTheOwnDecoder) {
+  // Of the own decoder 0 and the list of 1 and 2: A is absent, F fails, O opens; then who is held.
+  for (const std::string_view line : {"OAA0", "OFA-", "OAF-", "OAO2", "AFO2", "OOO1", "AAA-"}) {
+    const auto attempt = [&](const char* name) {
+      const char outcome = line[static_cast<std::size_t>(*name - '0')];
+      ffmpeg::CodecContextPtr context(outcome == 'O' ? avcodec_alloc_context3(nullptr) : nullptr);
+      if (context) context->width = *name;
+      return DecoderAttempt{outcome != 'A', std::move(context)};
+    };
+    const auto held = openHardwareDecoder("0", std::array{"1", "2"}, attempt);
+    EXPECT_EQ(held ? held->width : '-', line[3]) << line;
+  }
+}
+
+}  // namespace
+}  // namespace tavek

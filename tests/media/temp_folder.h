@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+namespace tavek::test {
+
+/// A fresh folder that goes away with its owner.
+class TempFolder {
+ public:
+  TempFolder() : path_(mkdtemp((std::filesystem::temp_directory_path() / "tavek_XXXXXX").string().data())) {}
+  ~TempFolder() { std::filesystem::remove_all(path_); }
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace tavek::test
