@@ -19,7 +19,11 @@ function(tavek_room folder)
 endfunction()
 
 # Compiles each header by itself, so that none leans on what its user happened to include before.
+# Not in a sanitizer's build, which would find the same.
 function(tavek_check_headers)
+  if(TAVEK_SANITIZE)
+    return()
+  endif()
   get_property(headers GLOBAL PROPERTY TAVEK_HEADERS)
   get_property(rooms GLOBAL PROPERTY TAVEK_ROOMS)
   set(units "")
@@ -30,5 +34,6 @@ function(tavek_check_headers)
     list(APPEND units ${unit})
   endforeach()
   add_library(header_checks OBJECT ${units})
+  target_compile_options(header_checks PRIVATE -O0 -g0)
   target_link_libraries(header_checks PRIVATE ${rooms})
 endfunction()
