@@ -4,27 +4,30 @@
 #include "library/titles.h"
 
 namespace tavek {
+namespace {
+
+/// "text = expected" lines, the form of the tables here.
+std::pair<std::string, std::string> row(const std::string& line) {
+  const std::size_t middle = line.find(" = ");
+  return {line.substr(0, middle), line.substr(middle + 3)};
+}
 
 TEST(Titles, KeepLettersDigitsAndBlanks) {
   EXPECT_EQ(normalizeTitle("Caf\xc3\xa9 (2001)"), "caf 2001");
   EXPECT_EQ(normalizeTitle(" A  b\tC-d !"), "a  b cd");
-  for (const auto& [path, key] : {std::pair{"/m/Movie.POSTER.jpg", "movieposter"},
-                                  {"/m/Movie.poster.jpg", "movie"},
-                                  {"/m/The Film (1999)/COVER.JPG", "the film 1999"},
-                                  {"/m/A Film/Front.poster.png", "a film"},
-                                  {"/m/A Film/.poster.jpg", "poster"},
-                                  {"poster.jpg", ""}}) {
+  for (const char* line :
+       {"/m/Movie.POSTER.jpg = movieposter", "/m/Movie.poster.jpg = movie",
+        "/m/The Film (1999)/COVER.JPG = the film 1999", "/m/A Film/Front.poster.png = a film",
+        "/m/A Film/.poster.jpg = poster", "poster.jpg = "}) {
+    const auto [path, key] = row(line);
     EXPECT_EQ(posterKeyOf(path), key) << path;
   }
 }
 
 TEST(EpisodeName, ReadsSeasonAndEpisode) {
-  for (const auto& [text, numbers] : {std::pair{"S02E05", "2 5"},
-                                      {"Show.s1e10", "1 10"},
-                                      {"Sea S03E04", "3 4"},
-                                      {"S1S2E3", "2 3"},
-                                      {"S00E01", "0 1"},
-                                      {"S1E99999999999999999999", "1 2147483647"}}) {
+  for (const char* line : {"S02E05 = 2 5", "Show.s1e10 = 1 10", "Sea S03E04 = 3 4", "S1S2E3 = 2 3",
+                           "S00E01 = 0 1", "S1E99999999999999999999 = 1 2147483647"}) {
+    const auto [text, numbers] = row(line);
     const auto found = parseSeasonEpisode(text).value_or(SeasonEpisode{-1, -1});
     EXPECT_EQ(std::to_string(found.season) + ' ' + std::to_string(found.episode), numbers) << text;
   }
@@ -42,27 +45,21 @@ TEST(EpisodeName, OrdersTracks) {
 }
 
 TEST(EpisodeName, GivesTheLabelsParts) {
-  for (const auto& [stem, expected] : {std::pair{"S02E05 Pilot", "S02|E05|Pilot|2 05"},
-                                       {"Show.s10e1._-  The End-thumb", "S10|E1|The End|10 1"},
-                                       {"2x05 - Two", "2|05|Two|2 05"},
-                                       {"007 12X3.Three", "12|3|Three|12 3"},
-                                       {"1x2 S00E04", "S00|E04||00 04"},
-                                       {"Pilot", "||| "},
-                                       {"", "||| "}}) {
+  for (const char* line :
+       {"S02E05 Pilot = S02|E05|Pilot|2 05", "Show.s10e1._-  The End-thumb = S10|E1|The End|10 1",
+        "2x05 - Two = 2|05|Two|2 05", "007 12X3.Three = 12|3|Three|12 3", "1x2 S00E04 = S00|E04||00 04",
+        "Pilot = ||| ", " = ||| "}) {
+    const auto [stem, expected] = row(line);
     const auto& [season, episode, title] = episodeLabelOf(stem);
     const std::string shown = shownSeason(season) + ' ' + shownEpisode(episode);
     EXPECT_EQ(season + '|' + episode + '|' + title + '|' + shown, expected) << stem;
   }
-  for (const auto& [name, season] : {std::pair{" Specials ", "0"},
-                                     {"S02", "2"},
-                                     {"Season 10", "10"},
-                                     {"Show SEASON03 x", "3"},
-                                     {"Seasons, season   5", "5"},
-                                     {"Season", ""},
-                                     {"Extras", ""},
-                                     {"", ""}}) {
+  for (const char* line : {" Specials  = 0", "S02 = 2", "Season 10 = 10", "Show SEASON03 x = 3",
+                           "Seasons, season   5 = 5", "Season = ", "Extras = ", " = "}) {
+    const auto [name, season] = row(line);
     EXPECT_EQ(seasonOfFolder(name), season) << name;
   }
 }
 
+}  // namespace
 }  // namespace tavek

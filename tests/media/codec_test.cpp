@@ -1,7 +1,6 @@
 #include "video/codec/codec.h"
 
 #include <cstdlib>
-#include <memory>
 
 #include <gmock/gmock.h>
 
@@ -12,21 +11,18 @@
 namespace tavek {
 namespace {
 
-using testing::HasSubstr;
 using testing::StartsWith;
 
 /// What a codec of these parameters does: its error and all that is printed.
 std::string opened(AVCodecID id, const char* ownDecoder = "") {
   setenv("PLAY_HW_DECODER", ownDecoder, 1);
-  const auto release = [](AVCodecParameters* p) { avcodec_parameters_free(&p); };
-  const std::unique_ptr<AVCodecParameters, decltype(release)> parameters(avcodec_parameters_alloc());
-  parameters->codec_id = id;
-  parameters->codec_type = avcodec_get_type(id);
-  parameters->width = parameters->height = 64;
+  AVCodecParameters parameters{};
+  parameters.codec_id = id;
+  parameters.codec_type = avcodec_get_type(id);
   debugEnabled = true;
   testing::internal::CaptureStderr();
   try {
-    const Codec codec(parameters.get());
+    const Codec codec(&parameters);
   } catch (const ffmpeg::Error& failure) {
     return failure.what() + testing::internal::GetCapturedStderr();
   }
@@ -36,7 +32,7 @@ std::string opened(AVCodecID id, const char* ownDecoder = "") {
 // No test machine has the decoders of the box, so what is seen here is the road without them.
 TEST(Codec, FallsBackToSoftwareInSilenceButForHevc) {
   av_log_set_level(AV_LOG_INFO);
-  EXPECT_EQ(opened(AV_CODEC_ID_H264), "[CODEC] opened decoder=h264 codec=h264 w=64 h=64\n");
+  EXPECT_EQ(opened(AV_CODEC_ID_H264), "[CODEC] opened decoder=h264 codec=h264 w=0 h=0\n");
   EXPECT_EQ(opened(AV_CODEC_ID_HEVC), "FFmpeg: No HEVC hardware decoder");
   EXPECT_EQ(av_log_get_level(), AV_LOG_INFO);
   EXPECT_EQ(opened(AV_CODEC_ID_NONE), "FFmpeg: Unsupported codec");
@@ -45,7 +41,7 @@ TEST(Codec, FallsBackToSoftwareInSilenceButForHevc) {
 }
 
 TEST(Codec, TakesTheDecoderOfTheEnvironment) {
-  EXPECT_THAT(opened(AV_CODEC_ID_MP3, "mp3"), HasSubstr("decoder=mp3 "));
+  EXPECT_THAT(opened(AV_CODEC_ID_MP3, "mp3"), testing::HasSubstr("decoder=mp3 "));
   for (const char* useless : {"", "flac", "no such"}) {
     EXPECT_THAT(opened(AV_CODEC_ID_MP3, useless), StartsWith("[CODEC] opened decoder=mp3float ")) << useless;
   }

@@ -21,13 +21,13 @@ constexpr int parametersLine = 87;
 /// the lock keeps a second attempt from taking the lowered level for the one to restore.
 class QuietLog {
  public:
-  QuietLog() : lock_(mutex_), level_(av_log_get_level()) { av_log_set_level(AV_LOG_QUIET); }
+  QuietLog() : lock_(levelLock), level_(av_log_get_level()) { av_log_set_level(AV_LOG_QUIET); }
   ~QuietLog() { av_log_set_level(level_); }
   QuietLog(const QuietLog&) = delete;
   QuietLog& operator=(const QuietLog&) = delete;
 
  private:
-  inline static std::mutex mutex_;
+  inline static std::mutex levelLock;
   std::lock_guard<std::mutex> lock_;
   int level_;
 };

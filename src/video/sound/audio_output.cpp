@@ -180,8 +180,8 @@ std::int64_t AudioOutput::delayUs() {
   snd_pcm_t* pcm = device_.pcm.get();
   if (pcm == nullptr) return 0;
   snd_pcm_sframes_t frames = 0;
-  if (snd_pcm_delay(pcm, &frames) < 0) return 0;
-  // A sound server may answer 0 until it plays, though all that was written is still to be heard. A device
+  if (snd_pcm_delay(pcm, &frames) < 0) frames = 0;
+  // A sound server may not know until it plays, though all that was written is still to be heard. A device
   // that has taken more than its buffer without a start keeps nothing.
   if (snd_pcm_state(pcm) == SND_PCM_STATE_PREPARED && framesBeforeStart_ <= bufferFrames(pcm)) {
     frames = std::max(frames, framesBeforeStart_);

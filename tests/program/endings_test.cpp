@@ -1,0 +1,128 @@
+// How a run ends: by signals in every state, and past files, devices and screens that are broken or gone.
+#include <functional>
+#include <signal.h>
+
+#include "program/program_run.h"
+
+namespace tavek {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Endings = ProgramTest;
+
+const rig::Environment noScreen = {{"DISPLAY", ""}, {"SDL_VIDEODRIVER", "x11"}};
+
+TEST_F(Endings, SignalsEndTheProgramInEveryState) {
+  add("film.mkv", {.seconds = 30});
+  const auto key = [this](const char* name) { stage.screen.press(name); };
+  struct State {
+    const char* name;
+    int signal;
+    bool stands;
+    std::function<void()> reach;
+  };
+  const State states[] = {
+      {"playing", SIGINT, false, [] {}},
+      {"paused", SIGTERM, true, [&] { key("XF86AudioPlay"); }},
+      {"seeking", SIGTERM, false, [&] { stage.screen.hold("Right"); }},
+      {"seeking in a pause", SIGHUP, false, [&] { key("XF86AudioPlay"), key("XF86AudioForward"); }},
+      {"going home", SIGQUIT, true, [&] { key("XF86HomePage"); }},
+  };
+  for (const State& state : states) {
+    SCOPED_TRACE(state.name);
+    const double begin = rig::now();
+    start({"film.mkv"});
+    // Each run begins anew, as no position is kept; a pause is possible after the first second.
+    ASSERT_TRUE(rig::waitUntil(10, [&] { return !watch.sights(begin).empty(); }));
+    EXPECT_LT(watch.sights(begin).front().number, 24);
+    ASSERT_TRUE(waitForNumber(30, 48, 5));
+    state.reach();
+    rig::let(0.2);
+    const int number = watch.number();
+    rig::let(0.15);
+    EXPECT_TRUE(!state.stands || watch.number() == number);
+    program->signal(state.signal);
+    expectEnd(sanitized ? 3 : 1);
+    stage.screen.release("Right");
+  }
+}
+
+TEST_F(Endings, SignalsEndTheProgramAtItsStartAndWithNoScreen) {
+  add("film.mkv", {.seconds = 30});
+  for (const double delay : {0.0, 0.02, 0.05, 0.1, 0.2, 0.4}) {
+    SCOPED_TRACE(delay);
+    start({"film.mkv"}, delay == 0.4 ? noScreen : rig::Environment{});
+    // Until the first step of main a signal ends any program at once.
+    rig::let(delay);
+    program->signal(SIGTERM);
+    ASSERT_TRUE(program->waitForEnd(sanitized ? 3 : 1));
+    EXPECT_TRUE(program->status() == 0 || (delay < 0.1 && program->status() == -SIGTERM))
+        << program->status();
+  }
+}
+
+TEST_F(Endings, BrokenFilesAreNamedAndTheOthersPlay) {
+  add("good.mkv", {.seconds = 1.5, .firstNumber = 1000});
+  add("cut.mkv", {.seconds = 4, .firstNumber = 2000});
+  add("last.mkv", {.seconds = 1.5, .firstNumber = 3000});
+  add("headless.mp4", {.seconds = 1.5, .audio = "-c:a aac", .container = "mp4"});
+  std::string noise;
+  for (unsigned value = 1; noise.size() < 100'000;)
+    noise += static_cast<char>((value = value * 69069 + 1) >> 24);
+  rig::writeText(film("noise.mkv"), noise);
+  rig::writeText(film("empty.mkv"), "");
+  fs::resize_file(film("cut.mkv"), fs::file_size(film("cut.mkv")) / 2 + 1);
+  fs::resize_file(film("headless.mp4"), fs::file_size(film("headless.mp4")) / 2);
+  start({"good.mkv", "noise.mkv", "empty.mkv", "gone.mkv", "cut.mkv", "headless.mp4", "last.mkv"});
+  expectEnd(20, false);
+
+  std::size_t at = 0;
+  for (const char* name : {"noise.mkv", "empty.mkv", "gone.mkv", "headless.mp4"}) {
+    const std::string line = "Failed to open " + film(name).string() + ": FFmpeg: ";
+    const std::size_t found = program->errors().find(line, at);
+    EXPECT_NE(found, std::string::npos) << line << "\nnot in\n" << program->errors();
+    if (found != std::string::npos) at = found;
+  }
+  for (const auto& [from, pictures] : {std::pair{1000, 36U}, std::pair{2000, 40U}, std::pair{3000, 36U}}) {
+    EXPECT_GE(watch.numbered(from, from + 1000).size(), sanitized ? pictures / 2 : pictures - 3) << from;
+  }
+}
+
+TEST_F(Endings, FilmGoesOnWithoutItsFileAndItsDevice) {
+  add("film.mkv", {.seconds = 5});
+  start({"film.mkv"});
+  ASSERT_TRUE(waitForNumber(24));
+  fs::remove(film("film.mkv"));
+  ASSERT_TRUE(waitForNumber(36));
+  stage.sound.vanish();
+  expectEnd(sanitized ? 20 : 7);
+  EXPECT_GE(watch.number(), 117);
+}
+
+TEST_F(Endings, FilmPlaysWithNoDeviceAtAll) {
+  add("film.mkv", {.seconds = 2});
+  rig::writeText(film("none.conf"), "");
+  start({"film.mkv"}, {{"ALSA_CONFIG_PATH", film("none.conf")}});
+  expectEnd(sanitized ? 12 : 5);
+  EXPECT_GE(watch.sights().size(), sanitized ? 20U : 44U);
+}
+
+TEST_F(Endings, WithNoScreenNamedFilmsAreHeardAndNothingElseRuns) {
+  add("film.mkv", {.seconds = 3});
+  start({"film.mkv"}, noScreen);
+  expectEnd(10, false);
+  const rig::Recording sound = stage.sound.recording(program->startedAt() - 0.3);
+  ASSERT_EQ(sound.onsets().size(), 1U);
+  const double begin = sound.onsets().front();
+  EXPECT_GT(sound.between(begin + 2.7, begin + 2.9).level(), -6);
+  EXPECT_NEAR(program->endedAt() - begin, 3, 0.8);
+
+  start({}, noScreen);
+  ASSERT_TRUE(program->waitForEnd(5));
+  EXPECT_EQ(program->status(), 1);
+  EXPECT_NE(program->errors().find("no screen"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace tavek

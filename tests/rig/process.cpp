@@ -1,0 +1,139 @@
+#include "rig/process.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <fstream>
+#include <poll.h>
+#include <signal.h>
+#include <sstream>
+#include <stdexcept>
+#include <string_view>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace tavek::rig {
+namespace {
+
+double seconds(const timeval& time) {
+  return double(time.tv_sec) + double(time.tv_usec) / 1e6;
+}
+double seconds(const timespec& time) {
+  return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
+}
+
+std::vector<std::string> childEnvironment(const Environment& given) {
+  std::vector<std::string> lines;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    const std::string_view line = *entry;
+    const std::string_view name = line.substr(0, line.find('='));
+    if (name == "PATH" || name.ends_with("SAN_OPTIONS")) lines.emplace_back(line);
+  }
+  for (const auto& [name, value] : given) lines.push_back(name + "=" + value);
+  return lines;
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+  std::vector<char*> result;
+  for (std::string& text : texts) result.push_back(text.data());
+  result.push_back(nullptr);
+  return result;
+}
+
+}  // namespace
+
+double now() {
+  timespec time{};
+  clock_gettime(CLOCK_MONOTONIC, &time);
+  return seconds(time);
+}
+
+TempFolder::TempFolder() {
+  std::string name = (std::filesystem::temp_directory_path() / "tavek-rig-XXXXXX").string();
+  if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder " + name);
+  path_ = name;
+}
+
+TempFolder::~TempFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+std::string readText(const std::filesystem::path& file) {
+  std::ostringstream text;
+  text << std::ifstream(file, std::ios::binary).rdbuf();
+  return text.str();
+}
+
+void writeText(const std::filesystem::path& file, const std::string& text) {
+  std::ofstream(file, std::ios::binary) << text;
+}
+
+Program::Program(const std::vector<std::string>& arguments, const Environment& environment, int outputPipe) {
+  std::vector<std::string> words = arguments;
+  std::vector<std::string> variables = childEnvironment(environment);
+  std::vector<char*> argv = pointers(words);
+  std::vector<char*> envp = pointers(variables);
+  const std::string out = folder_.path() / "out";
+  const std::string err = folder_.path() / "err";
+  startedAt_ = now();
+  id_ = fork();
+  if (id_ == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const int mode = O_WRONLY | O_CREAT | O_TRUNC;
+    dup2(open("/dev/null", O_RDONLY), 0);
+    dup2(outputPipe >= 0 ? outputPipe : open(out.c_str(), mode, 0600), 1);
+    dup2(open(err.c_str(), mode, 0600), 2);
+    closefrom(3);
+    execvpe(argv[0], argv.data(), envp.data());
+    _exit(127);
+  }
+  if (id_ < 0) throw std::runtime_error("cannot start " + words[0]);
+  watch_ = static_cast<int>(syscall(SYS_pidfd_open, id_, 0));
+}
+
+Program::~Program() {
+  if (status_ == -1000) {
+    kill(id_, SIGKILL);
+    waitForEnd(10);
+  }
+  close(watch_);
+}
+
+void Program::signal(int number) const {
+  if (status_ == -1000) kill(id_, number);
+}
+
+bool Program::waitForEnd(double limit) {
+  if (status_ != -1000) return true;
+  pollfd entry{watch_, POLLIN, 0};
+  const double end = now() + limit;
+  int ready = 0;
+  do {
+    ready = poll(&entry, 1, std::max(0, static_cast<int>((end - now()) * 1000)));
+  } while (ready < 0 && now() < end);
+  if (ready <= 0) return false;
+  endedAt_ = now();
+  int result = 0;
+  rusage usage{};
+  wait4(id_, &result, 0, &usage);
+  status_ = WIFEXITED(result) ? WEXITSTATUS(result) : -WTERMSIG(result);
+  cpuSeconds_ = seconds(usage.ru_utime) + seconds(usage.ru_stime);
+  peakKilobytes_ = usage.ru_maxrss;
+  return true;
+}
+
+double Program::cpuSeconds() const {
+  if (status_ != -1000) return cpuSeconds_;
+  clockid_t clock{};
+  timespec time{};
+  if (clock_getcpuclockid(id_, &clock) != 0 || clock_gettime(clock, &time) != 0) return 0;
+  return seconds(time);
+}
+
+}  // namespace tavek::rig

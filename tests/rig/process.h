@@ -1,0 +1,81 @@
+// Programs that a test starts, and the temporary folders in which they live. All waiting has a deadline.
+#pragma once
+
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <string>
+#include <sys/types.h>
+#include <thread>
+#include <vector>
+
+namespace tavek::rig {
+
+/// Seconds on CLOCK_MONOTONIC: the one clock of all rig measurements.
+double now();
+
+/// Polls until the question is answered with true; false when the seconds are over.
+template <typename Question>
+bool waitUntil(double seconds, Question question) {
+  const double end = now() + seconds;
+  while (!question()) {
+    if (now() >= end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  }
+  return true;
+}
+
+/// Lets the time of a measurement go by.
+inline void let(double seconds) {
+  std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+}
+
+class TempFolder {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+std::string readText(const std::filesystem::path& file);
+void writeText(const std::filesystem::path& file, const std::string& text);
+
+using Environment = std::map<std::string, std::string>;
+
+/// One child process, with its standard streams in files (or standard output in a pipe). It sees only the
+/// given environment beside PATH and the sanitizers' options, and dies with its owner. Belongs to one thread.
+class Program {
+ public:
+  Program(const std::vector<std::string>& arguments, const Environment& environment, int outputPipe = -1);
+  ~Program();
+
+  void signal(int number) const;
+  /// True once the process has ended; then the values below are valid.
+  bool waitForEnd(double seconds);
+  /// Exit status, or minus the number of the signal that ended it; -1000 while it runs.
+  int status() const { return status_; }
+  double startedAt() const { return startedAt_; }
+  double endedAt() const { return endedAt_; }
+  long peakKilobytes() const { return peakKilobytes_; }
+  /// CPU time of all threads so far, or in all after the end.
+  double cpuSeconds() const;
+  std::string output() const { return readText(folder_.path() / "out"); }
+  std::string errors() const { return readText(folder_.path() / "err"); }
+
+ private:
+  TempFolder folder_;
+  pid_t id_ = -1;
+  int watch_ = -1;
+  int status_ = -1000;
+  double startedAt_ = 0;
+  double endedAt_ = 0;
+  double cpuSeconds_ = 0;
+  long peakKilobytes_ = 0;
+};
+
+}  // namespace tavek::rig
