@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <string_view>
 #include <system_error>
 
 #include <SDL_image.h>
@@ -33,10 +34,21 @@ const char* yesNo(Uint32 flag) {
   return flag != 0 ? "yes" : "no";
 }
 
-void setHints(bool kmsdrm) {
+/// A GL that the processor has to draw costs several times what SDL's own software renderer does for a film,
+/// so that one is taken where there is no graphics device, unless SDL's environment variable says otherwise.
+bool drawsWithoutGl() {
+  if (const char* wanted = SDL_GetHint(SDL_HINT_RENDER_DRIVER)) return std::string_view(wanted) == "software";
+  std::error_code ignored;
+  return !std::filesystem::exists("/dev/dri", ignored);
+}
+
+void setHints(bool kmsdrm, bool software) {
   if (kmsdrm) {
     SDL_SetHint(SDL_HINT_RENDER_DRIVER, "opengles2");
     SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "1");
+  } else if (software) {
+    SDL_SetHint(SDL_HINT_RENDER_DRIVER, "software");
+    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
   }
   SDL_SetHintWithPriority(SDL_HINT_RENDER_SCALE_QUALITY, kmsdrm ? "0" : "best", SDL_HINT_OVERRIDE);
 }
@@ -96,13 +108,14 @@ const char* Screen::build(SDL_Rect wish, VideoPicture& picture) {
   if (driver == nullptr) return "No video driver.";
   const bool kmsdrm = SDL_strcasecmp(driver, "kmsdrm") == 0;
   SDL_ShowCursor(SDL_DISABLE);
-  setHints(kmsdrm);
+  const bool software = !kmsdrm && drawsWithoutGl();
+  setHints(kmsdrm, software);
   const SDL_Rect place = placeOf(wish, kmsdrm);
-  if (const char* reason = createWindow(place, kmsdrm)) return reason;
+  if (const char* reason = createWindow(place, kmsdrm, software)) return reason;
   describeRenderer(renderer_.get(), driver, kmsdrm);
   SDL_RenderSetLogicalSize(renderer_.get(), place.w, place.h);
   SDL_SetRenderDrawColor(renderer_.get(), 0, 0, 0, SDL_ALPHA_OPAQUE);
-  if (!kmsdrm) {
+  if (!kmsdrm && !software) {
     if (const char* reason = createGlContext()) return reason;
   }
   return picture.create(renderer_.get(), place.w, place.h) ? nullptr : failed("SDL_CreateTextureFromSurface");
@@ -134,12 +147,12 @@ void Screen::openBaseFont() {
   }
 }
 
-const char* Screen::createWindow(SDL_Rect place, bool kmsdrm) {
+const char* Screen::createWindow(SDL_Rect place, bool kmsdrm, bool software) {
   SDL_GL_SetAttribute(SDL_GL_CONTEXT_PROFILE_MASK, SDL_GL_CONTEXT_PROFILE_ES);
   SDL_GL_SetAttribute(SDL_GL_CONTEXT_MAJOR_VERSION, 2);
   SDL_GL_SetAttribute(SDL_GL_CONTEXT_MINOR_VERSION, 0);
-  const Uint32 flags =
-      SDL_WINDOW_OPENGL | SDL_WINDOW_BORDERLESS | (kmsdrm ? Uint32{SDL_WINDOW_FULLSCREEN_DESKTOP} : 0U);
+  const Uint32 flags = SDL_WINDOW_BORDERLESS | (software ? 0U : Uint32{SDL_WINDOW_OPENGL}) |
+                       (kmsdrm ? Uint32{SDL_WINDOW_FULLSCREEN_DESKTOP} : 0U);
   window_.reset(SDL_CreateWindow("play", place.x, place.y, place.w, place.h, flags));
   if (!window_) return failed("SDL_CreateWindow");
   renderer_.reset(

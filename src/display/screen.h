@@ -28,7 +28,7 @@ class Screen {
   // Each gives the reason of its failure, or null.
   const char* build(SDL_Rect wish, VideoPicture& picture);
   const char* startLibraries();
-  const char* createWindow(SDL_Rect place, bool kmsdrm);
+  const char* createWindow(SDL_Rect place, bool kmsdrm, bool software);
   const char* createGlContext();
   void openBaseFont();
 

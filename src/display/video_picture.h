@@ -44,7 +44,8 @@ class VideoPicture {
   TexturePtr texture_;
   int width_ = 0;
   int height_ = 0;
-  std::uint64_t serial_ = 0;  ///< of the picture in the texture
+  SDL_ScaleMode scaleMode_ = SDL_ScaleModeNearest;  ///< what the renderer's hint asks for
+  std::uint64_t serial_ = 0;                        ///< of the picture in the texture
 };
 
 }  // namespace tavek
