@@ -49,7 +49,9 @@ void Pipeline::applySeek(std::int64_t positionUs) {
   flush(video_);
   flush(audio_);
   if (demux_.seek(target)) {
-    audioClock_.set(target);
+    // The pictures of a film start at the key frame before, at their own pace until sound is heard again.
+    // Black pictures have nothing to go by but the clock.
+    audioClock_.set(audioOnly() ? target : 0);
     return;
   }
   // The item plays on from wherever the file stands.

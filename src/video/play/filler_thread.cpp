@@ -37,6 +37,7 @@ PicturePtr blackPicture(std::int64_t ptsUs) {
 void Pipeline::audioFillerThread() {
   constexpr std::int64_t stepUs = 33333;
   std::int64_t fillerPts = 0;
+  unsigned lastRound = seekRound_;
   while (!stopping()) {
     if (audioFinished_) {
       frames_.finish();
@@ -48,6 +49,9 @@ void Pipeline::audioFillerThread() {
     }
     const unsigned round = seekRound_;
     const std::int64_t heard = audioClock_.heardUs(AudioClock::Time::clock::now());
+    // After a seek back the pictures must not stay ahead of the sound.
+    if (round != lastRound) fillerPts = 0;
+    lastRound = round;
     fillerPts = heard > fillerPts ? heard : fillerPts + stepUs;
     Tagged<PicturePtr> picture{blackPicture(fillerPts), round};
     if (!frames_.push(picture)) {
