@@ -41,7 +41,8 @@ PULSE
 pcm.!default { type pulse server "unix:$socket" }
 ctl.!default { type pulse server "unix:$socket" }
 ALSA
-  HOME=$scratch XDG_RUNTIME_DIR=$scratch start_helper "$scratch/pulse.log" \
+  export PULSE_RUNTIME_PATH=$scratch PULSE_COOKIE=$scratch/cookie PULSE_STATE_PATH=$scratch
+  start_helper "$scratch/pulse.log" \
     pulseaudio -n -F "$scratch/pulse.pa" --exit-idle-time=-1 --use-pid-file=no --daemonize=no
   wait_for "the sound server" test -S "$socket"
   start_helper /dev/null parec --server "unix:$socket" --device tavek.monitor --latency-msec 10

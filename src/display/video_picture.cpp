@@ -85,6 +85,8 @@ void VideoPicture::copy(SDL_Renderer* renderer, const PictureView& picture, SDL_
     // The software renderer turns by way of two more copies, even by nothing.
     SDL_RenderCopy(renderer, texture_.get(), nullptr, &rect);
   } else {
+    // The picture is opaque, so blending changes nothing; without it the software renderer turns a mask too.
+    SDL_SetTextureBlendMode(texture_.get(), SDL_BLENDMODE_BLEND);
     SDL_RenderCopyEx(renderer, texture_.get(), nullptr, &rect, angle, nullptr, SDL_FLIP_NONE);
   }
 }

@@ -22,6 +22,7 @@ TEST(MediaPaths, ClassifyFolders) {
   touch("shows/A/Season 1/s01e02 Pilot.mkv");
   touch("mixed/Show.S01E02.mkv");
   touch("mixed/S01E02 folder/S1E02 x.mkv");
+  touch("mixed/S01x02.mkv");
   std::string kinds;
   for (const char* folder :
        {"tv", "TV/", "/else/Series", "shows", "shows/./A/..", "VIDEOS", "Music", "Kids", "mixed", "absent"}) {

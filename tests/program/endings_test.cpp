@@ -57,7 +57,7 @@ TEST_F(Endings, SignalsEndTheProgramAtItsStartAndWithNoScreen) {
     rig::let(delay);
     program->signal(SIGTERM);
     ASSERT_TRUE(program->waitForEnd(sanitized ? 3 : 1));
-    EXPECT_TRUE(program->status() == 0 || (delay < 0.1 && program->status() == -SIGTERM))
+    EXPECT_TRUE(program->status() == 0 || (delay <= 0.1 && program->status() == -SIGTERM))
         << program->status();
   }
 }

@@ -39,7 +39,7 @@ TEST_F(ProgramTest, PlaysAFilmInTimeAndSaysNothing) {
     EXPECT_TRUE(i == 0 || sights[i].number > sights[i - 1].number);
     if (sights[i].number > 48) late.push_back(sights[i].at - begin - sights[i].number / 24.0);
   }
-  EXPECT_NEAR(median(late), 0, mild(0.045));
+  EXPECT_NEAR(median(late), 0, sanitized ? 5 : 0.045);
 }
 
 TEST_F(ProgramTest, SoundAndPictureAgree) {
@@ -166,10 +166,10 @@ class Kinds : public ProgramTest {
     ASSERT_GE(sights.size(), sanitized ? pictures / 3 : pictures * 3 / 4);
     const double from = sights.front().at;
     const double to = sights.back().at;
-    // Software drawing may be too slow for the quick ones, but it leaves none out.
-    EXPECT_NEAR(to - from, 2, pictures > 60 ? 6 : mild(0.35));
+    // Software drawing may be too slow for the quick ones and the turned one, but it leaves none out.
+    EXPECT_NEAR(to - from, 2, pictures > 60 || kind.view == Turned ? 6 : mild(0.5));
     EXPECT_GT(to - from, 1.65);
-    const Recording sound = stage.sound.recording().between(from + 0.6, to - 0.3);
+    const Recording sound = stage.sound.recording().between(from + 0.6, from + 1.4);
     if (kind.pitch == 0) {
       EXPECT_LT(sound.level(), -60);
     } else {
@@ -192,10 +192,10 @@ TEST_F(Kinds, OfFilmsAllPlay) {
   expectEnd(double(names_.size()) * (sanitized ? 8 : 4));
   for (const Kind& kind : all_) expectShown(kind);
 
-  const int first = all_.back().clip.firstNumber;
-  const std::vector<Sight> uneven = watch.numbered(first, first + 21);
+  const int second = all_.back().clip.firstNumber + 20;
+  const std::vector<Sight> uneven = watch.numbered(second, second + 30);
   ASSERT_FALSE(uneven.empty());
-  EXPECT_NEAR(uneven.back().at - uneven.front().at, 1, mild(0.12));
+  EXPECT_NEAR(uneven.back().at - uneven.front().at, 29 / 30.0, mild(0.25));
 
   EXPECT_GT(watch.numbered(resized, resized + 100).size(), 16U);
   EXPECT_GT(watches_[PillarBox]->numbered(resized + 100, resized + 200).size(), 16U)

@@ -20,7 +20,7 @@ inline constexpr bool sanitized = false;
 
 /// A tolerance in time.
 constexpr double mild(double tolerance) {
-  return sanitized ? tolerance * 8 : tolerance;
+  return sanitized ? tolerance * 30 : tolerance;
 }
 
 class ProgramTest : public testing::Test {

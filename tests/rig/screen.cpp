@@ -189,16 +189,20 @@ std::vector<double> Watch::flashes(double since) const {
 }
 
 void Watch::look() {
+  std::optional<Sight> candidate;
   for (bool bright = true; !stop_; std::this_thread::sleep_for(std::chrono::milliseconds(1))) {
     const double at = now();
     const bool wasBright = std::exchange(bright, brightness(screen_.pixel(bodyPoint.x, bodyPoint.y)) > 128);
     const std::optional<int> number = screen_.number(line_);
     const std::scoped_lock hold(lock_);
     if (bright && !wasBright) flashes_.push_back(at);
-    if (number && *number != last_) {
-      sights_.push_back({at, *number});
+    // Two looks must agree, as the first may have met a picture that was half drawn.
+    const bool agreed = candidate && number == candidate->number;
+    if (agreed && *number != last_) {
+      sights_.push_back(*candidate);
       last_ = *number;
     }
+    if (!agreed) candidate = number ? std::optional<Sight>({at, *number}) : std::nullopt;
   }
 }
 

@@ -65,9 +65,9 @@ ValueLayout valueLayout(const SDL_Rect& row, int labelWidth, int valueWidth);
 /// Draws the label and returns its size.
 SDL_Point drawLabeledRow(const Row& row);
 /// Draws the box with the value, beside a label of that width.
-void drawValueRow(const FieldRow& row, int labelWidth);
+void drawValueRow(const FieldRow& field, int labelWidth);
 /// The whole row: background, label, and switch or value.
-void drawFieldRow(const FieldRow& row);
-void drawToggleRow(const ToggleRow& row);
+void drawFieldRow(const FieldRow& field);
+void drawToggleRow(const ToggleRow& toggle);
 
 }  // namespace tavek

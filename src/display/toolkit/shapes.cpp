@@ -43,6 +43,7 @@ void drawTriangles(SDL_Renderer* renderer, const std::vector<SDL_Vertex>& vertic
 
 void fillConvex(SDL_Renderer* renderer, const std::vector<SDL_FPoint>& outline, Colour colour) {
   std::vector<SDL_Vertex> vertices;
+  vertices.reserve(outline.size());
   for (const SDL_FPoint& point : outline) vertices.push_back({point, toSdl(colour), {0, 0}});
   std::vector<int> fan;
   for (int i = 2; i < static_cast<int>(vertices.size()); ++i) fan.insert(fan.end(), {0, i - 1, i});

@@ -132,7 +132,9 @@ std::vector<std::string> wrapText(TTF_Font* font, const std::string& text, int m
   std::string line;
   bool moreText = false;
   while (!moreText && words >> word) {
-    const std::string longer = line.empty() ? word : line + ' ' + word;
+    std::string longer = line;
+    if (!line.empty()) longer += ' ';
+    longer += word;
     if (!full() && fits(font, longer, maxWidth)) {
       line = longer;
       continue;

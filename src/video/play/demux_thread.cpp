@@ -10,14 +10,14 @@ namespace tavek {
 
 void Pipeline::demuxThread() {
   while (!stopping()) {
-    std::optional<std::int64_t> request;
+    std::optional<SeekRequest> request;
     {
       const std::lock_guard held(seekLock_);
-      request = std::exchange(seekRequestUs_, std::nullopt);
-      if (request) readRound_ = seekRound_;
+      request = std::exchange(seekRequest_, std::nullopt);
     }
     if (request) {
-      applySeek(*request);
+      readRound_ = request->round;
+      applySeek(request->positionUs);
     } else if (this->held()) {
       sleepMilliseconds(10);
     } else if (!readOne()) {

@@ -85,14 +85,14 @@ bool Pipeline::tryPopPicture(PicturePtr& picture) {
 }
 
 void Pipeline::requestSeek(std::int64_t positionUs) {
-  {
-    const std::lock_guard held(seekLock_);
-    seekRequestUs_ = wrapPosition(positionUs, demux_.durationUs());
-    ++seekRound_;
-  }
+  // Only when all of the old is out of the way may the reading thread know: what it then brings must not be
+  // cleared or flushed any more.
+  const unsigned round = ++seekRound_;
   clearQueues();
   flush(video_);
   flush(audio_);
+  const std::lock_guard held(seekLock_);
+  seekRequest_ = {wrapPosition(positionUs, demux_.durationUs()), round};
 }
 
 void Pipeline::clearQueues() {

@@ -82,7 +82,7 @@ class Pipeline {
 
   // The reading thread.
   void demuxThread();
-  void applySeek(std::int64_t targetUs);
+  void applySeek(std::int64_t positionUs);
   bool readOne();
   // The decoding threads.
   void videoThread();
@@ -113,8 +113,12 @@ class Pipeline {
   Flag audioFinished_;
   Flag closed_;
 
-  std::mutex seekLock_;  ///< guards seekRequestUs_, and the step of seekRound_ with it
-  std::optional<std::int64_t> seekRequestUs_;
+  struct SeekRequest {
+    std::int64_t positionUs;
+    unsigned round;
+  };
+  std::mutex seekLock_;  ///< guards seekRequest_
+  std::optional<SeekRequest> seekRequest_;
   std::atomic<unsigned> seekRound_{0};
 
   // Video thread only.
