@@ -39,7 +39,10 @@ class DisplayTest : public testing::Test {
  protected:
   static std::unique_ptr<Display> make(Orientation orientation = Orientation::OrientationAuto) {
     test::useOffscreenDriver();
-    return std::make_unique<Display>(0, 0, width, height, orientation);
+    auto display = std::make_unique<Display>(0, 0, width, height, orientation);
+    // A stamp of 0 means none, and SDL's clock starts with the display.
+    SDL_Delay(2);
+    return display;
   }
   static int red(const Display& display, int x, int y) {
     return test::pixelAt(display.renderer(), x, y) & 0xFF;
