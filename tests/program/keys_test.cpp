@@ -31,7 +31,8 @@ class KeysTest : public ProgramTest {
   int second() const { return (watch.number() - longFilm) / rate; }
 
   /// The picture goes on at its pace, within a quarter.
-  void expectRunning() {
+  void expectRunning(const char* after) {
+    SCOPED_TRACE(after);
     rig::let(0.5);
     const int before = watch.number();
     rig::let(1);
@@ -72,14 +73,14 @@ TEST_F(KeysTest, SeekAndGoHome) {
   ASSERT_TRUE(waitForNumber(longFilm + 2 * rate));
   press("Right");
   EXPECT_TRUE(waitForNumber(longFilm + 11 * rate, longFilm + 14 * rate, 1));
-  expectRunning();
+  expectRunning("the seek key");
   press("XF86AudioForward");
   EXPECT_TRUE(waitForNumber(longFilm + 21 * rate, longFilm + 26 * rate, 1));
-  expectRunning();
+  expectRunning("a seek forward");
   const int before = second();
   press("XF86AudioRewind");
   EXPECT_TRUE(waitForNumber(longFilm + (before - 11) * rate, longFilm + (before - 8) * rate, 1));
-  expectRunning();
+  expectRunning("a seek back");
 
   const int held = second();
   stage.screen.hold("Right");
@@ -89,7 +90,7 @@ TEST_F(KeysTest, SeekAndGoHome) {
   EXPECT_TRUE(rig::waitUntil(1, [&] { return second() > held + 40; }))
       << "from " << held << " to " << second();
   EXPECT_LT(second(), held + 120);
-  expectRunning();
+  expectRunning("a held seek");
   rig::let(0.5);
   EXPECT_EQ(stage.screen.count(seekBarRow, 0, 1920, isOrange), 0) << "the bar fades out";
   stage.screen.closeWindow();
@@ -131,7 +132,7 @@ TEST_F(KeysTest, PauseShowsItsOverlaysAndServesVolumeAndSeek) {
   }
   EXPECT_EQ(fill(), 0) << "the volume bar goes by itself";
   press("XF86AudioPlay");
-  expectRunning();
+  expectRunning("a pause");
   EXPECT_NEAR(soundLevel(), loud - 6, 0.7);
   EXPECT_EQ(stage.screen.pixel(944, 540), stage.screen.pixel(960, 540)) << "no icon";
   EXPECT_EQ(stage.screen.count(logoRow, 0, 1920, isRed), 0);

@@ -85,15 +85,10 @@ SoundServer::SoundServer() {
                                "--channels=1", "--device=rig.monitor"},
       environment(), ends[1]);
   close(ends[1]);
-  reader_ = std::thread([this, end = ends[0]] { readSamples(end); });
+  reader_ = std::jthread([this, end = ends[0]] { readSamples(end); });
   if (!waitUntil(20, [this] { return recording().samples.size() > recordRate / 10; })) {
     throw std::runtime_error("no recorder: " + recorder_->errors());
   }
-}
-
-SoundServer::~SoundServer() {
-  recorder_.reset();
-  if (reader_.joinable()) reader_.join();
 }
 
 Environment SoundServer::environment() const {

@@ -35,7 +35,6 @@ struct Recording {
 class SoundServer {
  public:
   SoundServer();
-  ~SoundServer();
 
   Environment environment() const;
   Recording recording(double since = 0) const;
@@ -46,11 +45,12 @@ class SoundServer {
   void readSamples(int pipe);
 
   TempFolder folder_;
-  std::unique_ptr<Program> server_;
-  std::unique_ptr<Program> recorder_;
   mutable std::mutex lock_;
   Recording heard_;
-  std::thread reader_;
+  // It ends when the recorder has gone, which is first to go.
+  std::jthread reader_;
+  std::unique_ptr<Program> server_;
+  std::unique_ptr<Program> recorder_;
 };
 
 }  // namespace tavek::rig
