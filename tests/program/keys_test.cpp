@@ -30,10 +30,10 @@ class KeysTest : public ProgramTest {
   void press(const char* key) { stage.screen.press(key); }
   int second() const { return (watch.number() - longFilm) / rate; }
 
-  /// The picture goes on at its pace, within a quarter.
+  /// Once it had time to come together with the sound the picture goes on at its pace, within a quarter.
   void expectRunning(const char* after) {
     SCOPED_TRACE(after);
-    rig::let(0.5);
+    rig::let(1);
     const int before = watch.number();
     rig::let(1);
     EXPECT_NEAR(watch.number() - before, rate, sanitized ? 20 : 6);
