@@ -41,17 +41,4 @@ TEST(Decoders, ArePrintedByTypeInColumns) {
   EXPECT_EQ(printed(printDecoders, {}), "No decoders found.\n");
 }
 
-TEST(Decoders, AreCountedWithTwentySamples) {
-  const DecoderSummary summary = summarizeDecoders();
-  EXPECT_EQ(summary.at(AVMEDIA_TYPE_AUDIO).samples.size(), 20u);
-  EXPECT_GT(summary.at(AVMEDIA_TYPE_AUDIO).count, 20);
-  EXPECT_THAT(summary.at(AVMEDIA_TYPE_SUBTITLE).samples, testing::Contains("srt (SubRip subtitle)"));
-}
-
-TEST(Extensions, AreListedOrMissing) {
-  EXPECT_EQ(printed(printExtensions, {"b", "a"}),
-            "\033[1m\033[38;2;255;255;0mSupported file extensions:\033[0m\n  * a\n  * b\n\n");
-  EXPECT_EQ(printed(printExtensions, {}), "No extensions reported by demuxers.\n");
-}
-
 }  // namespace tavek

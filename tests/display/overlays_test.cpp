@@ -91,19 +91,6 @@ TEST(SeekBarTest, BarStandsWhileAskedForAndFadesAfterwards) {
   EXPECT_EQ(trackAt(9000, {.positionUs = 0, .videoPaused = true}), 0) << "an item of unknown length";
 }
 
-TEST(VolumeBarTest, BandIsAsWideAsItsLabelsNeed) {
-  const VolumeLabels labels{{60, 24}, {40, 24}};
-  EXPECT_EQ(volumeLayout(883, 720, 50, {}).track, (SDL_Rect{343, 513, 196, 6}));
-  EXPECT_EQ(volumeLayout(884, 720, 50, {}).track, (SDL_Rect{343, 513, 197, 6}));
-  EXPECT_EQ(volumeLayout(800, 720, 50, labels).track, (SDL_Rect{330, 513, 160, 6}));
-  EXPECT_EQ(volumeLayout(800, 720, 50, VolumeLabels{}).track, (SDL_Rect{318, 513, 164, 6}));
-  EXPECT_EQ(volumeLayout(884, 720, 50, labels).track, (SDL_Rect{372, 513, 160, 6}));
-  const VolumeLayout wide = volumeLayout(2000, 720, 29, labels);
-  EXPECT_EQ(wide.filled, (SDL_Rect{838, 513, 99, 6}));
-  EXPECT_EQ(wide.minimum.x, 762);
-  EXPECT_EQ(wide.maximum.x, 1250 - 12 - 40);
-}
-
 TEST(VolumeBarTest, BarStandsFor800MillisecondsAfterAChange) {
   const test::Offscreen screen;
   VolumeBar bar;
@@ -115,13 +102,6 @@ TEST(VolumeBarTest, BarStandsFor800MillisecondsAfterAChange) {
   EXPECT_NEAR(redOf(screen.pixel(640, 515)), 220 * 55 / 255, 2) << "green over white";
   bar.draw(frameAt(screen, 1800));
   EXPECT_EQ(screen.drawnArea(), SDL_Rect{});
-}
-
-TEST(PauseIconTest, BarsGrowWithTheSmallerSideOfTheWindow) {
-  EXPECT_EQ(pauseIconLayout(640, 335).left, (SDL_Rect{311, 153, 6, 28}));
-  EXPECT_EQ(pauseIconLayout(1280, 504).left, (SDL_Rect{629, 231, 7, 42}));
-  EXPECT_EQ(pauseIconLayout(1080, 1920).right, (SDL_Rect{547, 915, 15, 90}));
-  EXPECT_EQ(pauseIconLayout(3840, 2160).right, (SDL_Rect{1929, 1025, 18, 110}));
 }
 
 TEST(PauseIconTest, IconFadesFromTheKeyPressOn) {
@@ -144,12 +124,6 @@ TEST(ClearLogoTest, LogoShrinksToItsShareOfTheWindow) {
   EXPECT_EQ(episodeLinePlace(1280, 720, {0, 600, 9, 32}, {300, 60}).y, 640);
   EXPECT_EQ(episodeLinePlace(1280, 720, {0, 600, 9, 32}, {300, 61}).y, 639) << "lifted off the lower edge";
   EXPECT_EQ(episodeLinePlace(1280, 60, {0, 6, 9, 32}, {300, 50}).y, 20);
-}
-
-TEST(ClearLogoTest, EpisodeLineNeedsAllThreeParts) {
-  EXPECT_EQ(episodeLine("S02E05 Pilot.mkv"), "Season 2, 05 Pilot");
-  EXPECT_EQ(episodeLine("Show S00E01 - Extra .mkv"), "Season 00, 01 Extra");
-  EXPECT_EQ(episodeLine("S02E05.mkv"), "");
 }
 
 /// An episode, and the files where its logo may lie.

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "media/temp_folder.h"
+#include "support/temp_folder.h"
 #include "video/codec/codec.h"
 #include "video/demultiplex/error.h"
 

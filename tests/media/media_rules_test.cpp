@@ -6,13 +6,6 @@
 
 namespace tavek {
 
-TEST(Error, NamesReasonExpressionAndPlace) {
-  EXPECT_STREQ(ffmpeg::Error("words").what(), "FFmpeg: words");
-  EXPECT_STREQ(ffmpeg::Error(-2, "", "file", 0).what(), "FFmpeg: No such file or directory @ file");
-  EXPECT_NO_THROW(ffmpeg::throwIfNegative(0));
-  EXPECT_THROW(ffmpeg::throwIfNegative(-1), ffmpeg::Error);
-}
-
 TEST(FileTypes, AreToldByTheExtension) {
   for (const char* audio : {"a.FLAC", "a.mp3", "a.alac"}) EXPECT_TRUE(isAudioFile(audio)) << audio;
   for (const char* video : {"a.MKV", "/b/a.rmvb", "a.mp3"}) EXPECT_TRUE(isVideoFile(video)) << video;

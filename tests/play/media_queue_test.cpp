@@ -96,17 +96,6 @@ TEST(MediaQueue, ASignalEndsWaitsWithoutAWakeUp) {
   EXPECT_LT(std::max(popEnd, pushEnd) - sent, milliseconds(150));
 }
 
-TEST(FreeFrame, FreesPlanesOfEitherKind) {
-  freeFrame(nullptr);
-  PicturePtr counted(ffmpeg::makeFrame().release());
-  counted->width = counted->height = 16;
-  counted->format = AV_PIX_FMT_YUV420P;
-  ASSERT_EQ(av_frame_get_buffer(counted.get(), 0), 0);
-  PicturePtr plain(ffmpeg::makeFrame().release());
-  plain->data[0] = static_cast<std::uint8_t*>(av_malloc(64));
-  // The leak checker of the sanitizer build looks at what is left.
-}
-
 TEST(AudioClock, RunsOnToTheEndOfWhatWasWritten) {
   AudioClock clock;
   const AudioClock::Time t0{milliseconds(1000)};

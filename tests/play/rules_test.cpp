@@ -134,13 +134,5 @@ TEST(SeekRules, StepsGrowAndWrap) {
   EXPECT_EQ(wrapPosition(101, 0), 101);
 }
 
-TEST(VolumePercent, IsTheShareOfTheRangeBelowTheCeiling) {
-  const struct {
-    double volume, ceiling;
-    int percent;
-  } cases[] = {{-60, 0, 0}, {-30, 0, 50}, {0, 0, 100}, {6, 12, 92}, {3, -3, 100}, {-70, 0, 0}, {-60, -60, 0}};
-  for (const auto& c : cases) EXPECT_EQ(volumePercent(c.volume, c.ceiling), c.percent) << c.volume;
-}
-
 }  // namespace
 }  // namespace tavek

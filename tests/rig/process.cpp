@@ -53,17 +53,6 @@ double now() {
   return seconds(time);
 }
 
-TempFolder::TempFolder() {
-  std::string name = (std::filesystem::temp_directory_path() / "tavek-rig-XXXXXX").string();
-  if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder " + name);
-  path_ = name;
-}
-
-TempFolder::~TempFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
-}
-
 std::string readText(const std::filesystem::path& file) {
   std::ostringstream text;
   text << std::ifstream(file, std::ios::binary).rdbuf();

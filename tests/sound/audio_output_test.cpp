@@ -9,7 +9,7 @@
 #include <gmock/gmock.h>
 
 #include "base/process_flags.h"
-#include "media/temp_folder.h"
+#include "support/temp_folder.h"
 #include "video/demultiplex/handles.h"
 
 namespace tavek {

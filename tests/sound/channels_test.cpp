@@ -5,25 +5,12 @@
 #include <alsa/asoundlib.h>
 #include <gtest/gtest.h>
 
-#include "media/temp_folder.h"
+#include "support/temp_folder.h"
 #include "video/sound/channel_rules.h"
 #include "video/sound/eld.h"
 
 namespace tavek {
 namespace {
-
-TEST(ChannelRules, TheSourceGoesOutAsItIsFromThreeToSixChannelsWithAFront) {
-  const std::map<std::string, int> counts = {{"mono", 2},       {"2.1", 3}, {"FC+LFE+SL+SR", 4},
-                                             {"5.1(side)", 6},  {"7.1", 2}, {"FL+BL+BR", 2},
-                                             {"BL+BR+SL+SR", 2}};
-  for (const auto& [name, surround] : counts) {
-    AVChannelLayout layout{};
-    ASSERT_EQ(av_channel_layout_from_string(&layout, name.c_str()), 0) << name;
-    EXPECT_EQ(outgoingChannels(layout, SoundMode::Surround), surround) << name;
-    EXPECT_EQ(outgoingChannels(layout, SoundMode::Auto), surround) << name;
-    EXPECT_EQ(outgoingChannels(layout, SoundMode::Stereo), 2) << name;
-  }
-}
 
 TEST(ChannelRules, TheDevicesOrderIsFollowedWhereItCanBeTrusted) {
   constexpr unsigned fl = SND_CHMAP_FL, fr = SND_CHMAP_FR, fc = SND_CHMAP_FC, lfe = SND_CHMAP_LFE;

@@ -20,15 +20,6 @@ Block played(Volume& volume, Block block) {
   return block;
 }
 
-TEST(Volume, AStoredVolumeIsPulledIntoRange) {
-  for (const auto& [stored, db, gain] :
-       Rows<3>{{-70, -60, 0}, {-59.995, -59.995, 0}, {-6, -6, 0.501187}, {15, 12, 3.981072}}) {
-    const Volume volume = firstVolume(stored);
-    EXPECT_EQ(volume.volumeDb, db);
-    EXPECT_NEAR(volume.gain, gain, 1e-6) << db;
-  }
-}
-
 TEST(Volume, TheFirstBlockWithSoundSetsItAndLaterOnesDoNot) {
   Volume volume = firstVolume(std::nullopt), faint = firstVolume(NAN);
   EXPECT_EQ(played(volume, {0, 0}), (Block{0, 0}));

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "media/temp_folder.h"
+#include "support/temp_folder.h"
 
 namespace tavek::test {
 

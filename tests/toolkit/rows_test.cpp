@@ -34,24 +34,6 @@ TEST(RowsTest, ValueIsRightAlignedAsLongAsItFits) {
   EXPECT_EQ(valueLayout({20, 40, 50, 8}, 80, 10).box, (SDL_Rect{124, 46, 0, 0}));
 }
 
-TEST(RowsTest, EachKindOfRowShowsItsControl) {
-  const test::Offscreen screen(400, 100);
-  const Row row{screen.renderer(), screen.font(), {0, 0, 400, 54}, "DHCP"};
-  drawFieldRow({.row = row, .value = "on", .focused = true});
-  EXPECT_EQ(screen.pixel(textSize(screen.font(), "DHCP").x + 24, 27), theme::accent)
-      << "the frame of the box";
-  drawFieldRow({.row = row, .isToggle = true, .on = true});
-  EXPECT_EQ(screen.pixel(400 - 12 - 14, 27), theme::white) << "the knob";
-  EXPECT_EQ(screen.pixel(345, 27), theme::toggleOn);
-  drawFieldRow({.row = row, .value = " ", .isList = true});
-  EXPECT_EQ(screen.pixel(372 - 6, 24), theme::white) << "the widest line of the mark";
-  EXPECT_EQ(screen.pixel(372 - 7, 24), theme::black);
-  EXPECT_EQ(screen.pixel(372, 29), theme::white);
-  EXPECT_EQ(screen.pixel(372, 30), theme::black);
-  drawToggleRow({.row = row, .on = false, .rightPad = 24, .switchWidth = 74});
-  EXPECT_EQ(screen.pixel(400 - 24 - 74 + 14, 27), theme::white);
-}
-
 TEST(ListTest, WindowOfRowsFollowsTheSelection) {
   const std::vector<std::string> rows(10, "row");
   const auto layout = [&](int visibleRows, int selected, const SDL_Rect& anchor) {
@@ -68,16 +50,6 @@ TEST(ListTest, WindowOfRowsFollowsTheSelection) {
   EXPECT_EQ(layout(4, 0, {900, 100, 300, 54}).box.w, 88) << "narrowed by the right margin";
   EXPECT_EQ(layout(4, 0, {50, 100, 20, 54}).box.w, 40);
   EXPECT_EQ(layout(0, 0, anchor).rowCount, 0);
-}
-
-TEST(ListTest, SelectedRowStandsOut) {
-  const test::Offscreen screen(400, 300);
-  const std::vector<std::string> rows{"a", "b", "c"};
-  const DropDownList list{.font = screen.font(), .rows = rows, .selected = 1};
-  drawList(list, screen.renderer(), {20, 20, 200, 40}, {0, 0, 400, 300});
-  EXPECT_EQ(screen.drawnArea(), (SDL_Rect{20, 60, 200, 108}));
-  EXPECT_EQ(screen.pixel(100, 95), list.style.fill);
-  EXPECT_EQ(screen.pixel(100, 131), list.style.highlightFill);
 }
 
 }  // namespace

@@ -7,14 +7,6 @@
 namespace tavek {
 namespace {
 
-TEST(ColourTest, AlphaIsScaledRoundedAndClamped) {
-  const Colour colour = rgba(3, 2, 1, 0xC8);
-  EXPECT_EQ(scaleAlpha(colour, 1.5), 0xC8010203);
-  EXPECT_EQ(scaleAlpha(colour, 0.5), 0x64010203U);
-  EXPECT_EQ(scaleAlpha(colour, 0.0027), 0x01010203U);
-  EXPECT_EQ(scaleAlpha(colour, -1.0), 0x00010203U);
-}
-
 TEST(ShapesTest, DiscHasAFullCoreAndAThinnerRing) {
   const test::Offscreen screen(200, 200);
   struct Case {
@@ -56,19 +48,6 @@ TEST(ShapesTest, CaretStaysInsideItsBoxAndBlinks) {
   EXPECT_EQ(caretRect(box, 999, 20), (SDL_Rect{292, 60, 2, 20}));
   EXPECT_EQ(caretRect({100, 50, 4, 40}, 999, 20).x, 106);
   EXPECT_TRUE(caretShows(599) && !caretShows(600) && !caretShows(1199) && caretShows(1200));
-}
-
-TEST(ShapesTest, ToggleIsAPillWithItsKnobAtOneEnd) {
-  const test::Offscreen screen(200, 100);
-  for (const bool on : {false, true}) {
-    screen.clear(rgba(0, 0, 200));
-    drawToggle({}, screen.renderer(), {20, 20, 60, 28}, on, on);
-    const Colour pill = on ? rgba(18, 146, 18) : theme::toggleOff;  // lightened with focus
-    EXPECT_EQ(screen.pixel(34, 34), on ? pill : theme::white);
-    EXPECT_EQ(screen.pixel(66, 34), on ? theme::white : pill);
-    EXPECT_EQ(screen.pixel(50, 21), pill);
-    EXPECT_EQ(screen.pixel(20, 20), rgba(0, 0, 200)) << "the corner is round";
-  }
 }
 
 }  // namespace

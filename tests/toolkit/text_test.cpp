@@ -29,13 +29,6 @@ class TextTest : public testing::Test {
   int widthOf(const std::string& text) const { return textSize(font(), text).x; }
 };
 
-TEST_F(TextTest, FontsAreSharedBySizeAndFace) {
-  EXPECT_EQ(regularFont(20), font());
-  EXPECT_GT(textSize(regularFont(30), "W").x, widthOf("W"));
-  EXPECT_LT(textSize(thinFont(20), "WWW").x, widthOf("WWW"));
-  EXPECT_EQ(regularFont(0), nullptr);
-}
-
 TEST(TextDeathTest, WithoutFontsOrRendererNothingIsDrawn) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto run = [] {
@@ -96,18 +89,6 @@ TEST(DrawTextTest, ShadowsAndOutlinesSurroundTheGlyphs) {
   EXPECT_EQ(screen.drawnArea(), grown(1, 2));
   drawOutlinedText(renderer, screen.font(), grey, "H", 50, 50, theme::white);
   EXPECT_EQ(screen.drawnArea(), grown(2, 2));
-}
-
-TEST(DrawTextTest, CentredTextGrowsWithItsScale) {
-  const test::Offscreen screen(320, 120);
-  const auto heightAt = [&](double scale) {
-    screen.clear();
-    drawTextCentered(screen.renderer(), screen.font(), "H", {100, 20, 80, 60}, theme::white, scale);
-    EXPECT_NEAR(screen.drawnArea().x + screen.drawnArea().w / 2, 140, 2) << scale;
-    return screen.drawnArea().h;
-  };
-  EXPECT_LT(heightAt(0.5), heightAt(1.01));
-  EXPECT_LT(heightAt(1.01), heightAt(2.0));
 }
 
 }  // namespace
