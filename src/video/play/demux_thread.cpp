@@ -18,6 +18,8 @@ void Pipeline::demuxThread() {
     if (request) {
       readRound_ = request->round;
       applySeek(request->positionUs);
+    } else if (seekComes()) {
+      sleepMilliseconds(1);
     } else if (this->held()) {
       sleepMilliseconds(10);
     } else if (!readOne()) {
@@ -32,6 +34,8 @@ bool Pipeline::readOne() {
   Tagged<ffmpeg::PacketPtr> packet{ffmpeg::makePacket(), readRound_};
   if (!packet.item) throw ffmpeg::Error("Failed to allocate AVPacket");
   if (!demux_.readPacket(packet.item.get())) {
+    // The end of what a seek is about to leave is no end.
+    if (seekComes()) return true;
     video_.packets.finish();
     audio_.packets.finish();
     return false;
@@ -54,7 +58,7 @@ void Pipeline::applySeek(std::int64_t positionUs) {
     audioClock_.set(audioOnly() ? target : 0);
     return;
   }
-  // The item plays on from wherever the file stands.
+  // The item plays on from wherever the file stands; what was kept leads nowhere.
   audioClock_.set(0);
   if (seekDebug_) {
     std::cerr << console::boldRed << "[RESUME] seek failed=" << target << "us path=" << path_

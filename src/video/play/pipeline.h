@@ -101,6 +101,8 @@ class Pipeline {
   /// The program or this item is to end.
   bool stopping() const { return closed_ || quitRequested || stopSignalled; }
   bool held() const { return paused || pausedForPosters; }
+  /// Between the start of a seek, when the queues are cleared, and its request.
+  bool seekComes() const { return readRound_ != seekRound_; }
 
   const std::string path_;
   const bool seekDebug_;  ///< TAVEK_SEEK_DEBUG is "1"
