@@ -10,7 +10,6 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/// An image with one of these stems stands for the folder that holds it.
 constexpr std::array genericPosterNames{"poster"sv, "folder"sv, "cover"sv, "front"sv};
 
 }  // namespace
@@ -24,12 +23,15 @@ std::string normalizeTitle(std::string_view text) {
   return trim(title);
 }
 
+bool isGenericPosterName(std::string_view lowerStem) {
+  return std::ranges::find(genericPosterNames, lowerStem) != genericPosterNames.end();
+}
+
 std::string posterKeyOf(const std::filesystem::path& path) {
   constexpr std::string_view suffix = ".poster";
   std::string stem = path.stem().string();
   if (stem.size() > suffix.size() && stem.ends_with(suffix)) stem.resize(stem.size() - suffix.size());
-  const bool generic = std::ranges::find(genericPosterNames, toLower(stem)) != genericPosterNames.end();
-  return normalizeTitle(generic ? path.parent_path().filename().string() : stem);
+  return normalizeTitle(isGenericPosterName(toLower(stem)) ? path.parent_path().filename().string() : stem);
 }
 
 }  // namespace tavek

@@ -9,7 +9,8 @@ namespace tavek {
 TEST(FileTypes, AreToldByTheExtension) {
   for (const char* audio : {"a.FLAC", "a.mp3", "a.alac"}) EXPECT_TRUE(isAudioFile(audio)) << audio;
   for (const char* video : {"a.MKV", "/b/a.rmvb", "a.mp3"}) EXPECT_TRUE(isVideoFile(video)) << video;
-  for (const char* none : {"a.jpg", "a.WebP", "a.mkv.zip", "mkv", ".mkv", "", "a.", "/x.mkv/a"}) {
+  for (const char* none :
+       {"a.jpg", "a.WebP", "a.SRT", "a.nfo", "a.mkv.zip", "mkv", ".mkv", "", "a.", "/x.mkv/a"}) {
     EXPECT_FALSE(isAudioFile(none) || isVideoFile(none)) << none;
   }
   const auto complete = completeVideoExtensions({"JPG", "Odd", ".dot"});

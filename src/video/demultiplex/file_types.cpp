@@ -27,6 +27,13 @@ constexpr std::array videoExtensions{".mp4"sv, ".mkv"sv,  ".mov"sv,  ".avi"sv, "
 constexpr std::array imageExtensions{".bmp"sv, ".gif"sv, ".jpeg"sv, ".jpg"sv,
                                      ".png"sv, ".tif"sv, ".tiff"sv, ".webp"sv};
 
+// Nor must what lies beside a film: subtitles, and notes, which a demuxer would show as pictures of a
+// terminal.
+constexpr std::array companionExtensions{
+    ".ans"sv, ".aqt"sv,  ".art"sv, ".asc"sv, ".ass"sv, ".diz"sv,  ".ice"sv,  ".idx"sv, ".jss"sv,
+    ".lrc"sv, ".mpl2"sv, ".nfo"sv, ".pjs"sv, ".psb"sv, ".rt"sv,   ".sami"sv, ".scc"sv, ".smi"sv,
+    ".srt"sv, ".ssa"sv,  ".stl"sv, ".sub"sv, ".sup"sv, ".ttml"sv, ".txt"sv,  ".vt"sv,  ".vtt"sv};
+
 }  // namespace
 
 std::set<std::string> demuxerExtensions() {
@@ -49,6 +56,7 @@ std::set<std::string, std::less<>> completeVideoExtensions(const std::set<std::s
     complete.insert((extension.starts_with('.') ? "" : ".") + toLower(extension));
   }
   for (const std::string_view image : imageExtensions) complete.erase(std::string(image));
+  for (const std::string_view companion : companionExtensions) complete.erase(std::string(companion));
   return complete;
 }
 

@@ -1,0 +1,114 @@
+#include "base/file_write.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <chrono>
+#include <cstdio>
+#include <fcntl.h>
+#include <functional>
+#include <string>
+#include <sys/stat.h>
+#include <system_error>
+#include <thread>
+#include <tuple>
+#include <unistd.h>
+#include <utility>
+
+namespace tavek {
+namespace {
+
+namespace fs = std::filesystem;
+
+class Descriptor {
+ public:
+  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+  ~Descriptor() { close(); }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+
+  bool isOpen() const { return descriptor_ >= 0; }
+  int get() const { return descriptor_; }
+  /// False if the system lost bytes that it had taken before.
+  bool close() { return isOpen() && ::close(std::exchange(descriptor_, -1)) == 0; }
+
+ private:
+  int descriptor_;
+};
+
+std::string hexadecimal(std::uint64_t number) {
+  std::array<char, 16> digits{};
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number, 16).ptr;
+  return {digits.data(), end};
+}
+
+/// A name that no other thread and no other call of this one takes.
+fs::path temporaryFor(const fs::path& file) {
+  const auto thread = std::hash<std::thread::id>{}(std::this_thread::get_id());
+  const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+  return file.string() + ".tmp." + hexadecimal(thread) + "." + hexadecimal(static_cast<std::uint64_t>(now));
+}
+
+bool writeAll(int descriptor, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+/// The file stands whole without it, but only with it the new one surely outlives a power cut.
+void syncFolder(const fs::path& folder) {
+  const Descriptor open(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (open.isOpen()) ::fsync(open.get());
+}
+
+enum class Outcome { Done, Failed, NoTemporary };
+
+Outcome writeBesideAndRename(const fs::path& file, std::string_view bytes) {
+  struct stat old {};
+  const bool existed = ::stat(file.c_str(), &old) == 0;
+  const fs::path temporary = temporaryFor(file);
+  // The old permissions are kept, and nobody else may look before they are set.
+  Descriptor out(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC,
+                        existed ? S_IRUSR | S_IWUSR : 0666));
+  if (!out.isOpen()) return errno == ENOSPC || errno == EDQUOT ? Outcome::Failed : Outcome::NoTemporary;
+  if (existed) std::ignore = ::fchmod(out.get(), old.st_mode & 07777);
+
+  const bool written = writeAll(out.get(), bytes) && ::fsync(out.get()) == 0;
+  if (out.close() && written && std::rename(temporary.c_str(), file.c_str()) == 0) {
+    syncFolder(file.parent_path());
+    return Outcome::Done;
+  }
+  ::unlink(temporary.c_str());
+  return Outcome::Failed;
+}
+
+bool writeInPlace(const fs::path& file, std::string_view bytes) {
+  Descriptor out(::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+  struct stat old {};
+  if (!out.isOpen() || ::fstat(out.get(), &old) != 0) return false;
+  // Room first: once the old bytes are overwritten there is no way back.
+  const auto size = static_cast<off_t>(bytes.size());
+  if (size > 0 && ::posix_fallocate(out.get(), 0, size) != 0) {
+    std::ignore = ::ftruncate(out.get(), old.st_size);
+    return false;
+  }
+  const bool written = writeAll(out.get(), bytes) && ::ftruncate(out.get(), size) == 0;
+  return ::fsync(out.get()) == 0 && out.close() && written;
+}
+
+}  // namespace
+
+bool replaceFile(const fs::path& file, std::string_view bytes) {
+  std::error_code error;
+  fs::path target = fs::canonical(file, error);  // a link stays one, what it leads to is replaced
+  if (error) target = file;
+  fs::create_directories(target.parent_path(), error);
+  const Outcome outcome = writeBesideAndRename(target, bytes);
+  return outcome == Outcome::NoTemporary ? writeInPlace(target, bytes) : outcome == Outcome::Done;
+}
+
+}  // namespace tavek

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/process_flags.h"
+#include "library/match_key.h"
+
+/// What the tiles of an open folder are, and in which order.
+namespace tavek {
+
+enum class ListingKind { Series, Seasons, Episodes, Videos /*films and videos*/, Albums };
+
+struct ListedPoster {
+  /// The tile's identity: the folder's poster.jpg (which need not exist) for a series or a season, the image
+  /// of a film or video, the episode's file, or the first track of an album.
+  std::filesystem::path path;
+  std::string media;            ///< what plays for it; empty if unknown, and for a series or a season
+  MatchKey key;                 ///< of the path
+  std::filesystem::path image;  ///< what to decode for it, which need not exist; empty for an album
+  std::string label;            ///< for a tile without an image: the folder's name, or the episode's stem
+};
+
+struct PosterListing {
+  ListingKind kind = ListingKind::Videos;
+  std::vector<ListedPoster> posters;
+};
+
+/// Walks the disk once and opens no file. Returns what it has when `stop` is set, and on any error of the
+/// disk.
+PosterListing listPosters(const std::filesystem::path& folder, const Flag& stop);
+
+/// What the debug lines call the members of a listing, "season folders".
+const char* listingNoun(ListingKind kind);
+
+/// Whether a lower-cased folder name is that of a season or of specials.
+bool isSeasonFolder(std::string_view name);
+
+}  // namespace tavek

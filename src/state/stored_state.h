@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "state/user_profile.h"
+
+namespace tavek {
+
+/// What the shared state file holds.
+struct StoredState {
+  std::optional<std::int64_t> tmdbScanEpoch;    ///< seconds since 1970
+  std::optional<std::string> tmdbScanLabel;     ///< the scanned room's folder name in lower case
+  std::optional<std::int64_t> fanartScanEpoch;  ///< seconds since 1970
+  std::optional<std::int32_t> soundMode;        ///< a SoundMode
+  std::optional<std::string> settingsTab;
+  std::optional<std::string> activeUser;
+  std::vector<std::string> userNames;
+  std::map<std::string, UserProfile> profiles;  ///< one for each user
+  std::vector<std::string> wifiHistory;         ///< the latest first
+  std::vector<JsonMember> unknown;              ///< what a newer program wrote
+};
+
+/// From any text: what can't be found keeps its default. `changed` is set where a save would give the text
+/// another form. There is always a user.
+StoredState readStoredState(const std::string& text, bool& changed);
+/// The user who is named as the active one; empty text if the file says that there is none.
+std::optional<std::string> readActiveUser(const std::string& text);
+/// Two users if there is none, and an empty profile for each that has none.
+void completeUsers(StoredState& state);
+/// The whole file.
+std::string stateText(const StoredState& state);
+
+}  // namespace tavek

@@ -1,0 +1,31 @@
+#include <cstdlib>
+
+#include "state/json_write.h"
+#include "state/playback_file.h"
+#include "state/stored_state.h"
+#include "state/user_reader.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  using namespace tavek;
+  const std::string text(data, data + size);
+  for (const char* key : {"users", "offset", "watched", "a", ""}) {
+    readNumber(text, key);
+    readInteger(text, key);
+    readBool(text, key);
+    readString(text, key);
+    readStringAt(text, {key, "playing"});
+    readObject(text, key);
+    findObjectStart(text, key);
+    readStringArray(text, key);
+  }
+  bool changed = false;
+  readRoom(text, changed);
+  readUsers(text, changed);
+  // What is saved has to hold together, whatever was read.
+  std::size_t place = 0;
+  const bool holds = isOneObject(stateText(readStoredState(text, changed))) &&
+                     isOneObject(compactObject(playbackMembers(parsePlayback(text)))) &&
+                     parseString(quotedString(text), place) == text;
+  if (!holds) std::abort();
+  return 0;
+}

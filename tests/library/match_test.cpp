@@ -1,0 +1,70 @@
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include "library/match_key.h"
+#include "library/natural_order.h"
+#include "support/media_root.h"
+
+namespace tavek {
+namespace {
+
+/// A bar stands between the rows; a row is "question = answer" or "question & its second part = answer".
+template <typename Answer>
+void expectAll(const std::string& rows, Answer answer) {
+  std::istringstream list(rows);
+  for (std::string row; std::getline(list, row, '|');) {
+    const std::size_t middle = row.find(" = ");
+    const std::size_t end = std::min(row.find(" & "), middle);
+    const std::string second = end < middle ? row.substr(end + 3, middle - end - 3) : "";
+    EXPECT_EQ(answer(row.substr(0, end), second), row.substr(middle + 3)) << row;
+  }
+}
+
+TEST(Match, MakesTitles) {
+  expectAll(
+      "film & Film (1982) = film 1982|film & The Film  1982  = film 1982|映 & 映 ( 0007 ) = 映 0007|"
+      "film & Film ( = film|film & Film [1982] = film|film & Film (1982) HD = film|"
+      "film & Other (1982) = film|film & Film (1982 = film|1984 & 1984 (1984) = 1984 1984",
+      [](auto name, auto folder) { return titleKeyOf(name, std::filesystem::path("/m") / folder); });
+  expectAll(
+      "Film (2021) = Film|Film [ 2021 ] = Film|Film{2199} = Film| Film_2021  = Film|Film. - ,2021 = Film|"
+      "Film1800 = Film|1984 = |Flat 237 = Flat 237|Film (1700) = Film (1700)|Film 2021) = Film 2021)|"
+      "2200 = 2200|99  = 99|) = )| = ",
+      [](auto text, auto) { return stripYear(text); });
+  expectAll(
+      "movies/A Film (1982)/A Film.jpg = a film 1982|movies/Film.POSTER.jpg = film|movies/x.Poster/front.jpg "
+      "= x|"
+      "movies/x (2001)/.poster.jpg = x (2001)|tv/Show/poster.jpg = show|tv/Show/S 2/COVER.poster.jpg = s 2",
+      [](auto path, auto) { return posterTitleKey(test::library.path() / path); });
+}
+
+TEST(Match, ComparesKeysAndNames) {
+  EXPECT_EQ(makeMatchKey("Ünder 2049: (Film)").alnum + makeMatchKey("Ü 2049 Film").alpha, "nder2049filmfilm");
+  expectAll(
+      "some film & some film part iv = 1|the film & film = 1|2012 & title 2012 = 1|Ö! & Ö! = 1|"
+      "film 2 & part 2 = 1|l'été & lt = 1|1917 2012 & 2012 = 0|映 & 画 = 0| & film = 0| &  = 0|a 1 & b 2 = 0",
+      [](auto a, auto b) { return std::to_string(keysMatch(makeMatchKey(a), makeMatchKey(b))); });
+  expectAll(
+      " & 01 = 10|01 & 1 = 10|1 & 1.a = 10|1.a & 01.b = 10|01.b & ep 2 = 10|ep 2 & ep 002b = 10|"
+      "ep 002b & ep 10 = 10|ep 10 & ep 10 2 = 10|ep 10 2 & ep 10 18446744073709551617 = 10|"
+      "ep 10 18446744073709551617 & ep 10a = 10|ep 10a & é = 10|a & a = 00",
+      [](auto a, auto b) { return std::to_string(lessNatural(a, b)) + std::to_string(lessNatural(b, a)); });
+}
+
+TEST(Match, AnswersQueries) {
+  expectAll(
+      "a film 1982 & a f = 11|a film 1982 & afil = 11|a film 1982 & 1982 = 11|a film 1982 & film = 00|"
+      "a film & a film 1982 = 11|2012 & 20 = 01|9 lives & lives = 01|a film &  = 00|"
+      "s01e02 pilot & big = 11|s01e02 pilot & bigs = 11|s01e02 pilot & s01e0 = 11|"
+      "s01e02 pilot & pilot = 00|s01e02 pilot & s01 = 00|s01e02 pilot & big 1x02 = 00",
+      [episode = test::library.path() / "tv/Big Show/S1/S01E02 Pilot.mkv"](auto title, auto query) {
+        const MatchKey key = makeMatchKey(title);
+        const bool series = title.starts_with("s0");
+        return std::to_string(matchesQuery(key, episode, series, query, true)) +
+               std::to_string(matchesQuery(key, episode, series, query, false));
+      });
+}
+
+}  // namespace
+}  // namespace tavek

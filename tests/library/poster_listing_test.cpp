@@ -1,0 +1,95 @@
+#include "library/poster_listing.h"
+
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "base/text.h"
+#include "library/video_match.h"
+#include "support/media_root.h"
+
+namespace tavek {
+namespace {
+
+namespace fs = std::filesystem;
+using test::library;
+
+/// Makes empty files, and folders ("x/"), in a folder of the library; a bar stands between the names.
+void make(const std::string& folder, const std::string& names) {
+  std::istringstream list(names);
+  for (std::string name; std::getline(list, name, '|');) {
+    create_directories((library.path() / folder / name).parent_path());
+    if (!name.ends_with('/')) std::ofstream(library.path() / folder / name).flush();
+  }
+}
+
+/// In lower case: what is listed, and a line for each tile: path > media (title) image [label].
+std::string list(const std::string& folder) {
+  const std::string root = library.path() / folder;
+  Flag stop;
+  const auto [kind, posters] = listPosters(root, stop);
+  std::string text = listingNoun(kind) + std::string("\n");
+  for (const auto& [path, media, key, image, label] : posters) {
+    text += path.string() + " > " + media + " (" + key.raw + ')' + (image != path ? image.string() : "") +
+            label + '\n';
+    // One tile by itself, from the disk.
+    EXPECT_EQ(posterTitleKey(path), key.raw);
+    EXPECT_TRUE(kind != ListingKind::Videos || findVideoForPoster(path, root).value_or("") == media) << path;
+    EXPECT_FALSE(findVideoForPoster(path, root + "/x"));
+  }
+  for (std::size_t at = 0; (at = text.find(root)) != std::string::npos;) text.erase(at, root.size() + 1);
+  stop = true;
+  EXPECT_TRUE(listPosters(root, stop).posters.empty()) << folder;
+  return toLower(text);
+}
+
+/// Folder, the files in it, the listing.
+constexpr const char* cases[][3] = {
+    {"Movies",
+     "F 10.mkv|F 10.jpg|F 2.avi|F 2.poster.png|Notes.jpg|fanart.jpg|F 2.fanart.jpg|Old.mkv|Old.POSTER.jpg|"
+     "dir.jpg/|Box/Two (1979)/Two.mkv|Box/Two (1979)/Two.jpeg|Box/Two (1979)/FANART.PNG|Box/poster.jpg|"
+     ".hid/A.mkv|.hid/A.jpg|One/One.mkv|One/COVER.poster.JPG|One/sub/One.jpg|None/poster.jpg|Late.mkv|"
+     "Last.mkv|Later.mkv|b/Trip/Sea.MKV|b/Sea.jpg|x.mkv/",
+     "poster candidates\nf 2.poster.png > f 2.avi (f 2)\nf 10.jpg > f 10.mkv (f 10)\n"
+     "old.poster.jpg >  (old)\n.hid/a.jpg > .hid/a.mkv (a)\nbox/poster.jpg >  (box)\n"
+     "box/two (1979)/two.jpeg > box/two (1979)/two.mkv (two 1979)\none/cover.poster.jpg > one/one.mkv (one)\n"
+     "one/sub/one.jpg >  (one)\nb/sea.jpg > b/trip/sea.mkv (sea)\n"},
+    {"Videos", "b.png|Sea/a.jpeg|fanart.png|B.PNG|b.srt|closed/",
+     "poster candidates\nb.png >  (b)\nc.jpg >  (c)\nsea/a.jpeg >  (a)\n"},
+    {"TV", "Show 10/|show 2/poster.jpg|.Hid/|x.mkv",
+     "tv folders\n.hid/poster.jpg >  (.hid).hid\nalias/poster.jpg >  (alias)alias\n"
+     "show 2/poster.jpg >  (show 2)show 2\nshow 10/poster.jpg >  (show 10)show 10\n"},
+    {"TV/show 2", "Season 10/S10E01.mkv|S03/|SPECIALS/|Extras/|Sp1x/|S1.mkv|Seaso/|season 2/",
+     "season folders\ns03/poster.jpg >  (s03)s03\nseason 2/poster.jpg >  (season 2)season 2\n"
+     "season 10/poster.jpg >  (s10e01)season 10\nspecials/poster.jpg >  (specials)specials\n"},
+    {"TV/Show 10/s1", "Pilot.mkv|S02E10 b.mkv|Show.s2e2.mp4|S02E9.jpg|S02E9.MKV|s02e9.mkv|x/S02E1.mkv",
+     "poster candidates\ns02e9.mkv > s02e9.mkv (s02e9)s02e9-thumb.jpgs02e9\n"
+     "s02e10 b.mkv > s02e10 b.mkv (s02e10 b)s02e10 b-thumb.jpgs02e10 b\n"
+     "show.s2e2.mp4 > show.s2e2.mp4 (show.s2e2)show.s2e2-thumb.jpgshow.s2e2\n"},
+    {"music", "B/Two/x.flac|B/Two/cover.jpg|B/Two/y.mkv|a.mp3|A\nb/1.OGG",
+     "music albums\na.mp3 > a.mp3 (a)music\na\nb/1.ogg > a\nb/1.ogg (1)a\nb\n"
+     "b/two/x.flac > b/two/x.flac (x)two\n"},
+    {"gone", "", "poster candidates\n"}};
+
+TEST(Listing, IsWhatTheFolderCallsFor) {
+  make("", "Videos/Sea/|TV/");
+  fs::create_directory_symlink("..", library.path() / "Videos/Sea/loop");
+  fs::create_symlink("b.srt", library.path() / "Videos/c.jpg");
+  fs::create_symlink("nowhere", library.path() / "Videos/d.jpg");
+  fs::create_directory_symlink("show 2", library.path() / "TV/Alias");
+  for (const auto& [folder, files, listing] : cases) make(folder, files);
+  fs::permissions(library.path() / "Videos/closed", fs::perms::none);
+  for (const auto& [folder, files, listing] : cases) EXPECT_EQ(list(folder), listing);
+  fs::permissions(library.path() / "Videos/closed", fs::perms::owner_all);
+}
+
+TEST(Listing, HasLimits) {
+  make("kids", "A/A.mkv|A/A.jpg|A/cover.jpg|A/poster.jpg|A/x/A.mp4|B.mkv");
+  EXPECT_EQ(listPosters(library.path() / "kids", {}).posters.size(), 2U) << "no more posters than titles";
+  for (int album = 0; album < 301; ++album) make("Music", std::to_string(album) + "/a.wav");
+  const auto albums = listPosters(library.path() / "Music", {}).posters;
+  EXPECT_EQ(std::to_string(albums.size()) + ' ' + albums.back().label, "300 98") << "99 is one too many";
+}
+
+}  // namespace
+}  // namespace tavek
