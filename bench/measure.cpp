@@ -17,6 +17,9 @@ constexpr double notSeen = std::numeric_limits<double>::quiet_NaN();
 std::unique_ptr<rig::Program> start(const rig::Stage& stage, const Player& player, const std::string& file) {
   rig::Environment environment = stage.environment();
   for (const auto& [name, value] : player.environment) environment[name] = value;
+  // Each run starts at the beginning of the film.
+  std::filesystem::remove(std::filesystem::path(file).parent_path() / "playback.json");
+  std::filesystem::remove(stage.library.path() / "persist.json");
   std::vector<std::string> command = player.command;
   command.push_back(file);
   return std::make_unique<rig::Program>(command, environment);

@@ -1,0 +1,149 @@
+// Measures the listing of a large library and the loading of its posters, in one process on a screen that
+// nobody sees, and prints a table.
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+
+#include <SDL_image.h>
+
+#include "base/paths.h"
+#include "bench/library_maker.h"
+#include "display/display.h"
+#include "library/media_paths.h"
+#include "library/poster_listing.h"
+
+namespace tavek::bench {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr int screenful = 11;
+constexpr int posterHeight = 240;
+
+double milliseconds(const std::function<void()>& action) {
+  const Clock::time_point begin = Clock::now();
+  action();
+  return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+}
+
+double median(int runs, const std::function<double()>& measure) {
+  std::vector<double> values;
+  for (int i = 0; i < runs; ++i) values.push_back(measure());
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+double findMs(const fs::path& room) {
+  const std::string command = "find '" + room.string() + "' -type f > /dev/null";
+  return milliseconds([&] {
+    if (std::system(command.c_str()) != 0) std::abort();
+  });
+}
+
+double decodeMs(const std::vector<fs::path>& files) {
+  return milliseconds([&] {
+    for (const fs::path& file : files) SDL_FreeSurface(IMG_Load(file.c_str()));
+  });
+}
+
+std::vector<fs::path> firstImages(const fs::path& room) {
+  const Flag stop;
+  PosterListing listing = listPosters(room, stop);
+  std::vector<fs::path> files;
+  for (int i = 0; i < screenful; ++i) files.push_back(listing.posters.at(static_cast<std::size_t>(i)).image);
+  return files;
+}
+
+void measureListing() {
+  for (const int count : {1000, 3000, 10000}) {
+    const fs::path room = mediaRoot() / filmRoom(count);
+    classifyFolder(room);
+    const Flag stop;
+    std::size_t listed = 0;
+    const double ms =
+        median(5, [&] { return milliseconds([&] { listed = listPosters(room, stop).posters.size(); }); });
+    std::printf("| listing of %5d films | %6.1f ms | %4.1f us each | find: %5.1f ms | %zu listed |\n", count,
+                ms, 1000 * ms / count, findMs(room), listed);
+  }
+}
+
+/// What passes of the loop cost while a room is loaded. Milliseconds.
+struct Loading {
+  double toScreenful = 0;
+  double longestPump = 0;  ///< input and hand-over
+  double longestPass = 0;  ///< the same with the drawing
+};
+
+Loading load(Display& display, const fs::path& room, std::size_t posters, int perPass) {
+  Loading result;
+  const Clock::time_point begin = Clock::now();
+  const double opening = milliseconds([&] { display.openPosterFolder(room); });
+  result.longestPump = opening;
+  while (display.posters().list().size() < posters) {
+    const double pump = milliseconds([&] {
+      display.pollInput();
+      display.takePendingPosters(posterHeight, perPass);
+    });
+    const double drawing = milliseconds([&] { display.presentBlank(); });
+    result.longestPump = std::max(result.longestPump, pump);
+    result.longestPass = std::max(result.longestPass, pump + drawing);
+  }
+  result.toScreenful = std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+  return result;
+}
+
+void measureFirstScreen(Display& display, const char* name) {
+  const fs::path room = mediaRoot() / name;
+  const std::vector<fs::path> files = firstImages(room);
+  const double floor = median(5, [&] { return decodeMs(files) + findMs(room); });
+  std::vector<double> times;
+  Loading worst;
+  for (int run = 0; run < 5; ++run) {
+    const Loading loading = load(display, room, screenful, screenful);
+    times.push_back(loading.toScreenful);
+    worst.longestPump = std::max(worst.longestPump, loading.longestPump);
+    worst.longestPass = std::max(worst.longestPass, loading.longestPass);
+    display.openPosterFolder(mediaRoot() / "nothing");
+  }
+  std::sort(times.begin(), times.end());
+  std::printf(
+      "| %-6s first %d posters | %6.1f ms | %4.2f of decode + find (%.1f ms), goal <= 1.5 | longest pump "
+      "%.1f ms, goal <= 8 | longest pass %.1f ms |\n",
+      name, screenful, times[2], times[2] / floor, floor, worst.longestPump, worst.longestPass);
+}
+
+void measureMemory(Display& display) {
+  const fs::path room = mediaRoot() / "movies";
+  const Loading loading = load(display, room, 10000, 4);
+  std::ifstream status("/proc/self/status");
+  std::string line;
+  while (std::getline(status, line) && !line.starts_with("VmHWM")) {
+  }
+  std::printf("| all 10000 posters | %.1f s | longest pump %.1f ms | peak memory %.2f GiB |\n",
+              loading.toScreenful / 1000, loading.longestPump,
+              std::strtod(line.c_str() + 6, nullptr) / (1 << 20));
+}
+
+}  // namespace
+}  // namespace tavek::bench
+
+int main() {
+  using namespace tavek;
+  const std::filesystem::path root = TAVEK_BENCH_MEDIA "/library";
+  setenv("TAVEK_MEDIA_ROOT", root.c_str(), 1);
+  setenv("SDL_VIDEODRIVER", "offscreen", 0);
+  bench::makeLibrary(root);
+  bench::measureListing();
+  Display display(0, 0, 1920, 1080, Orientation::OrientationAuto);
+  if (!display.usable()) return 1;
+  bench::measureFirstScreen(display, "movies");
+  bench::measureFirstScreen(display, "tv");
+  bench::measureMemory(display);
+  return 0;
+}
