@@ -1,12 +1,9 @@
 #include "app/named_run.h"
 
-#include <iostream>
-
+#include "app/failed_item.h"
 #include "app/options.h"
-#include "base/console.h"
 #include "base/process_flags.h"
 #include "display/display.h"
-#include "video/demultiplex/error.h"
 #include "video/play/item_loop.h"
 
 namespace tavek {
@@ -22,8 +19,7 @@ void playNamedFiles(Display& display, const LaunchOptions& options) {
     try {
       soundMode = playFromPath(context, path, soundMode);
     } catch (const ffmpeg::Error& error) {
-      std::cerr << console::boldRed << "Failed to open " << path << ": " << error.what() << console::reset
-                << std::endl;
+      tellFailed(path, error);
     }
   }
 }

@@ -3,19 +3,21 @@
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <system_error>
 
 #include <SDL.h>
 #include <curl/curl.h>
 
+#include "app/library_run.h"
 #include "app/named_run.h"
 #include "app/options.h"
 #include "base/console.h"
 #include "base/paths.h"
 #include "base/process_flags.h"
 #include "display/display.h"
+#include "library/media_paths.h"
+#include "state/state_store.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -54,23 +56,25 @@ void forceDriver(const std::string& name) {
   }
 }
 
-/// A debug start forgets the shared state; any other start finds a file for it.
-void prepareStateFile() {
+/// A debug start forgets the shared state, so its file goes before it is read. What is kept of the sound mode
+/// wins over the command line.
+void loadState(LaunchOptions& options) {
   std::error_code ignored;
-  if (debugEnabled) {
-    std::filesystem::remove(stateFile(), ignored);
-  } else if (!std::filesystem::exists(stateFile(), ignored)) {
-    std::ofstream(stateFile()) << "{}";
-  }
+  if (debugEnabled) std::filesystem::remove(stateFile(), ignored);
+  StateStore& state = StateStore::instance();
+  state.ensureRooms(listRoots());
+  if (const auto mode = state.soundMode()) options.soundMode = static_cast<SoundMode>(*mode);
 }
 
 /// With nothing to play and no screen to choose on, the service manager has to start the program again.
 int play(const LaunchOptions& options) {
   Display display(0, 0, 1920, 1080, options.orientation);
-  display.goHome();
+  display.goHome(true);
   if (!options.videoPaths.empty()) {
     playNamedFiles(display, options);
-  } else if (!display.usable()) {
+  } else if (display.usable()) {
+    runLibrary(display, options);
+  } else {
     std::cerr << "tavek has no screen to show its library on." << std::endl;
     return EXIT_FAILURE;
   }
@@ -82,13 +86,15 @@ int play(const LaunchOptions& options) {
 int runProgram(int argc, const char* const* argv) {
   prepareLibraries();
   catchSignals();
-  const ParsedLine line = readCommandLine(argc, argv);
+  ParsedLine line = readCommandLine(argc, argv);
   if (line.exitStatus) return *line.exitStatus;
   if (line.options.videoDriver) forceDriver(*line.options.videoDriver);
   if (stopSignalled) return EXIT_SUCCESS;
-  prepareStateFile();
+  loadState(line.options);
   tmdbConsoleEnabled = fanartConsoleEnabled = debugEnabled;
-  return play(line.options);
+  const int status = play(line.options);
+  StateStore::instance().holdWrites(false);
+  return status;
 }
 
 }  // namespace tavek

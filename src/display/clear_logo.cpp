@@ -6,11 +6,13 @@
 #include <SDL_image.h>
 
 #include "base/text.h"
+#include "display/image_file.h"
 #include "display/toolkit/colour.h"
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/text.h"
 #include "library/episode_name.h"
 #include "library/media_paths.h"
+#include "library/usable_file.h"
 
 namespace tavek {
 namespace {
@@ -19,18 +21,13 @@ namespace fs = std::filesystem;
 
 constexpr const char* fileName = "clearlogo.png";
 
-bool isCandidate(const fs::path& file) {
-  std::error_code ignored;
-  return fs::is_regular_file(file, ignored) && !fs::is_empty(file, ignored);
-}
-
 }  // namespace
 
 std::optional<fs::path> clearLogoFor(const fs::path& video) {
   const fs::path beside = video.parent_path() / fileName;
-  if (isCandidate(beside)) return beside;
+  if (isUsableFile(beside)) return beside;
   const auto show = seriesFolderOf(video);
-  if (show && isCandidate(*show / fileName)) return *show / fileName;
+  if (show && isUsableFile(*show / fileName)) return *show / fileName;
   return {};
 }
 
@@ -71,7 +68,8 @@ void ClearLogo::load(SDL_Renderer* renderer, const fs::path& currentVideo) {
   FileState state = stateOf(*file);
   if (state == unreadable_) return;
 
-  TexturePtr texture(IMG_LoadTexture(renderer, file->c_str()));
+  const SurfacePtr picture = loadImage(*file);
+  TexturePtr texture(picture ? SDL_CreateTextureFromSurface(renderer, picture.get()) : nullptr);
   SDL_Point size{};
   if (!texture || SDL_QueryTexture(texture.get(), nullptr, nullptr, &size.x, &size.y) != 0 || size.x <= 0 ||
       size.y <= 0) {

@@ -15,13 +15,15 @@ Display::~Display() {
   // Textures go before the renderer that they live on.
   picture_.destroy();
   clearLogo_.drop();
+  posters_.clear();
 }
 
 NavCode Display::pollInput() {
   const Uint64 now = SDL_GetTicks64();
+  finishFolderChange(now);
   keys_.updateFocus(flags_);
   if (keys_.releaseLost(flags_)) return NavCode::SeekCommit;
-  const NavCode repeated = keys_.repeats(flags_, now);
+  const NavCode repeated = apply(keys_.repeats(flags_, now), now);
   if (stopSignalled) {
     quitRequested = true;
     return repeated;
@@ -46,21 +48,64 @@ NavCode Display::handleEvent(const SDL_Event& event) {
   const Uint64 now = SDL_GetTicks64();
   const KeyResult result = keys_.handle(event, flags_, now);
   if (result.active) noteActivity(now);
+  const NavCode code = apply(result, now);
+  // The player toggles the settings over a running item; with none running there is nobody to do it.
+  return code == NavCode::ToggleSettings && !flags_.videoPlaying ? NavCode::None : code;
+}
+
+NavCode Display::apply(const KeyResult& result, Uint64 nowMs) {
   switch (result.effect) {
     case KeyEffect::None:
       break;
     case KeyEffect::TouchSeekBar:
-      seekBar_.touch(now);
+      seekBar_.touch(nowMs);
       break;
     case KeyEffect::ClearSeekBar:
       seekBar_.clearActivity();
       break;
     case KeyEffect::GoHome:
-      goHome();
+      goHome(true);
+      openChooser();
+      break;
+    case KeyEffect::Move:
+      if (flags_.chooserOpen) {
+        if (result.direction == Direction::Left && chooser_.moveUser(-1)) makeUserCurrent();
+        if (result.direction == Direction::Right && chooser_.moveUser(+1)) makeUserCurrent();
+      } else {
+        moveOnStrip(result.direction, nowMs);
+      }
+      break;
+    case KeyEffect::Activate:
+      return selectionAction();
+    case KeyEffect::Back:
+      return leaveFolder();
+    case KeyEffect::Type:
+      if (letterBar_.open()) {
+        letterBar_.type(result.character);
+        jumpToTyped();
+      }
+      break;
+    case KeyEffect::Erase:
+      if (letterBar_.open()) {
+        letterBar_.erase();
+        jumpToTyped();
+      }
+      break;
+    case KeyEffect::SwitchRoom:
+      chooser_.setArrows(result.direction == Direction::Up, result.direction == Direction::Down);
+      switchRoom(result.direction == Direction::Up ? -1 : +1);
+      break;
+    case KeyEffect::ReleaseHome:
+      chooser_.setArrows(false, false);
+      break;
+    case KeyEffect::ConfirmUser:
+      confirmUser(nowMs);
+      break;
+    case KeyEffect::LeaveHome:
+      leaveHomeForStrip();
       break;
   }
-  // The player toggles the settings over a running item; with none running there is nobody to do it.
-  return result.code == NavCode::ToggleSettings && !flags_.videoPlaying ? NavCode::None : result.code;
+  return result.code;
 }
 
 void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) {
@@ -70,15 +115,20 @@ void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) 
   if (!(shown.sampleAspect > 0)) shown.sampleAspect = 1.0;
   if (!picture_.upload(renderer, shown)) return;
 
-  FrameContext frame{.renderer = renderer, .baseFont = screen_.baseFont()};
-  SDL_GetWindowSize(screen_.window(), &frame.width, &frame.height);
   SDL_SetRenderDrawColor(renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
   SDL_RenderClear(renderer);
-  frame.nowMs = SDL_GetTicks64();
+  const FrameContext frame = frameContext();
   flags_.strip.fadeIn = false;
   picture_.draw(frame, shown);
   drawOverlays(frame, positionUs);
   SDL_RenderPresent(renderer);
+}
+
+FrameContext Display::frameContext() const {
+  FrameContext frame{.renderer = screen_.renderer(), .baseFont = screen_.baseFont()};
+  SDL_GetWindowSize(screen_.window(), &frame.width, &frame.height);
+  frame.nowMs = SDL_GetTicks64();
+  return frame;
 }
 
 void Display::drawOverlays(const FrameContext& frame, std::int64_t positionUs) {
@@ -91,13 +141,17 @@ void Display::drawOverlays(const FrameContext& frame, std::int64_t positionUs) {
                    .stripOn = flags_.strip.any()},
                   currentVideo_);
   volumeBar_.draw(frame);
+  if (flags_.chooserOpen) drawChooser(frame);
+  advanceStrip(frame.nowMs);
   seekBar_.draw(frame, {.positionUs = positionUs,
                         .videoPaused = flags_.videoPaused,
                         .seekFocus = flags_.seekFocus,
                         .stripShown = flags_.strip.shown()});
   pauseIcon_.draw(frame, flags_.videoPaused && !flags_.homeMode && !flags_.screensaverActive);
+  if (!flags_.chooserOpen && (flags_.strip.visible || flags_.strip.sliding)) drawPosters(frame);
   SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
   SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
+  if (!flags_.videoPlaying) statusLines_.draw(frame, flags_.homeMode);
 }
 
 void Display::presentBlank() {
@@ -109,6 +163,7 @@ void Display::presentBlank() {
 void Display::alignWithItem(const std::filesystem::path& path) {
   currentVideo_ = path;
   flags_.audioItem = isAudioFile(path);
+  posters_.selectPosterFor(path);
 }
 
 void Display::setVideoPlaying(bool playing) {
@@ -119,6 +174,9 @@ void Display::setVideoPlaying(bool playing) {
     pauseIcon_.reset();
     picture_.fadeOut = {};
     clearLogo_.setSuppressed(false);
+    chooser_.endFadeIn();
+    pendingFolder_.reset();
+    if (flags_.strip.any()) dropStrip();
   } else {
     flags_.videoPaused = false;
     loadClearLogo();
@@ -144,29 +202,11 @@ void Display::startVideoFadeOut() {
 
 void Display::showSeekBar() {
   seekBar_.show(SDL_GetTicks64());
-  flags_.strip = {};
+  dropStrip();
 }
 
 void Display::showVolume(int percent, double gainDb, double minDb, double maxDb) {
   volumeBar_.show(percent, gainDb, minDb, maxDb, SDL_GetTicks64());
-}
-
-void Display::goHome() {
-  const Uint64 now = SDL_GetTicks64();
-  flags_.strip = {};
-  setVideoPlaying(false);
-  alignWithItem({});
-  seekBar_.reset();
-  volumeBar_.reset();
-  clearLogo_.drop();
-  clearLogo_.setSuppressed(false);
-  flags_.homeMode = true;
-  noteActivity(now);
-}
-
-void Display::selectRoomForPath(const std::filesystem::path& path) {
-  const auto root = roomRootOf(path);
-  flags_.roomKind = root ? classifyFolder(*root) : MediaKind::Movies;
 }
 
 void Display::loadClearLogo() {

@@ -2,19 +2,27 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
+#include <string>
+#include <utility>
 
 #include <SDL.h>
 
 #include "base/orientation.h"
+#include "display/chooser.h"
 #include "display/clear_logo.h"
 #include "display/focus.h"
 #include "display/frame_context.h"
 #include "display/key_input.h"
+#include "display/letter_bar.h"
 #include "display/nav_code.h"
 #include "display/pause_icon.h"
 #include "display/picture_view.h"
+#include "display/posters.h"
+#include "display/rooms.h"
 #include "display/screen.h"
 #include "display/seek_bar.h"
+#include "display/status_lines.h"
 #include "display/video_picture.h"
 #include "display/volume_bar.h"
 
@@ -46,7 +54,7 @@ class Display {
 
   // The item.
   void setDuration(std::int64_t us) { seekBar_.setDuration(us); }
-  /// Makes the file the current video.
+  /// Makes the file the current video, and its poster the selected one.
   void alignWithItem(const std::filesystem::path& path);
   void setVideoPlaying(bool playing);
   /// The pause of the viewer; setVideoPlaying(false) clears it, so it is set after that.
@@ -59,19 +67,82 @@ class Display {
   void showSeekBar();
   void showVolume(int percent, double gainDb, double minDb, double maxDb);
 
+  // Posters.
+  /// Lists a folder in the strip. With the strip on the screen it slides out first, and in again over the new
+  /// list.
+  void openPosterFolder(const std::filesystem::path& path);
+  /// Once per frame: loaded tiles become textures, at most `count` of them.
+  void takePendingPosters(int height, int count);
+  void showStrip();
+  void hideStrip();
+  bool stripShown() const { return flags_.strip.shown(); }
+  /// After a change of what was watched, or of the user.
+  void refreshWatchedBits() { posters_.refreshWatchedBits(); }
+  const Posters& posters() const { return posters_; }
+  /// Null without a selection.
+  const Poster* selectedPoster() const;
+  /// The poster on which the strip offers to switch the watched mark: an episode; null for anything else.
+  const Poster* watchedToggleTarget() const;
+
+  // Words to the viewer.
+  void showStatus(const std::string& text) { statusLines_.showStatus(text, SDL_GetTicks64()); }
+  /// Stands above the strip until the next step in it.
+  void showError(const std::string& text) { statusLines_.showError(text); }
+  void clearError() { statusLines_.clearError(); }
+  /// The item that follows was picked on the strip; read once.
+  void dismissError() { errorDismissed_ = true; }
+  bool takeErrorDismissed() { return std::exchange(errorDismissed_, false); }
+
   // Home and rooms.
-  /// Back to the top level: nothing of the item is left on the screen but its picture.
-  void goHome();
+  /// Back to the top level: nothing of the item is left on the screen but its picture. `refresh` lists the
+  /// room of the active user if no posters are there.
+  void goHome(bool refresh);
+  /// The home screen's loop, until a user with a room was chosen or the program is to end.
+  void runChooser();
   void leaveHome() { flags_.homeMode = false; }
+  /// Drops what was pressed and not yet looked at.
+  void discardInput();
   void selectRoomForPath(const std::filesystem::path& path);
   MediaKind roomKind() const { return flags_.roomKind; }
+  std::filesystem::path currentFolder() const { return rooms_.current(); }
+  /// Once after each opening of the home screen over a running item, and once after its closing.
+  bool takePauseToggle() { return std::exchange(pendingPauseChooser_, false); }
 
  private:
   void loadClearLogo();
   void drawOverlays(const FrameContext& frame, std::int64_t positionUs);
   NavCode pumpEvents();
   NavCode handleEvent(const SDL_Event& event);
+  NavCode apply(const KeyResult& result, Uint64 nowMs);
   void noteActivity(Uint64 nowMs) { lastActivityAt_ = nowMs; }
+
+  // The strip.
+  void moveOnStrip(Direction direction, Uint64 nowMs);
+  void moveSelection(int delta);
+  void stepUp(Uint64 nowMs);
+  void jumpToTyped();
+  NavCode selectionAction();
+  bool enterSelection();
+  NavCode leaveFolder();
+  void advanceStrip(Uint64 nowMs);
+  void topUpPosters();
+  void dropStrip();
+  void drawPosters(const FrameContext& frame);
+  void updateHoldWrites();
+
+  // The home screen.
+  void openChooser();
+  void closeChooser();
+  void makeUserCurrent();
+  void confirmUser(Uint64 nowMs);
+  void finishFolderChange(Uint64 nowMs);
+  void leaveHomeForStrip();
+  void switchRoom(int delta);
+  bool selectRoom(std::size_t index, bool remember);
+  void enterRoom(const std::filesystem::path& path);
+  void drawChooser(const FrameContext& frame);
+  void presentChooser();
+  FrameContext frameContext() const;
 
   VideoPicture picture_;
   Screen screen_;
@@ -79,11 +150,26 @@ class Display {
   VolumeBar volumeBar_;
   PauseIcon pauseIcon_;
   ClearLogo clearLogo_;
+  Posters posters_;
+  LetterBar letterBar_;
+  StatusLines statusLines_;
+  Rooms rooms_;
+  Chooser chooser_;
 
   NavFlags flags_;
   KeyInput keys_;
   std::filesystem::path currentVideo_;
   Uint64 lastActivityAt_ = 0;
+  std::optional<std::filesystem::path> pendingFolder_;  ///< to open when the strip has slid out
+  /// A confirmed user's way from the home screen to the room.
+  struct FolderChange {
+    Uint64 at;
+    std::filesystem::path folder;
+  };
+  std::optional<FolderChange> folderChange_;
+  bool errorDismissed_ = false;
+  bool chooserPausedPlayback_ = false;
+  bool pendingPauseChooser_ = false;
 };
 
 }  // namespace tavek

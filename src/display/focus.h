@@ -40,7 +40,8 @@ struct NavFlags {
   MediaKind roomKind = MediaKind::Movies;
   bool audioItem = false;  ///< the current item is an audio file
   StripState strip;
-  bool seekFocus = false;  ///< a seek key is down
+  bool selectionSettling = false;  ///< the strip has just gone to another poster by itself; held keys wait
+  bool seekFocus = false;          ///< a seek key is down
   bool videoPlaying = true;
   bool videoPaused = false;  ///< by the viewer
 

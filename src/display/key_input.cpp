@@ -72,16 +72,15 @@ bool KeyInput::releaseLost(NavFlags& flags) {
   return true;
 }
 
-NavCode KeyInput::repeats(const NavFlags& flags, Uint64 nowMs) {
-  if (flags.chooserOpen || flags.settingsOpen || flags.anyPage()) return NavCode::None;
+KeyResult KeyInput::repeats(const NavFlags& flags, Uint64 nowMs) {
+  if (flags.chooserOpen || flags.settingsOpen || flags.anyPage()) return {};
   const FocusName focus = focusOf(flags);
-  if (focus != FocusName::Tv && focus != FocusName::Poster && focus != FocusName::Seek) return NavCode::None;
+  const bool onStrip = focus == FocusName::Tv || focus == FocusName::Poster;
+  if ((!onStrip || flags.selectionSettling) && focus != FocusName::Seek) return {};
   for (const Direction direction : {Direction::Left, Direction::Right}) {
-    if (!held_.repeatDue(direction, nowMs)) continue;
-    const NavCode code = moveDirection(direction, flags);
-    if (code != NavCode::None) return code;
+    if (held_.repeatDue(direction, nowMs)) return moveDirection(direction, flags);
   }
-  return NavCode::None;
+  return {};
 }
 
 KeyResult KeyInput::handle(const SDL_Event& event, NavFlags& flags, Uint64 nowMs) {
@@ -94,9 +93,10 @@ KeyResult KeyInput::handle(const SDL_Event& event, NavFlags& flags, Uint64 nowMs
     result.code = NavCode::Quit;
   } else if (isKey) {
     if (event.type == SDL_KEYDOWN && event.key.repeat == 0) result = globalKey(event.key.keysym.sym, flags);
+    const bool handled = result.code != NavCode::None || result.effect != KeyEffect::None;
     const bool counts =
         !flags.homeMode || result.code == NavCode::ToggleSettings || result.code == NavCode::GoHome;
-    if (result.code == NavCode::None || !counts) result = focusedKey(event.key, flags, nowMs);
+    if (!handled || !counts) result = focusedKey(event.key, flags, nowMs);
   }
   result.active = countsAsActivity(event.type);
   return result;
@@ -126,15 +126,17 @@ bool KeyInput::passesRepeatFilter(const SDL_KeyboardEvent& key, const NavFlags& 
   return !flags.videoPlaying && (focus == FocusName::Movie || focus == FocusName::Seek);
 }
 
-NavCode KeyInput::moveDirection(Direction direction, const NavFlags& flags) const {
+KeyResult KeyInput::moveDirection(Direction direction, const NavFlags& flags) const {
   const FocusName focus = focusOf(flags);
+  const bool onStrip = focus == FocusName::Tv || focus == FocusName::Poster;
+  if (flags.chooserOpen || onStrip) return {.effect = KeyEffect::Move, .direction = direction};
   const bool steps = focus == FocusName::Seek || (focus == FocusName::Music && !flags.strip.any());
-  if (!steps || flags.chooserOpen || flags.settingsOpen) return NavCode::None;
-  if (direction == Direction::Left) return NavCode::SeekBackward;
-  return direction == Direction::Right ? NavCode::SeekForward : NavCode::None;
+  if (!steps || flags.settingsOpen) return {};
+  if (direction == Direction::Left) return {.code = NavCode::SeekBackward};
+  return {.code = direction == Direction::Right ? NavCode::SeekForward : NavCode::None};
 }
 
-NavCode KeyInput::pressAndMove(Direction direction, const NavFlags& flags, Uint64 nowMs) {
+KeyResult KeyInput::pressAndMove(Direction direction, const NavFlags& flags, Uint64 nowMs) {
   held_.press(direction, nowMs);
   return moveDirection(direction, flags);
 }
@@ -154,8 +156,9 @@ KeyResult KeyInput::globalKey(SDL_Keycode key, const NavFlags& flags) const {
     case SDLK_RETURN:
     case SDLK_KP_ENTER:
       if (flags.settingsOpen || flags.anyPage()) return {};
+      if (flags.chooserOpen) return {};
       if (!flags.strip.any()) return {.code = NavCode::OpenPosters};
-      return {.code = flags.musicWithAudio() ? NavCode::ClosePosters : NavCode::None};
+      return {.effect = KeyEffect::Activate};
     case SDLK_AC_HOME:
       // A pause taken with the pause key is ended before anything else can be reached.
       if (flags.homeMode || flags.strip.any() || flags.videoPaused) return {};
@@ -168,6 +171,11 @@ KeyResult KeyInput::globalKey(SDL_Keycode key, const NavFlags& flags) const {
 KeyResult KeyInput::focusedKey(const SDL_KeyboardEvent& key, NavFlags& flags, Uint64 nowMs) {
   const bool down = key.type == SDL_KEYDOWN;
   switch (focusOf(flags)) {
+    case FocusName::Home:
+    case FocusName::UsersTab:
+      if (down) return homeKeyDown(key, flags, nowMs);
+      releaseKey(key.keysym.sym);
+      return {.effect = KeyEffect::ReleaseHome};
     case FocusName::Movie:
     case FocusName::Seek:
       return down ? movieKeyDown(key, flags, nowMs) : movieKeyUp(key.keysym.sym, flags);
@@ -185,7 +193,38 @@ KeyResult KeyInput::focusedKey(const SDL_KeyboardEvent& key, NavFlags& flags, Ui
   return {};
 }
 
+KeyResult KeyInput::homeKeyDown(const SDL_KeyboardEvent& key, const NavFlags& flags, Uint64 nowMs) {
+  const SDL_Keycode sym = key.keysym.sym;
+  switch (sym) {
+    case SDLK_AC_SEARCH:
+    case SDLK_AUDIOPLAY:
+      return {.code = NavCode::VoiceStart};
+    case SDLK_RETURN:
+    case SDLK_KP_ENTER:
+      if (key.repeat != 0) return {};
+      return {.effect = flags.chooserOpen ? KeyEffect::ConfirmUser : KeyEffect::LeaveHome};
+    case SDLK_UP:
+    case SDLK_DOWN:
+      if (flags.chooserOpen && flags.homeMode)
+        return {.effect = KeyEffect::SwitchRoom, .direction = *directionOf(sym)};
+      [[fallthrough]];
+    case SDLK_LEFT:
+    case SDLK_RIGHT:
+      return pressAndMove(*directionOf(sym), flags, nowMs);
+    default:
+      return {};
+  }
+}
+
+/// The discs over a film, which an open page may bring up.
+KeyResult KeyInput::chooserKeyDown(const SDL_KeyboardEvent& key, const NavFlags& flags, Uint64 nowMs) {
+  if (isEnter(key.keysym.sym) && key.repeat == 0) return {.effect = KeyEffect::ConfirmUser};
+  const auto direction = directionOf(key.keysym.sym);
+  return direction ? pressAndMove(*direction, flags, nowMs) : KeyResult{};
+}
+
 KeyResult KeyInput::movieKeyDown(const SDL_KeyboardEvent& key, NavFlags& flags, Uint64 nowMs) {
+  if (flags.chooserOpen) return chooserKeyDown(key, flags, nowMs);
   const SDL_Keycode sym = key.keysym.sym;
   switch (sym) {
     case SDLK_LEFT:
@@ -206,8 +245,8 @@ KeyResult KeyInput::movieKeyDown(const SDL_KeyboardEvent& key, NavFlags& flags, 
     case SDLK_DOWN: {
       if (flags.videoPaused) return {};
       const bool up = sym == SDLK_UP;
-      return {.code = pressAndMove(up ? Direction::Up : Direction::Down, flags, nowMs),
-              .effect = up ? KeyEffect::ClearSeekBar : KeyEffect::None};
+      held_.press(up ? Direction::Up : Direction::Down, nowMs);
+      return {.effect = up ? KeyEffect::ClearSeekBar : KeyEffect::None};
     }
     case SDLK_RETURN:
     case SDLK_KP_ENTER:
@@ -277,15 +316,19 @@ KeyResult KeyInput::posterKeyDown(const SDL_KeyboardEvent& key, const NavFlags& 
     case SDLK_AC_SEARCH:
       return {.code = NavCode::VoiceStart};
     case SDLK_AC_BACK:
+      return {.effect = KeyEffect::Back};
     case SDLK_ESCAPE:
       return {.code = NavCode::ClosePosters};
+    case SDLK_BACKSPACE:
+      return {.effect = KeyEffect::Erase};
     case SDLK_LEFT:
     case SDLK_RIGHT:
     case SDLK_UP:
     case SDLK_DOWN:
-      return {.code = pressAndMove(*directionOf(sym), flags, nowMs)};
+      return pressAndMove(*directionOf(sym), flags, nowMs);
     default:
-      return {};
+      if (sym < SDLK_SPACE || sym >= SDLK_DELETE) return {};
+      return {.effect = KeyEffect::Type, .character = static_cast<char>(sym)};
   }
 }
 

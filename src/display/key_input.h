@@ -14,12 +14,23 @@ enum class KeyEffect {
   TouchSeekBar,  ///< a seek key went down
   ClearSeekBar,  ///< the bar goes away
   GoHome,        ///< the home step
+  Move,          ///< one step in a direction, on the strip or among the users
+  Activate,      ///< Enter on the strip
+  Back,          ///< a level up in a series, else out of the strip
+  Type,          ///< a character for the letter bar
+  Erase,         ///< the last one again
+  SwitchRoom,    ///< up or down on the home screen
+  ReleaseHome,   ///< a key of the home screen went up
+  ConfirmUser,   ///< Enter on the home screen
+  LeaveHome,     ///< the same with no users to choose from
 };
 
 struct KeyResult {
   NavCode code = NavCode::None;
   KeyEffect effect = KeyEffect::None;
-  bool active = false;  ///< the viewer did something
+  Direction direction = Direction::Left;  ///< of Move and SwitchRoom
+  char character = 0;                     ///< of Type
+  bool active = false;                    ///< the viewer did something
 };
 
 /// Turns SDL's events into codes, by the focus that follows from the flags. The only flag that it sets is
@@ -32,18 +43,20 @@ class KeyInput {
   /// A seek key whose release was eaten by a change of focus is let go; true if that ended a seek.
   bool releaseLost(NavFlags& flags);
   /// The repeats of a held key.
-  NavCode repeats(const NavFlags& flags, Uint64 nowMs);
+  KeyResult repeats(const NavFlags& flags, Uint64 nowMs);
   KeyResult handle(const SDL_Event& event, NavFlags& flags, Uint64 nowMs);
 
  private:
   bool trackPhysicalKeys(const SDL_KeyboardEvent& key);
   bool passesRepeatFilter(const SDL_KeyboardEvent& key, const NavFlags& flags) const;
   void setFocus(FocusName next, NavFlags& flags);
-  NavCode moveDirection(Direction direction, const NavFlags& flags) const;
-  NavCode pressAndMove(Direction direction, const NavFlags& flags, Uint64 nowMs);
+  KeyResult moveDirection(Direction direction, const NavFlags& flags) const;
+  KeyResult pressAndMove(Direction direction, const NavFlags& flags, Uint64 nowMs);
 
   KeyResult globalKey(SDL_Keycode key, const NavFlags& flags) const;
   KeyResult focusedKey(const SDL_KeyboardEvent& key, NavFlags& flags, Uint64 nowMs);
+  KeyResult homeKeyDown(const SDL_KeyboardEvent& key, const NavFlags& flags, Uint64 nowMs);
+  KeyResult chooserKeyDown(const SDL_KeyboardEvent& key, const NavFlags& flags, Uint64 nowMs);
   KeyResult movieKeyDown(const SDL_KeyboardEvent& key, NavFlags& flags, Uint64 nowMs);
   KeyResult movieKeyUp(SDL_Keycode key, NavFlags& flags);
   KeyResult musicKeyDown(const SDL_KeyboardEvent& key);

@@ -124,7 +124,7 @@ TEST_F(DisplayTest, AnswersKeysAndPausesOverThePicture) {
   EXPECT_EQ(display->pollInput(), NavCode::SeekCommit);
   press(SDLK_AC_HOME, true);
   EXPECT_EQ(display->pollInput(), NavCode::GoHome);
-  EXPECT_EQ(display->currentFocus(), FocusName::Home);
+  EXPECT_EQ(display->currentFocus(), FocusName::UsersTab);
 }
 
 TEST_F(DisplayTest, WithoutAScreenEveryCallIsHarmless) {

@@ -56,7 +56,7 @@ TEST(KeyInput, GivesEachKeyItsCodeUnderEachFocus) {
     NavCode running, paused, strip, home, music, settings;
   };
   const Row rows[] = {
-      {SDLK_AUDIOPLAY, TogglePause, TogglePause, TogglePause, None, TogglePause, TogglePause},
+      {SDLK_AUDIOPLAY, TogglePause, TogglePause, TogglePause, VoiceStart, TogglePause, TogglePause},
       {SDLK_LEFT, SeekBackward, VolumeDownPress, None, None, None, None},
       {SDLK_RIGHT, SeekForward, VolumeUpPress, None, None, None, None},
       {SDLK_UP, None, None, None, None, SeekBackward, None},
@@ -68,9 +68,8 @@ TEST(KeyInput, GivesEachKeyItsCodeUnderEachFocus) {
       {SDLK_MENU, ToggleSettings, ToggleSettings, ToggleSettings, ToggleSettings, ToggleSettings,
        ToggleSettings},
       {SDLK_AC_HOME, GoHome, None, None, None, GoHome, GoHome},
-      {SDLK_AC_BACK, None, None, ClosePosters, None, None, None},
       {SDLK_ESCAPE, None, None, ClosePosters, None, None, None},
-      {SDLK_AC_SEARCH, None, None, VoiceStart, None, None, None},
+      {SDLK_AC_SEARCH, None, None, VoiceStart, VoiceStart, None, None},
       {SDLK_PRINTSCREEN, None, Snapshot, None, None, None, None},
       {SDLK_VOLUMEUP, None, None, None, None, None, None},
       {SDLK_q, None, None, None, None, None, None},
@@ -86,6 +85,43 @@ TEST(KeyInput, GivesEachKeyItsCodeUnderEachFocus) {
       EXPECT_EQ(result.code, code) << SDL_GetKeyName(row.sym) << " in " << focusText(focusOf(flags));
       EXPECT_TRUE(result.active);
     }
+  }
+}
+
+TEST(KeyInput, LeavesToTheScreensWhatIsTheirs) {
+  using enum KeyEffect;
+  NavFlags chooser = home();
+  chooser.chooserOpen = true;
+  NavFlags series = strip();
+  series.roomKind = MediaKind::Series;
+  const struct {
+    NavFlags flags;
+    SDL_Keycode sym;
+    KeyEffect effect;
+  } cases[] = {
+      {chooser, SDLK_UP, SwitchRoom},
+      {chooser, SDLK_DOWN, SwitchRoom},
+      {chooser, SDLK_LEFT, Move},
+      {chooser, SDLK_RETURN, ConfirmUser},
+      {chooser, SDLK_KP_ENTER, ConfirmUser},
+      {home(), SDLK_LEFT, None},
+      {home(), SDLK_RETURN, LeaveHome},
+      {strip(), SDLK_RIGHT, Move},
+      {strip(), SDLK_UP, Move},
+      {strip(), SDLK_RETURN, Activate},
+      {series, SDLK_KP_ENTER, Activate},
+      {series, SDLK_AC_BACK, Back},
+      {strip(), SDLK_b, Type},
+      {strip(), SDLK_BACKSPACE, Erase},
+      {music(), SDLK_LEFT, None},
+      {strip(), SDLK_F1, None},
+      {paused(), SDLK_RETURN, None},
+  };
+  for (const auto& c : cases) {
+    KeyInput input;
+    NavFlags flags = c.flags;
+    EXPECT_EQ(input.handle(key(c.sym, true), flags, 1000).effect, c.effect)
+        << SDL_GetKeyName(c.sym) << " in " << focusText(focusOf(c.flags));
   }
 }
 
@@ -150,7 +186,7 @@ TEST(KeyInput, RepeatsAHeldSeekByItself) {
   EXPECT_EQ(input.focus(), FocusName::Seek);
   std::vector<Uint64> repeats;
   for (Uint64 now = 1000; now < 1700; now += 5) {
-    if (input.repeats(flags, now) == NavCode::SeekBackward) repeats.push_back(now);
+    if (input.repeats(flags, now).code == NavCode::SeekBackward) repeats.push_back(now);
   }
   EXPECT_EQ(repeats, (std::vector<Uint64>{1275, 1405, 1535, 1665}));
 }

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "base/console.h"
+#include "state/state_store.h"
 #include "video/demultiplex/error.h"
 #include "video/play/pipeline.h"
 #include "video/play/playback_timer.h"
@@ -64,6 +65,7 @@ void Pipeline::applySeek(std::int64_t positionUs) {
     std::cerr << console::boldRed << "[RESUME] seek failed=" << target << "us path=" << path_
               << console::reset << std::endl;
   }
+  StateStore::instance().setPosition(path_, 0, "");
 }
 
 }  // namespace tavek

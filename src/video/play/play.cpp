@@ -7,8 +7,8 @@
 #include "base/process_flags.h"
 #include "base/text.h"
 #include "display/display.h"
+#include "state/state_store.h"
 #include "video/demultiplex/file_types.h"
-#include "video/play/item_rules.h"
 #include "video/play/movie_text.h"
 #include "video/play/next_item.h"
 #include "video/play/seek_rules.h"
@@ -35,33 +35,29 @@ double sampleAspectOf(const AVFrame& frame) {
 
 Play::Play(Display* display, const std::string& path, std::optional<std::string> language,
            SoundMode soundMode)
-    : display_(display), path_(fullPath(path)), pipeline_(path_, std::move(language), soundMode) {
+    : display_(display),
+      path_(fullPath(path)),
+      isAvi_(lowerExtension(path_) == ".avi"),
+      pipeline_(path_, std::move(language), soundMode) {
   if (debugEnabled) {
     std::cout << "[play] now playing: " << path_ << (pipeline_.audioOnly() ? " (audio)" : " (video)")
               << std::endl;
   }
-  if (movieDetailEnabled) std::cout << movieText(path_, pipeline_.demultiplexer().movieInfo()) << std::flush;
+  const MovieInfo info = pipeline_.demultiplexer().movieInfo();
+  StateStore::instance().setFrameSize(path_, info.videoWidth, info.videoHeight);
+  if (movieDetailEnabled) std::cout << movieText(path_, info) << std::flush;
   if (display_ != nullptr) {
     display_->setDuration(pipeline_.demultiplexer().durationUs());
     display_->alignWithItem(path_);
   }
-  // No position is kept between runs yet.
-  startAtStored(std::nullopt);
-}
-
-void Play::startAtStored(std::optional<std::int64_t> storedUs) {
-  const bool isAvi = lowerExtension(path_) == ".avi";
-  const ResumeStep resume = resumeStep(isAvi, storedUs, pipeline_.demultiplexer().durationUs());
-  if (!resume.seekUs) return;
-  if (pipeline_.seekDebug()) {
-    std::cout << "[RESUME] seek request=" << *resume.seekUs << "us path=" << path_ << std::endl;
-  }
-  pipeline_.requestSeek(*resume.seekUs);
+  if (isAvi_) storeBoundary();
+  startAtStored();
 }
 
 void Play::run() {
   begin();
   while (!ended_) pass();
+  storeEnd();
   chooseNext();
   pipeline_.close();
   const std::exception_ptr error = pipeline_.join();
@@ -98,6 +94,7 @@ void Play::pass() {
 
 NavCode Play::nextCode() {
   NavCode code = display_ != nullptr ? display_->pollInput() : NavCode::None;
+  if (display_ != nullptr && display_->takePauseToggle()) code = NavCode::TogglePause;
   if (code == NavCode::TogglePause && Clock::now() < startGuardUntil_) code = NavCode::None;
   const bool released = Clock::now() - seek_.lastAt >= milliseconds(seekReleaseMs);
   return code == NavCode::None && seek_.active && released ? NavCode::SeekCommit : code;
@@ -168,6 +165,7 @@ void Play::stopItem() {
   pipeline_.paused = false;
   pipeline_.pausedForPosters = false;
   if (display_ != nullptr) display_->setVideoPaused(false);
+  storePosition();
   pipeline_.close();
   ended_ = true;
 }
@@ -185,8 +183,7 @@ void Play::naturalEnd() {
 void Play::chooseNext() {
   if (nextPath_ || path_.empty() || stopRequested_ || !isAudioFile(path_)) return;
   nextPath_ = nextItemAfter(path_);
-  const bool watched = countsAsWatched(pacing_.lastPositionUs, pipeline_.demultiplexer().durationUs());
-  if (!nextPath_ && watched && musicRoom_) nextPath_.emplace();
+  if (!nextPath_ && watched() && musicRoom_) nextPath_.emplace();
 }
 
 }  // namespace tavek

@@ -50,7 +50,11 @@ class Play {
   };
   static const Command commands[];
 
-  void startAtStored(std::optional<std::int64_t> storedUs);
+  void startAtStored();
+  void storeBoundary();
+  void storePosition();
+  void storeEnd();
+  bool toggleWatched();
   void begin();
   void pass();
   NavCode nextCode();
@@ -75,9 +79,12 @@ class Play {
   void previousItem();
   void volumeUp() { pressVolume(VolumeKey::Up); }
   void volumeDown() { pressVolume(VolumeKey::Down); }
-  void releaseVolume() { heldVolumeKey_ = VolumeKey::None; }
+  void releaseVolume();
   void snapshot();
   void wake();
+  void openPosters();
+  void closePosters();
+  void playSelection();
 
   void pause();
   void resume();
@@ -88,9 +95,12 @@ class Play {
   void showVolumeBar();
   bool paused() const { return pipeline_.paused; }
   bool ending() const { return exitAt_.has_value(); }
+  std::int64_t savedPosition();
+  bool watched() const;
 
   Display* const display_;
   const std::string path_;
+  const bool isAvi_;  ///< its index cannot be trusted, so it starts anew each time
   Pipeline pipeline_;
   PlaybackTimer timer_;
   Pacing pacing_;
@@ -103,7 +113,9 @@ class Play {
   Clock::time_point startGuardUntil_;
   std::optional<Clock::time_point> exitAt_;  ///< the picture fades out on the way home since then
   bool musicRoom_ = false;
-  bool stopRequested_ = false;  ///< the viewer or a signal ended the item
+  bool postersOpen_ = false;            ///< the strip lies over this item
+  bool audioClosedForBrowser_ = false;  ///< the device is free while a series is browsed
+  bool stopRequested_ = false;          ///< the viewer or a signal ended the item
   bool ended_ = false;
   std::optional<std::filesystem::path> nextPath_;
 };

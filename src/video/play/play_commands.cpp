@@ -1,9 +1,12 @@
 // What the codes of the input do to the playing item.
 #include <algorithm>
+#include <utility>
 
 #include "display/display.h"
+#include "library/media_paths.h"
 #include "video/play/play.h"
 #include "video/play/seek_rules.h"
+#include "video/play/selected_item.h"
 #include "video/play/snapshot.h"
 #include "video/play/volume_percent.h"
 
@@ -23,6 +26,9 @@ constexpr Play::Command Play::commands[] = {
     {NavCode::SeekForward, &Play::seekForward, true},
     {NavCode::SeekBackward, &Play::seekBackward, true},
     {NavCode::SeekCommit, &Play::seekCommit, true},
+    {NavCode::OpenPosters, &Play::openPosters, false},
+    {NavCode::ClosePosters, &Play::closePosters, false},
+    {NavCode::PlaySelection, &Play::playSelection, false},
     {NavCode::Quit, &Play::stopItem, false},
     {NavCode::GoHome, &Play::goHome, false},
     {NavCode::PreviousItem, &Play::previousItem, false},
@@ -45,14 +51,17 @@ void Play::dispatch(NavCode code) {
 }
 
 void Play::togglePause() {
+  if (toggleWatched()) return;
   seek_.pausedBefore = false;
   if (paused()) {
     pipeline_.paused = false;
     pipeline_.pausedForPosters = false;
+    postersOpen_ = false;
     resume();
   } else {
     pause();
   }
+  storePosition();
 }
 
 /// setVideoPlaying(false) ends the user's pause too, so it goes first.
@@ -69,10 +78,54 @@ void Play::resume() {
   pacing_.frameIntervalUs = 0;
   timer_.reset();
   pipeline_.audioClock().set(pacing_.lastPositionUs);
+  if (std::exchange(audioClosedForBrowser_, false) && pipeline_.audioOutput() != nullptr) {
+    pipeline_.audioOutput()->reopen();
+    pipeline_.audioOutput()->flush();
+  }
   if (display_ == nullptr) return;
   display_->setVideoPlaying(true);
   display_->setVideoPaused(false);
   display_->showSeekBar();
+}
+
+void Play::openPosters() {
+  if (display_ == nullptr) return;
+  if (postersOpen_ && display_->stripShown()) return closePosters();
+  display_->alignWithItem(path_);
+  postersOpen_ = true;
+  if (!paused()) {
+    pipeline_.paused = true;
+    pipeline_.pausedForPosters = true;
+    AudioOutput* output = pipeline_.audioOutput();
+    if (output != nullptr && seriesRootOf(path_)) {
+      output->flush();
+      output->close();
+      audioClosedForBrowser_ = true;
+    }
+    display_->setVideoPlaying(false);
+  }
+  display_->showStrip();
+  storePosition();
+}
+
+void Play::closePosters() {
+  postersOpen_ = false;
+  if (display_ != nullptr) display_->hideStrip();
+  if (!pipeline_.pausedForPosters) return;
+  pipeline_.pausedForPosters = false;
+  pipeline_.paused = false;
+  resume();
+}
+
+void Play::playSelection() {
+  if (display_ == nullptr) return;
+  nextPath_ = selectedItem(*display_, Console::Told);
+  if (!nextPath_) return;
+  pipeline_.paused = false;
+  pipeline_.pausedForPosters = false;
+  display_->clearError();
+  display_->dismissError();
+  stopItem();
 }
 
 void Play::requestSeek(std::int64_t positionUs) {
@@ -126,6 +179,7 @@ void Play::repauseWhenDue() {
 }
 
 void Play::goHome() {
+  storePosition();
   exitAt_ = Clock::now();
   // The pause also makes the audio thread empty the device.
   pipeline_.paused = true;
@@ -143,6 +197,11 @@ void Play::previousItem() {
 void Play::pressVolume(VolumeKey key) {
   heldVolumeKey_ = key;
   volumeStep(true);
+}
+
+void Play::releaseVolume() {
+  heldVolumeKey_ = VolumeKey::None;
+  if (const AudioOutput* output = pipeline_.audioOutput()) output->storeVolume();
 }
 
 void Play::volumeHoldStep(bool showBar) {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/process_flags.h"
+#include "state/state_store.h"
 #include "video/sound/channel_rules.h"
 
 namespace tavek {
@@ -45,7 +46,8 @@ void prepare(snd_pcm_t* pcm) {
 }  // namespace
 
 AudioOutput::AudioOutput(const AVCodecParameters* codecParameters, std::string key, SoundMode soundMode)
-    : key_(std::move(key)), volume_(firstVolume(std::nullopt)) {
+    : key_(std::move(key)),
+      volume_(firstVolume(key_.empty() ? std::nullopt : StateStore::instance().playbackVolume(key_))) {
   if (codecParameters == nullptr) throw std::runtime_error("AudioOutput: null codec parameters");
   if (codecParameters->sample_rate >= 1) outputRate_ = codecParameters->sample_rate;
 
@@ -62,11 +64,20 @@ AudioOutput::AudioOutput(const AVCodecParameters* codecParameters, std::string k
                           ? AV_SAMPLE_FMT_S16
                           : static_cast<AVSampleFormat>(codecParameters->format);
   resampler_.emplace(layout, format, outputRate_, device_.outputChannels, outputRate_);
-  bass_ = designBassShelf(0.0, outputRate_, device_.outputChannels);
-  treble_ = designTrebleShelf(0.0, outputRate_, device_.outputChannels);
+  if (!key_.empty()) {
+    trebleDb_ = StateStore::instance().audioParamA(key_).value_or(0);
+    bassDb_ = StateStore::instance().audioParamB(key_).value_or(0);
+  }
+  bass_ = designBassShelf(bassDb_, outputRate_, device_.outputChannels);
+  treble_ = designTrebleShelf(trebleDb_, outputRate_, device_.outputChannels);
 }
 
 AudioOutput::~AudioOutput() {
+  if (!key_.empty()) {
+    storeVolume();
+    StateStore::instance().setAudioParamA(key_, trebleDb_);
+    StateStore::instance().setAudioParamB(key_, bassDb_);
+  }
   if (!device_.pcm) return;
   if (stopSignalled) {
     snd_pcm_drop(device_.pcm.get());
@@ -156,6 +167,15 @@ void AudioOutput::flush() {
   if (const int result = snd_pcm_drop(pcm); result < 0) snd_pcm_recover(pcm, result, 1);
   prepare(pcm);
   framesBeforeStart_ = 0;
+}
+
+void AudioOutput::adjustVolume(double deltaDb) {
+  tavek::adjustVolume(volume_, deltaDb);
+  storeVolume();
+}
+
+void AudioOutput::storeVolume() const {
+  if (!key_.empty()) StateStore::instance().setPlaybackVolume(key_, volume_.volumeDb);
 }
 
 void AudioOutput::close() {

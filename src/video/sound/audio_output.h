@@ -29,7 +29,8 @@ namespace tavek {
 /// takes no lock: its words are relaxed atomics.
 class AudioOutput {
  public:
-  /// The key is the item's path, empty for a theme. Throws std::runtime_error when no device can be had.
+  /// The key is the item's path, under which its volume is kept; empty for a theme, which keeps none. Throws
+  /// std::runtime_error when no device can be had.
   AudioOutput(const AVCodecParameters* codecParameters, std::string key, SoundMode soundMode);
   /// Plays what is queued to its end, unless a signal has come.
   ~AudioOutput();
@@ -48,7 +49,8 @@ class AudioOutput {
   /// The sound that is queued and not yet heard, in microseconds; 0 when that is not known.
   std::int64_t delayUs();
 
-  void adjustVolume(double deltaDb) { tavek::adjustVolume(volume_, deltaDb); }
+  void adjustVolume(double deltaDb);
+  void storeVolume() const;
   double volumeCeilingDb() const { return tavek::volumeCeilingDb(volume_); }
   double volumeDb() const { return volume_.volumeDb; }
 
@@ -65,6 +67,8 @@ class AudioOutput {
   int outputRate_ = 48000;
   PlaybackDevice device_;
   std::optional<Resampler> resampler_;
+  double trebleDb_ = 0;
+  double bassDb_ = 0;
   Shelf bass_;
   Shelf treble_;
   std::vector<std::int16_t> block_;

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+#include "video/demultiplex/error.h"
+
+namespace tavek {
+
+/// The line on stderr for an item that could not be played.
+void tellFailed(const std::string& path, const ffmpeg::Error& error);
+
+}  // namespace tavek

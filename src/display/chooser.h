@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <SDL.h>
+
+#include "display/chooser_layout.h"
+#include "display/frame_context.h"
+#include "display/toolkit/colour.h"
+
+namespace tavek {
+
+/// What the discs show beside the users.
+struct ChooserInput {
+  const std::vector<std::string>& roomLabels;
+  std::size_t roomIndex = 0;
+  bool homeMode = true;
+  bool stripOn = false;                  ///< the poster strip in any state but closed
+  std::optional<Uint64> folderChangeAt;  ///< a user was confirmed then
+};
+
+/// The home screen: a disc for each user, and the name of the selected room in the selected one.
+class Chooser {
+ public:
+  /// The users, and the one under the cursor.
+  void setUsers(std::vector<std::string> names, std::size_t index);
+  const std::vector<std::string>& users() const { return userNames_; }
+  std::size_t userIndex() const { return userIndex_; }
+  /// False at the ends of the list.
+  bool moveUser(int delta);
+
+  void startFadeIn(Uint64 nowMs) { fadeInAt_ = nowMs; }
+  void endFadeIn() { fadeInAt_.reset(); }
+  /// The keys are explained on the first home screen of a run only.
+  void showHint(Uint64 nowMs);
+  void setArrows(bool up, bool down);
+
+  void draw(const FrameContext& frame, const ChooserInput& input);
+
+ private:
+  double strength(const FrameContext& frame, const ChooserInput& input);
+  void drawRoom(const FrameContext& frame, const ChooserInput& input, const UserDisc& disc,
+                double strength) const;
+  void drawArrows(SDL_Renderer* renderer, const ChooserInput& input, const RoomBox& room,
+                  double strength) const;
+  Colour arrowColour(const ChooserInput& input, bool up) const;
+  void drawNames(const FrameContext& frame, const ChooserLayout& layout, double strength) const;
+  void drawHints(const FrameContext& frame, const ChooserInput& input, int top, double strength);
+
+  std::vector<std::string> userNames_;
+  std::size_t userIndex_ = 0;
+  std::optional<Uint64> fadeInAt_;
+  std::optional<Uint64> hintShownAt_;
+  bool hintShownOnce_ = false;   ///< it was on the screen
+  bool roomUpArrowLit_ = false;  ///< its key is down
+  bool roomDownArrowLit_ = false;
+};
+
+}  // namespace tavek

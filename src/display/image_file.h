@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <span>
+
+#include <SDL.h>
+
+#include "display/toolkit/sdl_handles.h"
+
+/// Pictures from files that nobody has vetted: they may be cut short, or claim a size that no machine can
+/// hold. May be called from every thread, once SDL_image is initialised.
+namespace tavek {
+
+/// The width and height that the head of a JPEG, PNG, WebP or GIF file tells; none for anything else.
+std::optional<SDL_Point> pictureSizeOf(std::span<const std::byte> bytes);
+
+/// The picture as RGBA32, or null with the reason in SDL_GetError. Decodes nothing of more than 64 million
+/// pixels.
+SurfacePtr loadImage(const std::filesystem::path& file);
+
+/// The picture made smaller to fit the height, in its proportions; never larger. Null only without memory.
+SurfacePtr fittedToHeight(SurfacePtr picture, int height);
+
+}  // namespace tavek

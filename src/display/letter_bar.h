@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <SDL.h>
+
+#include "display/frame_context.h"
+
+namespace tavek {
+
+inline constexpr std::string_view letterAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+
+/// The cell of the first letter or digit in a text, in any case; that of A without one.
+std::size_t letterCellOf(std::string_view text);
+
+/// The bar across the top of the screen from which posters are reached by their first letters. After each
+/// change of the typed text the poster that it means is to be selected.
+class LetterBar {
+ public:
+  bool armed() const { return armed_; }
+  bool open() const { return open_; }
+  const std::string& typedText() const { return typedText_; }
+
+  /// The next step up opens the bar.
+  void arm() { armed_ = true; }
+  void disarm() { armed_ = false; }
+  /// Slides in, at the letter of what was typed or of the selected poster's name.
+  void openAt(std::string_view posterName, Uint64 nowMs);
+  /// Slides out and forgets what was typed.
+  void close(Uint64 nowMs);
+  /// One cell to the side; the ends do not wrap.
+  void step(int delta);
+  void type(char character);
+  void erase();
+  /// Closed at once, with nothing typed.
+  void reset() { *this = {}; }
+
+  void draw(const FrameContext& frame) const;
+
+ private:
+  double reveal(Uint64 nowMs) const;
+  void setText(std::string text);
+
+  bool armed_ = false;
+  bool open_ = false;
+  Uint64 slideAt_ = 0;  ///< when it was last opened or closed
+  std::size_t cell_ = 0;
+  std::string typedText_;
+};
+
+}  // namespace tavek

@@ -1,0 +1,255 @@
+#include "display/posters.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "base/text.h"
+#include "display/strip_layout.h"
+#include "library/episode_name.h"
+#include "library/media_paths.h"
+#include "library/titles.h"
+#include "state/state_store.h"
+#include "video/demultiplex/file_types.h"
+
+namespace tavek {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Textures that make up the first screenful.
+constexpr std::size_t posterTarget = postersOnScreen;
+constexpr Uint64 textureCheckMs = 500;
+constexpr int leastWidth = 50;
+
+/// Asks the store for marks, once per folder in a pass over a whole list.
+class Marks {
+ public:
+  explicit Marks(const fs::path& openFolder)
+      : byFolder_(seriesRootOf(openFolder).has_value() && seriesDepth(openFolder) <= 1) {}
+
+  bool of(const fs::path& path, const std::string& media) {
+    if (!byFolder_) return !media.empty() && StateStore::instance().isWatched(media);
+    const fs::path folder = path.parent_path();
+    const auto [known, isNew] = folders_.try_emplace(folder.string(), false);
+    if (isNew) known->second = StateStore::instance().hasWatchedBelow(folder);
+    return known->second;
+  }
+
+ private:
+  const bool byFolder_;
+  std::unordered_map<std::string, bool> folders_;
+};
+
+int widthAt(SDL_Texture* texture, int height) {
+  int textureWidth = 0;
+  int textureHeight = 0;
+  if (SDL_QueryTexture(texture, nullptr, nullptr, &textureWidth, &textureHeight) != 0 || textureHeight < 1)
+    return 0;
+  return std::max(leastWidth, textureWidth * height / textureHeight);
+}
+
+/// What the viewer reads on a tile of a series room: a folder's name, or an episode's title.
+std::string shownName(const fs::path& tile) {
+  if (!isVideoFile(tile)) return toLower(tile.parent_path().filename().string());
+  const std::string stem = tile.stem().string();
+  const EpisodeLabel label = episodeLabelOf(stem);
+  return toLower(label.episode.empty() ? stem : label.title);
+}
+
+bool sameFile(const std::string& poster, const fs::path& media) {
+  std::error_code ignored;
+  return fs::equivalent(poster, media, ignored);
+}
+
+}  // namespace
+
+bool Posters::isOpen(const fs::path& path) const {
+  const fs::path folder = path.lexically_normal();
+  if (loader_.loading(folder)) return true;
+  const std::size_t loaded = page_.posters.size() + loader_.pendingCount();
+  return page_.folder == folder && !page_.posters.empty() && loaded >= loader_.posterTotal();
+}
+
+void Posters::openPosterFolder(SDL_Renderer* renderer, const fs::path& path) {
+  if (renderer == nullptr || isOpen(path)) return;
+  const fs::path folder = path.lexically_normal();
+  leavePage();
+  if (returnTo(folder)) return;
+  page_ = {};
+  page_.folder = folder;
+  loader_.start(folder);
+}
+
+/// A page that is not complete is not worth keeping: it is loaded anew on return.
+void Posters::leavePage() {
+  page_.backlog = loader_.stop();
+  const std::size_t total = page_.backlog.posterTotal;
+  const bool complete = total > 0 && page_.posters.size() + page_.backlog.pendingPosters.size() >= total;
+  if (complete) folderPages_[page_.folder.string()] = std::move(page_);
+}
+
+bool Posters::returnTo(const fs::path& folder) {
+  auto page = folderPages_.extract(folder.string());
+  if (page.empty()) return false;
+  page_ = std::move(page.mapped());
+  loader_.restore(std::exchange(page_.backlog, {}));
+  refreshWatchedBits();
+  return true;
+}
+
+void Posters::takePendingPosters(SDL_Renderer* renderer, int height, int count) {
+  if (renderer == nullptr || height < 1) return;
+  for (; count > 0; --count) {
+    std::optional<PendingPoster> pending = loader_.takePending();
+    if (!pending) break;
+    add(renderer, std::move(*pending), height);
+  }
+  if (loader_.pendingCount() == 0 || page_.posters.size() >= posterTarget) page_.ready = true;
+}
+
+void Posters::add(SDL_Renderer* renderer, PendingPoster pending, int height) {
+  Poster poster{.texture = TexturePtr(SDL_CreateTextureFromSurface(renderer, pending.surface.get())),
+                .path = std::move(pending.poster.path),
+                .media = std::move(pending.poster.media),
+                .key = std::move(pending.poster.key)};
+  if (!poster.texture) return;
+  poster.watched = Marks(page_.folder).of(poster.path, poster.media);
+  poster.width = widthAt(poster.texture.get(), height);
+  const bool wanted = meetsGoal(poster);
+  page_.posters.push_back(std::move(poster));
+  if (wanted || page_.selected < 0) select(wanted ? static_cast<int>(page_.posters.size()) - 1 : 0);
+}
+
+void Posters::refreshWatchedBits() {
+  Marks marks(page_.folder);
+  for (Poster& poster : page_.posters) poster.watched = marks.of(poster.path, poster.media);
+}
+
+void Posters::clear() {
+  loader_.stop();
+  page_ = {};
+  folderPages_.clear();
+}
+
+std::size_t Posters::stripScroll() const {
+  return stripScrollFor(page_.selected, page_.posters.size());
+}
+
+void Posters::selectPoster(int index) {
+  goal_ = {};
+  select(index);
+}
+
+void Posters::select(int index) {
+  const int count = static_cast<int>(page_.posters.size());
+  page_.selected = count > 0 ? std::clamp(index, 0, count - 1) : -1;
+}
+
+void Posters::clearSelection() {
+  goal_ = {};
+  page_.selected = -1;
+}
+
+void Posters::waitForTitle(std::string title) {
+  goal_ = {};
+  goal_.waitingKey = std::move(title);
+}
+
+void Posters::selectPosterFor(const fs::path& media) {
+  goal_ = {};
+  if (media.empty()) return;
+  const auto series = seriesFolderOf(media);
+  const bool bySeries = series && (seriesRoom() || seriesDepth(page_.folder) == 0);
+  goal_.media = media.string();
+  goal_.selectionKey = matchKeyOf(bySeries ? *series : media);
+  goal_.waitingKey = goal_.selectionKey.raw;
+  int found = findMedia(media);
+  if (found >= 0) return selectPoster(found);
+
+  found = findKey(goal_.selectionKey);
+  if (found < 0) {
+    const std::string title = posterTitleKey(media.parent_path());
+    found = findKey(makeMatchKey(title));
+    if (found < 0 && !title.empty()) goal_.waitingKey = title;
+  }
+  goal_.nameFound = found >= 0;
+  if (goal_.nameFound) select(found);
+}
+
+bool Posters::meetsGoal(const Poster& poster) {
+  if (goal_.waitingKey.empty()) return false;
+  if (!goal_.media.empty() && poster.media == goal_.media) {
+    goal_ = {};
+    return true;
+  }
+  if (goal_.nameFound) return false;
+  goal_.nameFound = goal_.selectionKey.raw.empty() ? poster.key.raw == goal_.waitingKey
+                                                   : keysMatch(poster.key, goal_.selectionKey);
+  return goal_.nameFound;
+}
+
+bool Posters::seriesRoom() const {
+  return seriesRootOf(page_.folder).has_value();
+}
+
+/// One file may be known under two paths, through a linked folder for instance; its name is then the same,
+/// and only such pairs are worth a question to the disk.
+int Posters::findMedia(const fs::path& media) const {
+  const std::string text = media.string();
+  const std::string name = media.filename().string();
+  const auto first = page_.posters.begin();
+  const auto indexOf = [&](auto found) {
+    return found == page_.posters.end() ? -1 : static_cast<int>(found - first);
+  };
+  const int equal = indexOf(std::ranges::find(page_.posters, text, &Poster::media));
+  if (equal >= 0) return equal;
+  return indexOf(std::ranges::find_if(page_.posters, [&](const Poster& poster) {
+    return poster.media.ends_with(name) && sameFile(poster.media, media);
+  }));
+}
+
+int Posters::findKey(const MatchKey& key) const {
+  if (key.raw.empty()) return -1;
+  const auto found =
+      std::ranges::find_if(page_.posters, [&](const Poster& poster) { return keysMatch(poster.key, key); });
+  return found == page_.posters.end() ? -1 : static_cast<int>(found - page_.posters.begin());
+}
+
+bool Posters::selectPosterByVoice(std::string_view text) {
+  const std::string query = normalizeTitle(text);
+  if (query.empty()) return false;
+  const bool series = seriesRoom();
+  const auto found = std::ranges::find_if(page_.posters, [&](const Poster& poster) {
+    return matchesQuery(poster.key, poster.path, series, query, false);
+  });
+  if (found == page_.posters.end()) return false;
+  selectPoster(static_cast<int>(found - page_.posters.begin()));
+  return true;
+}
+
+void Posters::jumpToTyped(std::string_view text) {
+  if (text.empty()) return;
+  const std::string query = toLower(text);
+  const bool lettersOnly = !isAsciiDigit(query.front());
+  const bool series = seriesRoom();
+  const auto found = std::ranges::find_if(page_.posters, [&](const Poster& poster) {
+    const MatchKey key = series ? makeMatchKey(shownName(poster.path)) : poster.key;
+    return matchesQuery(key, poster.path, false, query, lettersOnly);
+  });
+  if (found != page_.posters.end()) selectPoster(static_cast<int>(found - page_.posters.begin()));
+}
+
+void Posters::dropBadTextures(Uint64 nowMs) {
+  if (nowMs < lastTextureCheckAt_ + textureCheckMs) return;
+  lastTextureCheckAt_ = nowMs;
+  for (Poster& poster : page_.posters) {
+    int height = 0;
+    if (poster.texture && SDL_QueryTexture(poster.texture.get(), nullptr, nullptr, nullptr, &height) == 0 &&
+        height > 0)
+      continue;
+    poster.texture.reset();
+    poster.width = 0;
+  }
+}
+
+}  // namespace tavek

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tavek {
+
+/// As the home screen names a room: its folder's name, or "library" for a path without one.
+std::string roomLabel(const std::filesystem::path& room);
+
+/// The room that a stored hint means: a path, or the name by which the state files know a room. Without such
+/// a room `current` stays, if there is one of that number; else the films come first, then the videos.
+std::size_t roomFor(const std::vector<std::filesystem::path>& rooms, const std::string& hint,
+                    std::size_t current);
+
+/// The rooms of the library, and the selected one.
+class Rooms {
+ public:
+  /// Reads the library anew; the selected room stays selected if it is still there.
+  void reload();
+  /// Selects the room that the hint means.
+  void choose(const std::string& hint) { index_ = roomFor(folders_, hint, index_); }
+  void select(std::size_t index) { index_ = index; }
+
+  const std::vector<std::filesystem::path>& folders() const { return folders_; }
+  std::size_t index() const { return index_; }
+  /// The selected room; the place of the films if there is none, whether it exists or not.
+  std::filesystem::path current() const;
+  std::vector<std::string> labels() const;
+
+ private:
+  std::vector<std::filesystem::path> folders_;
+  std::size_t index_ = 0;
+};
+
+}  // namespace tavek

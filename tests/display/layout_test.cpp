@@ -1,0 +1,133 @@
+// Where the discs and posters lie, and what their labels say.
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "display/chooser_layout.h"
+#include "display/letter_bar.h"
+#include "display/rooms.h"
+#include "display/strip_layout.h"
+#include "support/media_root.h"
+#include "support/offscreen.h"
+
+namespace tavek {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string text(const SDL_Rect& rect) {
+  return std::to_string(rect.x) + "," + std::to_string(rect.y) + " " + std::to_string(rect.w) + "x" +
+         std::to_string(rect.h);
+}
+
+TEST(ChooserLayout, DiscsAreAsLargeAsTheirRowsAllow) {
+  const struct {
+    int users, width, height, rows;
+    const char* discs;  ///< the first and the last: centre and radius
+  } cases[] = {
+      {0, 1920, 1080, 1, ""},
+      {1, 1920, 1080, 1, "960,540 360 960,540 360"},
+      {2, 1920, 1080, 1, "534,540 360 1386,540 360"},
+      {5, 1920, 1080, 2, "392,324 185 1386,756 185"},
+      {9, 1920, 1080, 2, "278,324 140 1599,756 140"},
+      {3, 1080, 1920, 3, "540,392 253 540,1528 253"},
+      {40, 320, 240, 5, "55,56 8 265,184 8"},
+  };
+  for (const auto& c : cases) {
+    const ChooserLayout layout = layoutChooser(c.users, c.width, c.height);
+    std::string discs;
+    for (const UserDisc& disc : layout.discs) {
+      if (&disc != &layout.discs.front() && &disc != &layout.discs.back()) continue;
+      const std::string one = std::to_string(disc.centre.x) + "," + std::to_string(disc.centre.y) + " " +
+                              std::to_string(disc.radius);
+      discs += (discs.empty() ? "" : " ") + one + (layout.discs.size() == 1 ? " " + one : "");
+    }
+    EXPECT_EQ(layout.rows, c.rows) << c.users;
+    EXPECT_EQ(discs, c.discs) << c.users;
+  }
+}
+
+TEST(ChooserLayout, RoomBoxHoldsTheWidestNameAndItsArrows) {
+  const RoomBox large = layoutRoomBox({{534, 540}, 360, 72}, {60, 50});
+  EXPECT_EQ(text(large.box), "438,677 192x86");
+  EXPECT_EQ(std::to_string(large.text.x) + "," + std::to_string(large.text.y), "468,695");
+  EXPECT_EQ(large.arrowHeight, 21);
+  EXPECT_EQ(large.arrows.x, 438 + 192 - 42 - 30);
+  const RoomBox small = layoutRoomBox({{100, 100}, 40, 8}, {20, 12});
+  EXPECT_EQ(text(small.box), "79,112 42x16");
+  EXPECT_EQ(small.arrowWidth * 100 + small.arrowHeight * 10 + small.arrowGap, 842);
+}
+
+TEST(StripLayout, SelectionStandsOutInItsSlot) {
+  const std::vector<int> widths{160, 0, 160, 600, 50};
+  const StripLayout layout = layoutStrip(widths, 2, 1920, 756);
+  std::string slots;
+  for (std::size_t i = 0; i < layout.count; ++i)
+    slots += std::to_string(layout.slots[i].index) + ":" + text(layout.slots[i].rect) + " ";
+  EXPECT_EQ(slots, "0:5,798 160x240 2:177,768 200x300 3:384,884 171x68 4:615,798 50x240 ");
+  const StripLayout wide = layoutStrip(std::vector<int>{600}, 0, 1920, 756);
+  EXPECT_EQ(text(wide.slots[0].rect), "0,875 213x85") << "never beyond its slot";
+}
+
+TEST(StripLayout, ListScrollsUnderTheSelection) {
+  const struct {
+    int selected;
+    std::size_t count, scroll;
+  } cases[] = {{-1, 0, 0}, {10, 11, 0}, {5, 12, 0}, {6, 12, 1}, {11, 12, 1}, {50, 500, 45}, {499, 500, 489}};
+  for (const auto& c : cases)
+    EXPECT_EQ(stripScrollFor(c.selected, c.count), c.scroll) << c.selected << " of " << c.count;
+}
+
+TEST(StripLayout, StripRisesWithin120Milliseconds) {
+  StripState strip{.visible = true, .sliding = true, .slidingIn = true, .slideAt = 1000};
+  EXPECT_EQ(stripReveal(strip, 900), 0);
+  EXPECT_EQ(stripReveal(strip, 1060), 0.5);
+  EXPECT_EQ(stripReveal(strip, 5000), 1);
+  EXPECT_EQ(stripTop(1080, 0.5), 918);
+  strip.slidingIn = false;
+  EXPECT_EQ(stripReveal(strip, 1030), 0.75);
+  EXPECT_EQ(stripReveal({}, 1030), 0);
+}
+
+TEST(StripLayout, LabelsTellSeasonAndEpisode) {
+  const struct {
+    int depth;
+    const char *poster, *label;
+  } cases[] = {{0, "/tv/Show/poster.jpg", ""},
+               {1, "/tv/Show/Specials/poster.jpg", "Season 0"},
+               {1, "/tv/Show/S02/poster.jpg", "Season 2"},
+               {1, "/tv/Show/Extras/poster.jpg", ""},
+               {2, "/tv/Show/Season 2/S02E05 Pilot.mkv", "Season 2, 05 Pilot"},
+               {2, "/tv/Show/Season 2/S02E05.mkv", "Season 2, 05"},
+               {2, "/tv/Show/Season 2/Pilot.mkv", ""}};
+  for (const auto& c : cases) EXPECT_EQ(stripLabel(c.depth, c.poster), c.label) << c.poster;
+}
+
+TEST(LetterBar, StartsAtTheSelectedName) {
+  LetterBar bar;
+  bar.openAt("(500) Days", 0);
+  EXPECT_EQ(bar.typedText(), "5");
+  bar.step(-9);
+  EXPECT_EQ(bar.typedText(), "0") << "no wrap";
+  bar.type('Q');
+  bar.erase();
+  bar.erase();
+  EXPECT_EQ(bar.typedText(), "");
+  EXPECT_EQ(letterCellOf("\xC3\xA9.-"), 10U) << "A where there is no letter";
+}
+
+TEST(Rooms, StoredRoomIsFound) {
+  const std::vector<fs::path> rooms{"/m/Kids", "/m/Movies", "/m/Series", "/m/music"};
+  const struct {
+    const char* hint;
+    std::size_t current, room;
+  } cases[] = {{"kids", 1, 0}, {"movies", 0, 1}, {"tv", 0, 2},        {"gone", 3, 3},
+               {"", 2, 2},     {"", 9, 1},       {"/m/Series/", 0, 2}};
+  for (const auto& c : cases) EXPECT_EQ(roomFor(rooms, c.hint, c.current), c.room) << c.hint << c.current;
+  EXPECT_EQ(roomFor(rooms, (test::library.path() / "KIDS/x").string(), 1), 0U);
+  EXPECT_EQ(roomFor({}, "tv", 0), 0U);
+  EXPECT_EQ(roomLabel("/m/Series") + roomLabel("/m/Kids") + roomLabel("/"), "tvKidslibrary");
+}
+
+}  // namespace
+}  // namespace tavek

@@ -1,0 +1,134 @@
+#include "display/posters.h"
+
+#include <fstream>
+#include <thread>
+
+#include <SDL_image.h>
+#include <gtest/gtest.h>
+
+#include "base/process_flags.h"
+#include "display/image_file.h"
+#include "state/state_store.h"
+#include "support/media_root.h"
+#include "support/offscreen.h"
+
+namespace tavek {
+namespace {
+
+namespace fs = std::filesystem;
+
+class PostersTest : public testing::Test {
+ protected:
+  PostersTest() {
+    for (const auto& entry : fs::directory_iterator(test::library.path())) fs::remove_all(entry.path());
+  }
+  ~PostersTest() override { posters.clear(); }
+
+  static fs::path at(const std::string& name) { return test::library.path() / name; }
+  static void write(const std::string& name, const std::string& bytes = "x") {
+    fs::create_directories(at(name).parent_path());
+    std::ofstream(at(name), std::ios::binary) << bytes;
+  }
+  static std::string png(int width, int height) {
+    const SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_RGBA32));
+    SDL_FillRect(surface.get(), nullptr, theme::accent);
+    std::string bytes(100'000, '\0');
+    SDL_RWops* stream = SDL_RWFromMem(bytes.data(), static_cast<int>(bytes.size()));
+    IMG_SavePNG_RW(surface.get(), stream, 0);
+    bytes.resize(static_cast<std::size_t>(SDL_RWtell(stream)));
+    SDL_RWclose(stream);
+    return bytes;
+  }
+  static void addFilm(const std::string& name) {
+    write("movies/" + name + ".mkv");
+    write("movies/" + name + ".png", png(200, 300));
+  }
+  /// Opens a folder and takes its tiles until no more come.
+  void load(const std::string& folder) {
+    posters.openPosterFolder(screen.renderer(), at(folder));
+    while (!posters.posterListComplete()) take();
+    take();
+  }
+  void take() { posters.takePendingPosters(screen.renderer(), 240, 99); }
+  /// "name:width" of each poster, with * for a watched one and > for the selected one.
+  std::string shown() const {
+    std::string text;
+    for (const Poster& poster : posters.list()) {
+      const bool selected =
+          &poster == &posters.list()[static_cast<std::size_t>(std::max(posters.selectedPoster(), 0))];
+      text += (selected && posters.selectedPoster() >= 0 ? ">" : "") +
+              poster.path.lexically_relative(at("")).string() + ":" + std::to_string(poster.width) +
+              (poster.watched ? "* " : " ");
+    }
+    return text;
+  }
+
+  test::Offscreen screen;
+  Posters posters;
+};
+
+TEST_F(PostersTest, OnlyPicturesThatCanBeShownComeIntoTheList) {
+  const std::string good = png(400, 600);
+  std::string liar = good;
+  liar.replace(16, 8, std::string("\0\2\0\0\0\2\0\0", 8));  // 131,072 pixels each way
+  addFilm("b");
+  for (const char* name : {"cut", "empty", "liar", "wide"}) write(std::string("movies/") + name + ".mkv");
+  write("movies/cut.png", good.substr(0, good.size() / 2));
+  write("movies/empty.png", "");
+  write("movies/liar.png", liar);
+  write("movies/wide.jpg", png(1000, 100));
+  load("movies");
+  EXPECT_EQ(shown(), ">movies/b.png:160 movies/wide.jpg:2400 ");
+  const SurfacePtr fitted = fittedToHeight(loadImage(at("movies/b.png")), 100);
+  EXPECT_TRUE(fitted && fitted->w == 66 && fitted->h == 100);
+}
+
+TEST_F(PostersTest, FoldersOfSeriesHaveTilesWithoutPictures) {
+  write("tv/Show B/S01/S01E01.mkv");
+  write("tv/Show A/Season 2/S02E01 x.mkv", "no film");
+  write("tv/Show A/poster.jpg", "no picture");
+  load("tv");
+  EXPECT_EQ(shown(), ">tv/Show A/poster.jpg:160 tv/Show B/poster.jpg:160 ");
+  StateStore::instance().markWatched(at("tv/Show B/S01/S01E01.mkv").string(), true, "");
+  posters.refreshWatchedBits();
+  EXPECT_EQ(shown(), ">tv/Show A/poster.jpg:160 tv/Show B/poster.jpg:160* ");
+  load("tv/Show A");
+  EXPECT_EQ(shown(), ">tv/Show A/Season 2/poster.jpg:160 ");
+  EXPECT_TRUE(fs::exists(at("tv/Show A/Season 2/playback.json")));
+  load("tv/Show A/Season 2");
+  EXPECT_EQ(shown(), ">tv/Show A/Season 2/S02E01 x.mkv:160 ");
+  fs::remove_all(at("tv"));
+  posters.openPosterFolder(screen.renderer(), at("tv"));
+  EXPECT_EQ(posters.list().size(), 2U) << "a folder that was loaded before comes back at once";
+}
+
+TEST_F(PostersTest, SelectionGoesToTheFilmThatPlays) {
+  for (const char* name : {"alien", "aliens", "brazil"}) addFilm(name);
+  posters.openPosterFolder(screen.renderer(), at("movies"));
+  posters.selectPosterFor(at("movies/aliens.mkv"));
+  load("movies");
+  EXPECT_EQ(shown(), "movies/alien.png:160 >movies/aliens.png:160 movies/brazil.png:160 ");
+  posters.selectPosterFor(at("movies/elsewhere/Brazil (1985).mkv"));
+  EXPECT_EQ(posters.selectedPoster(), 2) << "by its name";
+  EXPECT_TRUE(posters.selectPosterByVoice("Alien!"));
+  EXPECT_EQ(posters.selectedPoster(), 0);
+  EXPECT_FALSE(posters.selectPosterByVoice("zardoz"));
+}
+
+TEST_F(PostersTest, LoadingStopsWhenTheFolderIsLeftOrGone) {
+  for (int i = 0; i < 60; ++i) addFilm("film " + std::to_string(i));
+  write("kids/a.mkv");
+  posters.openPosterFolder(screen.renderer(), at("movies"));
+  posters.openPosterFolder(screen.renderer(), at("kids"));
+  EXPECT_TRUE(posters.list().empty());
+  posters.openPosterFolder(screen.renderer(), at("movies"));
+  fs::remove_all(at("movies"));
+  while (!posters.posterListComplete()) take();
+  take();
+  EXPECT_LE(posters.list().size(), 60U);
+  posters.openPosterFolder(screen.renderer(), at("nowhere"));
+  EXPECT_TRUE(posters.posterListComplete() && posters.list().empty());
+}
+
+}  // namespace
+}  // namespace tavek
