@@ -99,7 +99,8 @@ class Display {
   void goHome(bool refresh);
   /// The home screen's loop, until a user with a room was chosen or the program is to end.
   void runChooser();
-  void leaveHome() { flags_.homeMode = false; }
+  /// An item takes the screen.
+  void leaveHome();
   /// Drops what was pressed and not yet looked at.
   void discardInput();
   void selectRoomForPath(const std::filesystem::path& path);

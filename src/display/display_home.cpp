@@ -86,6 +86,13 @@ void Display::openChooser() {
   if (chooserPausedPlayback_) pendingPauseChooser_ = true;
 }
 
+void Display::leaveHome() {
+  flags_.homeMode = false;
+  flags_.chooserOpen = false;
+  chooserPausedPlayback_ = false;
+  folderChange_.reset();
+}
+
 /// A film that the discs have paused goes on.
 void Display::closeChooser() {
   flags_.chooserOpen = false;

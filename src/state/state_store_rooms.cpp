@@ -29,7 +29,7 @@ void movePlaybackFile(const std::string& old, const std::string& now) {
   const fs::path from = playbackFileOf(old);
   const fs::path to = playbackFileOf(now);
   std::error_code ignored;
-  if (from == to || !fs::exists(from, ignored)) return;
+  if (!fs::exists(from, ignored)) return;
   fs::create_directories(to.parent_path(), ignored);
   fs::rename(from, to, ignored);
 }

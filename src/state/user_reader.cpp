@@ -137,14 +137,11 @@ RoomState readRoom(const std::string& object, bool& changed) {
 }
 
 void repairRoom(UserProfile& profile, RoomState& block, std::string_view name, bool& changed) {
-  if (!block.playing || block.playing->empty()) {
-    if (block.seek) dropPlaying(block, changed);
-    return;
-  }
+  if (!block.playing) return;
   const std::string home = normalizeRoomName(roomNameOfMedia(*block.playing));
   if (home == normalizeRoomName(name)) return;
   RoomState& right = roomStateOf(profile, home);
-  if (!right.playing || right.playing->empty()) {
+  if (!right.playing) {
     right.playing = block.playing;
     right.seek = block.seek;
   } else if (right.playing == block.playing && !right.seek) {

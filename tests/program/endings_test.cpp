@@ -65,18 +65,18 @@ TEST_F(Endings, SignalsEndTheProgramAtItsStartAndWithNoScreen) {
 }
 
 TEST_F(Endings, BrokenFilesAreNamedAndTheOthersPlay) {
-  add("good.mkv", {.seconds = 1.5, .firstNumber = 1000});
-  add("cut.mkv", {.seconds = 4, .firstNumber = 2000});
-  add("last.mkv", {.seconds = 1.5, .firstNumber = 3000});
+  add("1/good.mkv", {.seconds = 1.5, .firstNumber = 1000});
+  add("2/cut.mkv", {.seconds = 4, .firstNumber = 2000});
+  add("3/last.mkv", {.seconds = 1.5, .firstNumber = 3000});
   add("headless.mp4", {.seconds = 1.5, .audio = "-c:a aac", .container = "mp4"});
   std::string noise;
   for (unsigned value = 1; noise.size() < 100'000;)
     noise += static_cast<char>((value = value * 69069 + 1) >> 24);
   rig::writeText(film("noise.mkv"), noise);
   rig::writeText(film("empty.mkv"), "");
-  fs::resize_file(film("cut.mkv"), fs::file_size(film("cut.mkv")) / 2 + 1);
+  fs::resize_file(film("2/cut.mkv"), fs::file_size(film("2/cut.mkv")) / 2 + 1);
   fs::resize_file(film("headless.mp4"), fs::file_size(film("headless.mp4")) / 2);
-  start({"good.mkv", "noise.mkv", "empty.mkv", "gone.mkv", "cut.mkv", "headless.mp4", "last.mkv"});
+  start({"1/good.mkv", "noise.mkv", "empty.mkv", "gone.mkv", "2/cut.mkv", "headless.mp4", "3/last.mkv"});
   expectEnd(20, false);
 
   std::size_t at = 0;

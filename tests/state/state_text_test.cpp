@@ -66,7 +66,7 @@ std::string migrated(const std::string& text) {
 
 TEST(StoredState, Migrates) {
   for (const auto& [text, expected] : table(R"(
-      A "mode":"Series" => *A:"mode":"tv" ;; A "Mode":"kids" => A:"mode":"kids" ;; A "mode":"" => *A:
+      A "mode":"Series" => *A:"mode":"tv" ;; A "Mode":"kids" => A:"mode":"kids" ;; A "mode":"" => *A: ;; A "mode":{} => A:
       A "x":{"seek":5} => *A:"x":{"watched":[]} ;; A "series":{"watched":["tv/a"]} => A:"tv":{"watched":["tv/a"]}
       A "series":{"playing":"tv/a"},"tv":{"watched":["tv/b"]} => A:"tv":{"watched":["tv/b"]}
       A "tvshows":{"Watched":["tv/b","tv/a"]} => A:"tv":{"watched":["tv/a","tv/b"]}

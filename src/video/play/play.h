@@ -87,7 +87,7 @@ class Play {
   void playSelection();
 
   void pause();
-  void resume();
+  void unpause();
   void requestSeek(std::int64_t positionUs);
   void pressVolume(VolumeKey key);
   void volumeStep(bool showBar);

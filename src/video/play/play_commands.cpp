@@ -54,10 +54,7 @@ void Play::togglePause() {
   if (toggleWatched()) return;
   seek_.pausedBefore = false;
   if (paused()) {
-    pipeline_.paused = false;
-    pipeline_.pausedForPosters = false;
-    postersOpen_ = false;
-    resume();
+    unpause();
   } else {
     pause();
   }
@@ -73,7 +70,11 @@ void Play::pause() {
   display_->showSeekBar();
 }
 
-void Play::resume() {
+/// Ends a pause of either kind: the workers stand still in both.
+void Play::unpause() {
+  pipeline_.paused = false;
+  pipeline_.pausedForPosters = false;
+  postersOpen_ = false;
   pacing_.resetClock = true;
   pacing_.frameIntervalUs = 0;
   timer_.reset();
@@ -111,10 +112,7 @@ void Play::openPosters() {
 void Play::closePosters() {
   postersOpen_ = false;
   if (display_ != nullptr) display_->hideStrip();
-  if (!pipeline_.pausedForPosters) return;
-  pipeline_.pausedForPosters = false;
-  pipeline_.paused = false;
-  resume();
+  if (pipeline_.pausedForPosters) unpause();
 }
 
 void Play::playSelection() {
@@ -164,8 +162,7 @@ void Play::seekCommit() {
     // Playing for a moment lets a picture of the new position come through.
     seek_.pausedBefore = false;
     seek_.repauseAt = Clock::now() + milliseconds(50);
-    pipeline_.paused = false;
-    resume();
+    unpause();
   } else if (paused()) {
     show();
     if (display_ != nullptr) display_->setVideoPaused(true);
