@@ -125,7 +125,8 @@ void Display::stepUp(Uint64 nowMs) {
   if (letterBar_.open()) return;
   if (!letterBar_.armed()) return letterBar_.arm();
   const Poster* poster = selectedPoster();
-  letterBar_.openAt(poster != nullptr ? poster->path.stem().string() : "", nowMs);
+  // By its title: many a poster's file is just called poster.jpg.
+  letterBar_.openAt(poster != nullptr ? poster->key.raw : "", nowMs);
   jumpToTyped();
 }
 

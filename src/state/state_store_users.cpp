@@ -31,10 +31,9 @@ std::string StateStore::activeName() const {
 }
 
 std::string StateStore::userOrActive(const std::string& user) const {
-  for (const std::string& name : {user, activeName(), loginName()}) {
-    if (!name.empty()) return name;
-  }
-  return "Alex";
+  std::string name = user.empty() ? activeName() : user;
+  if (name.empty()) name = loginName();
+  return name.empty() ? "Alex" : name;
 }
 
 UserProfile StateStore::profileOf(const std::string& name) const {

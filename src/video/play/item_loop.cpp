@@ -18,6 +18,8 @@ constexpr std::int64_t passMs = 16;
 std::optional<std::string> chooseAnother(Display& display, const std::string& path,
                                          const ffmpeg::Error& error) {
   display.showError("Failed to open: " + path + " (" + error.what() + ")");
+  // The selection stays on the choice that failed.
+  display.alignWithItem(path);
   display.showStrip();
   while (!quitRequested && !stopSignalled) {
     const NavCode code = display.pollInput();
