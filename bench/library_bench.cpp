@@ -138,6 +138,8 @@ int main() {
   const std::filesystem::path root = TAVEK_BENCH_MEDIA "/library";
   setenv("TAVEK_MEDIA_ROOT", root.c_str(), 1);
   setenv("SDL_VIDEODRIVER", "offscreen", 0);
+  // As the program draws on a machine without a graphics card.
+  setenv("SDL_RENDER_DRIVER", "software", 0);
   bench::makeLibrary(root);
   bench::measureListing();
   Display display(0, 0, 1920, 1080, Orientation::OrientationAuto);

@@ -1,6 +1,8 @@
 #include "display/image_file.h"
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 #include <fstream>
@@ -13,6 +15,7 @@ namespace tavek {
 namespace {
 
 constexpr std::int64_t maxPixels = 64'000'000;
+constexpr int maxSide = 32'000;
 constexpr std::uintmax_t maxFileBytes = 64'000'000;
 
 /// Reads numbers at places that may lie behind the end; those are 0.
@@ -73,11 +76,58 @@ std::vector<std::byte> contentOf(const std::filesystem::path& file) {
   return bytes;
 }
 
-SurfacePtr stretched(const SDL_Surface& source, int width, int height) {
-  SurfacePtr target(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_RGBA32));
-  auto* from = const_cast<SDL_Surface*>(&source);
-  if (target && SDL_SoftStretchLinear(from, nullptr, target.get(), nullptr) != 0) target.reset();
-  return target;
+/// One sample's part in the mean that makes up a smaller one, in 1/256.
+struct Share {
+  std::ptrdiff_t at;
+  std::uint16_t part;
+};
+
+/// What each of `target` smaller samples is made of, out of `length`. The parts of each make up 256.
+std::vector<std::vector<Share>> sharesOf(int length, int target) {
+  std::vector<std::vector<Share>> shares(static_cast<std::size_t>(target));
+  const double ratio = static_cast<double>(length) / target;
+  for (int i = 0; i < target; ++i) {
+    const double from = i * ratio;
+    const double to = std::min<double>(from + ratio, length);
+    long taken = 0;
+    for (int at = static_cast<int>(from); at < to; ++at) {
+      const long upToHere = std::lround(256 * (std::min(to, at + 1.0) - from) / (to - from));
+      shares[static_cast<std::size_t>(i)].push_back({at, static_cast<std::uint16_t>(upToHere - taken)});
+      taken = upToHere;
+    }
+  }
+  return shares;
+}
+
+/// Each sample of the target is the mean of those that it covers, so nothing flickers and no row is left out.
+template <int channels>
+void shrink(const SDL_Surface& source, SDL_Surface& target) {
+  const auto rows = sharesOf(source.h, target.h);
+  const auto columns = sharesOf(source.w, target.w);
+  std::vector<std::uint16_t> row(static_cast<std::size_t>(source.w) * channels);
+  auto* out = static_cast<Uint8*>(target.pixels);
+  for (const auto& covered : rows) {
+    std::ranges::fill(row, std::uint16_t{0});
+    for (const auto& [at, part] : covered) {
+      const auto* samples = static_cast<const Uint8*>(source.pixels) + at * source.pitch;
+      for (std::size_t i = 0; i < row.size(); ++i)
+        row[i] = static_cast<std::uint16_t>(row[i] + samples[i] * part);
+    }
+    Uint8* pixel = out;
+    for (const auto& shares : columns) {
+      std::array<std::uint32_t, 4> sums{1U << 15, 1U << 15, 1U << 15, channels < 4 ? 255U << 16 : 1U << 15};
+      for (const auto& [at, part] : shares) {
+        const std::uint16_t* samples = row.data() + at * channels;
+        for (std::size_t c = 0; c < channels; ++c) sums[c] += std::uint32_t{samples[c]} * part;
+      }
+      for (const std::uint32_t sum : sums) *pixel++ = static_cast<Uint8>(sum >> 16);
+    }
+    out += target.pitch;
+  }
+}
+
+SurfacePtr converted(const SDL_Surface& picture) {
+  return SurfacePtr(SDL_ConvertSurfaceFormat(const_cast<SDL_Surface*>(&picture), SDL_PIXELFORMAT_RGBA32, 0));
 }
 
 }  // namespace
@@ -94,23 +144,27 @@ std::optional<SDL_Point> pictureSizeOf(std::span<const std::byte> bytes) {
 SurfacePtr loadImage(const std::filesystem::path& file) {
   const std::vector<std::byte> bytes = contentOf(file);
   const std::optional<SDL_Point> size = pictureSizeOf(bytes);
-  if (!size || size->x < 1 || size->y < 1 || std::int64_t{size->x} * size->y > maxPixels) {
+  if (!size || std::min(size->x, size->y) < 1 || std::max(size->x, size->y) > maxSide ||
+      std::int64_t{size->x} * size->y > maxPixels) {
     SDL_SetError("no picture of a size that can be shown");
     return {};
   }
   SDL_RWops* stream = SDL_RWFromConstMem(bytes.data(), static_cast<int>(bytes.size()));
-  const SurfacePtr picture(IMG_Load_RW(stream, 1));
-  return SurfacePtr(picture ? SDL_ConvertSurfaceFormat(picture.get(), SDL_PIXELFORMAT_RGBA32, 0) : nullptr);
+  return SurfacePtr(IMG_Load_RW(stream, 1));
 }
 
 SurfacePtr fittedToHeight(SurfacePtr picture, int height) {
-  // By halves first: one long step of linear scaling would leave most rows out.
-  while (picture && picture->h > height) {
-    const int next = std::max(height, (picture->h + 1) / 2);
-    const auto width = static_cast<int>(std::int64_t{picture->w} * next / picture->h);
-    picture = stretched(*picture, std::max(width, 1), next);
-  }
-  return picture;
+  if (!picture) return {};
+  if (picture->h <= height) return converted(*picture);
+  // What a JPEG decodes to needs no step in between.
+  const bool plain = picture->format->format == SDL_PIXELFORMAT_RGB24;
+  if (!plain) picture = converted(*picture);
+  if (!picture) return {};
+  const auto width = static_cast<int>(std::int64_t{picture->w} * height / picture->h);
+  SurfacePtr fitted(
+      SDL_CreateRGBSurfaceWithFormat(0, std::max(width, 1), height, 32, SDL_PIXELFORMAT_RGBA32));
+  if (fitted) plain ? shrink<3>(*picture, *fitted) : shrink<4>(*picture, *fitted);
+  return fitted;
 }
 
 }  // namespace tavek

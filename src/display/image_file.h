@@ -16,11 +16,11 @@ namespace tavek {
 /// The width and height that the head of a JPEG, PNG, WebP or GIF file tells; none for anything else.
 std::optional<SDL_Point> pictureSizeOf(std::span<const std::byte> bytes);
 
-/// The picture as RGBA32, or null with the reason in SDL_GetError. Decodes nothing of more than 64 million
-/// pixels.
+/// The picture, or null with the reason in SDL_GetError. Decodes nothing of more than 64 million pixels.
 SurfacePtr loadImage(const std::filesystem::path& file);
 
-/// The picture made smaller to fit the height, in its proportions; never larger. Null only without memory.
+/// The picture as RGBA32, made smaller to fit the height, in its proportions; never larger. Null for null,
+/// and without memory.
 SurfacePtr fittedToHeight(SurfacePtr picture, int height);
 
 }  // namespace tavek

@@ -95,7 +95,7 @@ void PosterLoader::loadPosters() {
 }
 
 SurfacePtr PosterLoader::makeTile(ListingKind kind, const ListedPoster& poster) {
-  if (kind == ListingKind::Seasons) ensureJsonFile(poster.path.parent_path() / "playback.json");
+  if (kind == ListingKind::Seasons) ensureJsonFile(fs::path(poster.path).parent_path() / "playback.json");
   if (kind == ListingKind::Episodes) makeEpisodeThumb(poster.path, poster.image);
 
   // A folder without a poster is no failure to tell of.

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include "base/text.h"
 #include "library/match_key.h"
@@ -63,7 +64,7 @@ class FilmTree {
   }
 
   std::string mediaOf(const TreeFile& image) const {
-    const std::string key = posterKeyOf(image.text.nameInFolder());
+    const std::string key = posterKeyOf(image.text.folderName(), image.text.stem());
     const auto& videoOf = folders_[image.folder].videoOf;
     const auto video = key.empty() ? videoOf.end() : videoOf.find(key);
     return video != videoOf.end() ? *video->second : std::string();
@@ -72,25 +73,25 @@ class FilmTree {
  private:
   void walk(const fs::path& root, const Flag& stop) {
     std::vector<std::size_t> open{0};  // from the root down to the folder that the walk is in
-    walkBelow(root, [&](const fs::recursive_directory_iterator& entry) {
-      open.resize(static_cast<std::size_t>(entry.depth()) + 1);
-      std::error_code ignored;
-      if (entry->is_directory(ignored)) {
+    walkTexts(root, [&](const WalkedEntry& entry) {
+      open.resize(entry.depth + 1);
+      if (entry.isFolder) {
         folders_.emplace_back().parent = open.back();
         open.push_back(folders_.size() - 1);
       } else {
-        addFile(*entry, open.back());
+        addFile(entry, open.back());
       }
       return !stop;
     });
   }
 
-  void addFile(const fs::directory_entry& entry, std::size_t folder) {
-    const std::string extension = lowerExtension(entry.path());
+  void addFile(const WalkedEntry& entry, std::size_t folder) {
+    FileText file(entry.path);
+    const std::string extension = toLower(file.extension());
     const bool image = extension == ".jpg" || extension == ".jpeg" || extension == ".png";
-    if ((!image && !isVideoFile(entry.path())) || !isRegularFile(entry)) return;
+    if ((!image && !isVideoExtension(extension)) || !entry.isRegularFile()) return;
     std::vector<TreeFile>& files = image ? images_ : videos_;
-    const FileText& text = files.emplace_back(TreeFile{FileText(entry.path().string()), folder, {}}).text;
+    const FileText& text = files.emplace_back(TreeFile{std::move(file), folder, {}}).text;
     if (folders_[folder].name.empty()) folders_[folder].name = trim(toLower(text.folderName()));
     if (!image) files.back().normalisedStem = normalizeTitle(text.stem());
   }

@@ -52,7 +52,7 @@ std::vector<ListedPoster> listFolders(const fs::path& folder, bool seasonsOnly, 
   for (const auto& [name, path] : found) {
     if (stop) break;
     const fs::path image = path / "poster.jpg";
-    posters.push_back({image, {}, matchKeyOf(image), image, path.filename().string()});
+    posters.push_back({image.string(), {}, matchKeyOf(image), image.string(), path.filename().string()});
   }
   return posters;
 }
@@ -81,7 +81,7 @@ std::vector<ListedPoster> listCandidates(std::vector<PosterCandidate> candidates
     poster.path = candidate.file.path();
     poster.media = std::move(candidate.media);
     poster.key = makeMatchKey(candidate.title);
-    poster.image = kind == ListingKind::Episodes ? episodeStillOf(poster.path) : poster.path;
+    poster.image = kind == ListingKind::Episodes ? episodeStillOf(poster.path).string() : poster.path;
     if (kind == ListingKind::Episodes) poster.label = candidate.file.stem();
   }
   return posters;

@@ -13,14 +13,15 @@ namespace tavek {
 
 enum class ListingKind { Series, Seasons, Episodes, Videos /*films and videos*/, Albums };
 
+/// Paths are texts here, since a std::filesystem::path costs too much for each of ten thousand.
 struct ListedPoster {
   /// The tile's identity: the folder's poster.jpg (which need not exist) for a series or a season, the image
   /// of a film or video, the episode's file, or the first track of an album.
-  std::filesystem::path path;
-  std::string media;            ///< what plays for it; empty if unknown, and for a series or a season
-  MatchKey key;                 ///< of the path
-  std::filesystem::path image;  ///< what to decode for it, which need not exist; empty for an album
-  std::string label;            ///< for a tile without an image: the folder's name, or the episode's stem
+  std::string path;
+  std::string media;  ///< what plays for it; empty if unknown, and for a series or a season
+  MatchKey key;       ///< of the path
+  std::string image;  ///< what to decode for it, which need not exist; empty for an album
+  std::string label;  ///< for a tile without an image: the folder's name, or the episode's stem
 };
 
 struct PosterListing {

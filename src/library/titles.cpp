@@ -28,10 +28,13 @@ bool isGenericPosterName(std::string_view lowerStem) {
 }
 
 std::string posterKeyOf(const std::filesystem::path& path) {
+  return posterKeyOf(path.parent_path().filename().string(), path.stem().string());
+}
+
+std::string posterKeyOf(std::string_view folderName, std::string_view stem) {
   constexpr std::string_view suffix = ".poster";
-  std::string stem = path.stem().string();
-  if (stem.size() > suffix.size() && stem.ends_with(suffix)) stem.resize(stem.size() - suffix.size());
-  return normalizeTitle(isGenericPosterName(toLower(stem)) ? path.parent_path().filename().string() : stem);
+  if (stem.size() > suffix.size() && stem.ends_with(suffix)) stem.remove_suffix(suffix.size());
+  return normalizeTitle(isGenericPosterName(toLower(stem)) ? folderName : stem);
 }
 
 }  // namespace tavek

@@ -14,5 +14,6 @@ bool isGenericPosterName(std::string_view lowerStem);
 /// The name under which an image is matched to a video: that of its folder for a poster.jpg or the like, its
 /// own otherwise.
 std::string posterKeyOf(const std::filesystem::path& path);
+std::string posterKeyOf(std::string_view folderName, std::string_view stem);
 
 }  // namespace tavek

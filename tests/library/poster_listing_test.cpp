@@ -30,8 +30,7 @@ std::string list(const std::string& folder) {
   const auto [kind, posters] = listPosters(root, stop);
   std::string text = listingNoun(kind) + std::string("\n");
   for (const auto& [path, media, key, image, label] : posters) {
-    text += path.string() + " > " + media + " (" + key.raw + ')' + (image != path ? image.string() : "") +
-            label + '\n';
+    text += path + " > " + media + " (" + key.raw + ')' + (image != path ? image : "") + label + '\n';
     // One tile by itself, from the disk.
     EXPECT_EQ(posterTitleKey(path), key.raw);
     EXPECT_TRUE(kind != ListingKind::Videos || findVideoForPoster(path, root).value_or("") == media) << path;

@@ -65,8 +65,12 @@ bool isAudioFile(const std::filesystem::path& path) {
 }
 
 bool isVideoFile(const std::filesystem::path& path) {
+  return isVideoExtension(lowerExtension(path));
+}
+
+bool isVideoExtension(std::string_view extension) {
   static const auto complete = completeVideoExtensions(demuxerExtensions());
-  return complete.contains(lowerExtension(path));
+  return complete.contains(extension);
 }
 
 }  // namespace tavek

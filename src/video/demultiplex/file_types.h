@@ -11,6 +11,8 @@ namespace tavek {
 bool isAudioFile(const std::filesystem::path& path);
 /// Also true for the audio files that FFmpeg can open: ask isAudioFile first where the difference counts.
 bool isVideoFile(const std::filesystem::path& path);
+/// The same by the extension alone, in lower case with its dot.
+bool isVideoExtension(std::string_view extension);
 
 /// Every piece of FFmpeg's comma-separated extension lists, as it is spelled there.
 std::set<std::string> demuxerExtensions();
