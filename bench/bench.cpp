@@ -5,6 +5,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "bench/library_maker.h"
 #include "bench/measure.h"
 
 namespace tavek::bench {
@@ -13,14 +14,14 @@ namespace {
 constexpr const char* help =
     "tavek_bench: the program against ffplay, side by side on a screen and a sink of their own\n"
     "  --runs N           runs of each row, of which the median counts (default 3)\n"
-    "  --only A,B         only these rows: film24 film60 film4k seek software\n"
+    "  --only A,B         only these rows: film24 film60 film4k seek software home\n"
     "  --players A,B      only these players: tavek ffplay\n"
     "  --program PATH     the program to measure (default: the one of this build)\n"
     "The clips are made on the first run, which takes minutes. Nothing else should run on the machine.\n";
 
 struct Options {
   int runs = 3;
-  std::string only = "film24,film60,film4k,seek,software";
+  std::string only = "film24,film60,film4k,seek,software,home";
   std::string players = "tavek,ffplay";
   std::string program = TAVEK_PROGRAM;
 };
@@ -57,6 +58,7 @@ const std::map<std::string, std::string> goals = {
     {"film24 sound late, most, ms", "<= 60"},
     {"seek key to new picture, ms", "<= 130"},
     {"seek key to even pictures, ms", "<= 200"},
+    {"home exec to home screen, ms", "<= 300"},
     {"software CPU s per played s", "<= 2.10 of decoding"},
 };
 
@@ -136,6 +138,7 @@ class Bench {
     }
     if (wants("seek")) runSeek(makeFilm("seek", 1920, 1080, 24, 60, 8));
     if (wants("software")) runSoftware(films[0]);
+    if (wants("home")) runHome();
   }
 
  private:
@@ -192,6 +195,23 @@ class Bench {
     values["decoding"] = floors(film, file);
     printMedians("software", "CPU s per played s", values, 2, "decoding");
     printMedians("software", "CPU against ffplay", values, 2);
+  }
+
+  void runHome() {
+    const std::string library = TAVEK_BENCH_MEDIA "/library";
+    makeLibrary(library);
+    Values home;
+    Values user;
+    Values strip;
+    for (int run = 0; run < options_.runs; ++run) {
+      const Browsing browsing = browse(stage_, {"tavek", {options_.program}, {}}, library);
+      home["tavek"].push_back(browsing.firstHome);
+      user["tavek"].push_back(browsing.userKey);
+      strip["tavek"].push_back(browsing.stripKey);
+    }
+    printMedians("home", "exec to home screen, ms", home, 0);
+    printMedians("home", "key to user, ms", user, 0);
+    printMedians("home", "key to poster, ms", strip, 0);
   }
 
   std::vector<double> floors(const Film& film, const std::string& file) const {

@@ -130,6 +130,63 @@ void measureMemory(Display& display) {
               std::strtod(line.c_str() + 6, nullptr) / (1 << 20));
 }
 
+/// A picture of 1080p, grey.
+class Picture {
+ public:
+  PictureView next() {
+    ++serial_;
+    return {.planes = {luma_.data(), chroma_.data(), chroma_.data()},
+            .pitches = {1920, 960, 960},
+            .width = 1920,
+            .height = 1080,
+            .serial = serial_,
+            .sampleAspect = 1.0};
+  }
+
+ private:
+  std::vector<std::uint8_t> luma_ = std::vector<std::uint8_t>(1920 * 1080, 120);
+  std::vector<std::uint8_t> chroma_ = std::vector<std::uint8_t>(960 * 540, 128);
+  std::uint64_t serial_ = 0;
+};
+
+/// Passes of the loop over a running picture: median and 99th percentile, in milliseconds.
+void measurePasses(Display& display, const char* what, bool keys) {
+  Picture picture;
+  std::vector<double> passes;
+  int shown = 0;
+  for (int i = 0; i < 200; ++i) {
+    const int before = display.posters().selectedPoster();
+    if (keys) {
+      SDL_Event event{};
+      event.type = SDL_KEYDOWN;
+      event.key.keysym.sym = i % 40 < 20 ? SDLK_RIGHT : SDLK_LEFT;
+      SDL_PushEvent(&event);
+    }
+    passes.push_back(milliseconds([&] {
+      display.pollInput();
+      display.presentFrame(picture.next(), 0);
+    }));
+    shown += display.posters().selectedPoster() != before ? 1 : 0;
+  }
+  std::sort(passes.begin(), passes.end());
+  std::printf("| %-40s | median %5.1f ms | 99th percentile %5.1f ms |", what, passes[100], passes[198]);
+  if (keys) std::printf(" %d of 200 keys shown by the frame of their own pass |", shown);
+  std::printf("\n");
+}
+
+void measureStrip(const char* room, const char* what) {
+  Display display(0, 0, 3840, 2160, Orientation::OrientationAuto);
+  if (!display.usable()) return;
+  display.setVideoPlaying(false);
+  display.selectRoomForPath(mediaRoot() / room);
+  load(display, mediaRoot() / room, std::string(room) == "movies" ? 100 : 2, screenful);
+  measurePasses(display, (std::string(what) + ", film alone").c_str(), false);
+  display.showStrip();
+  for (int i = 0; i < 20; ++i) display.presentBlank();
+  measurePasses(display, (std::string(what) + ", with the strip").c_str(), false);
+  measurePasses(display, (std::string(what) + ", keys on the strip").c_str(), true);
+}
+
 }  // namespace
 }  // namespace tavek::bench
 
@@ -142,10 +199,14 @@ int main() {
   setenv("SDL_RENDER_DRIVER", "software", 0);
   bench::makeLibrary(root);
   bench::measureListing();
-  Display display(0, 0, 1920, 1080, Orientation::OrientationAuto);
-  if (!display.usable()) return 1;
-  bench::measureFirstScreen(display, "movies");
-  bench::measureFirstScreen(display, "tv");
-  bench::measureMemory(display);
+  {
+    Display display(0, 0, 1920, 1080, Orientation::OrientationAuto);
+    if (!display.usable()) return 1;
+    bench::measureFirstScreen(display, "movies");
+    bench::measureFirstScreen(display, "tv");
+    bench::measureMemory(display);
+  }
+  bench::measureStrip("movies", "4K, room of 10000");
+  bench::measureStrip("tv/Show 00000/Season 1", "4K, with a label");
   return 0;
 }

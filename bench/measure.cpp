@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <set>
+#include <signal.h>
 #include <stdexcept>
 
 namespace tavek::bench {
@@ -103,6 +104,44 @@ std::vector<Seeking> seekInFilm(rig::Stage& stage, const Player& player, const F
     result.push_back({jumped ? (sights.front().at - pressed) * 1000 : notSeen,
                       jumped ? (evenFrom(sights, film.picturesPerSecond) - pressed) * 1000 : notSeen});
   }
+  return result;
+}
+
+Browsing browse(rig::Stage& stage, const Player& player, const std::string& library) {
+  rig::Environment environment = stage.environment();
+  environment["TAVEK_MEDIA_ROOT"] = library;
+  std::filesystem::remove(std::filesystem::path(library) / "persist.json");
+  rig::Program program(player.command, environment);
+  const auto pixels = [&](int y) {
+    std::uint64_t sum = 0;
+    for (int x = 0; x < 1920; x += 7) sum = sum * 31 + stage.screen.pixel(x, y);
+    return sum;
+  };
+  const auto untilChanged = [&](int row, double since, const auto& action) {
+    const std::uint64_t before = pixels(row);
+    action();
+    return rig::waitUntil(5, [&] { return pixels(row) != before; }) ? (now() - since) * 1000 : notSeen;
+  };
+  Browsing result;
+  result.firstHome = untilChanged(540, program.startedAt(), [] {});
+  rig::let(1);
+  stage.screen.focusWindow(5);
+  const auto keyTime = [&](const char* key, int row) {
+    std::vector<double> times;
+    for (int i = 0; i < 9; ++i) {
+      times.push_back(untilChanged(row, now(), [&] { stage.screen.press(key); }));
+      rig::let(0.4);
+    }
+    return median(times);
+  };
+  result.userKey = untilChanged(540, now(), [&] { stage.screen.press("Right"); });
+  stage.screen.press("Return");
+  rig::let(2);
+  stage.screen.press("Return");
+  rig::let(2);
+  result.stripKey = keyTime("Right", 800);
+  program.signal(SIGTERM);
+  program.waitForEnd(5);
   return result;
 }
 

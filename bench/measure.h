@@ -47,6 +47,15 @@ Playing playFilm(const rig::Stage& stage, const Player& player, const Film& film
 std::vector<Seeking> seekInFilm(rig::Stage& stage, const Player& player, const Film& film,
                                 const std::string& file);
 
+/// From exec to the first sign of the home screen over a library, and from a key to its effect there and on
+/// the strip.
+struct Browsing {
+  double firstHome = 0;
+  double userKey = 0;
+  double stripKey = 0;
+};
+Browsing browse(rig::Stage& stage, const Player& player, const std::string& library);
+
 /// CPU seconds per second of film that decoding alone takes.
 double decodingFloor(const std::string& file, double seconds);
 

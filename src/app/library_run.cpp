@@ -74,7 +74,8 @@ void playRoom(const fs::path& room, const PlayContext& context, SoundMode& sound
   if (files.empty()) {
     files.push_back(*start);
   } else {
-    std::ranges::rotate(files, files.begin() + static_cast<std::ptrdiff_t>(placeOf(*start, files)));
+    std::rotate(files.begin(), files.begin() + static_cast<std::ptrdiff_t>(placeOf(*start, files)),
+                files.end());
   }
   for (const std::string& file : files) {
     try {

@@ -74,7 +74,7 @@ ChooserLayout layoutChooser(int users, int width, int height) {
 }
 
 int roomFontSize(int radius) {
-  return radius <= 65 ? 10 : std::clamp(static_cast<int>(radius / 6 * 0.7), 10, 56);
+  return radius <= 65 ? 10 : std::clamp(static_cast<int>(radius / 6.0 * 0.7), 10, 56);
 }
 
 int roomTextWidth(int radius) {

@@ -24,14 +24,15 @@ class Bytes {
   explicit Bytes(std::span<const std::byte> bytes) : bytes_(bytes) {}
   std::size_t size() const { return bytes_.size(); }
   int at(std::size_t place) const { return place < bytes_.size() ? std::to_integer<int>(bytes_[place]) : 0; }
-  int big(std::size_t place, int count) const {
+  int big(std::size_t place, std::size_t count) const {
     std::uint32_t value = 0;
-    for (int i = 0; i < count; ++i) value = value << 8 | static_cast<std::uint32_t>(at(place + i));
+    for (std::size_t i = 0; i < count; ++i) value = value << 8 | static_cast<std::uint32_t>(at(place + i));
     return static_cast<int>(std::min<std::uint32_t>(value, INT32_MAX));
   }
-  int little(std::size_t place, int count) const {
+  int little(std::size_t place, std::size_t count) const {
     std::uint32_t value = 0;
-    for (int i = count - 1; i >= 0; --i) value = value << 8 | static_cast<std::uint32_t>(at(place + i));
+    for (std::size_t i = count; i > 0; --i)
+      value = value << 8 | static_cast<std::uint32_t>(at(place + i - 1));
     return static_cast<int>(std::min<std::uint32_t>(value, INT32_MAX));
   }
   bool says(std::size_t place, std::string_view text) const {

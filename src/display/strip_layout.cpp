@@ -60,7 +60,7 @@ StripLayout layoutStrip(std::span<const int> widths, int selected, int windowWid
     const Size size = posterSize(widths[i], slot, isSelected);
     layout.slots[layout.count++] = {
         i,
-        {rounded(x + (slot - size.width) / 2), rounded(top + stripHeight / 2 - size.height / 2),
+        {rounded(x + (slot - size.width) / 2), rounded(top + stripHeight / 2.0 - size.height / 2),
          rounded(size.width), rounded(size.height)}};
     x += slot;
   }

@@ -32,7 +32,7 @@ struct StripSlot {
 };
 
 struct StripLayout {
-  std::array<StripSlot, postersOnScreen> slots;
+  std::array<StripSlot, postersOnScreen> slots{};
   std::size_t count = 0;
 };
 
