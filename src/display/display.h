@@ -71,6 +71,8 @@ class Display {
   /// Lists a folder in the strip. With the strip on the screen it slides out first, and in again over the new
   /// list.
   void openPosterFolder(const std::filesystem::path& path);
+  /// Lists the room that a file lies in, unless a folder of that room is open.
+  void openRoomOf(const std::filesystem::path& file);
   /// Once per frame: loaded tiles become textures, at most `count` of them.
   void takePendingPosters(int height, int count);
   void showStrip();

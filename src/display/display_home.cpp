@@ -171,7 +171,9 @@ void Display::enterRoom(const std::filesystem::path& path) {
 
 void Display::discardInput() {
   SDL_PumpEvents();
-  SDL_FlushEvents(SDL_KEYDOWN, SDL_TEXTINPUT);
+  // Keys that come up are still to be seen to do so.
+  SDL_FlushEvent(SDL_KEYDOWN);
+  SDL_FlushEvent(SDL_TEXTINPUT);
 }
 
 void Display::selectRoomForPath(const std::filesystem::path& path) {

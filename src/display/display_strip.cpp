@@ -27,6 +27,11 @@ void Display::openPosterFolder(const std::filesystem::path& path) {
   posters_.openPosterFolder(screen_.renderer(), path);
 }
 
+void Display::openRoomOf(const std::filesystem::path& file) {
+  const auto room = roomRootOf(file);
+  if (room && !isInside(posters_.openFolder(), *room)) openPosterFolder(*room);
+}
+
 void Display::takePendingPosters(int height, int count) {
   posters_.takePendingPosters(screen_.renderer(), height, count);
 }
@@ -37,7 +42,7 @@ void Display::showStrip() {
   flags_.selectionSettling = true;
   if (flags_.strip.visible) return;
   letterBar_.arm();
-  if (flags_.homeMode || posters_.selectedPoster() < 0) posters_.selectPoster(0);
+  if (flags_.homeMode || (selectedPoster() == nullptr && !posters_.list().empty())) posters_.selectPoster(0);
   flags_.strip = {
       .visible = true, .open = true, .sliding = true, .slidingIn = true, .slideAt = SDL_GetTicks64()};
   updateHoldWrites();

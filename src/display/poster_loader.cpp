@@ -72,6 +72,8 @@ void PosterLoader::run() {
   } catch (const std::exception&) {
     // The list ends with what it has.
   }
+  // SDL keeps its last error for each thread, and looks after its own threads only.
+  SDL_TLSCleanup();
   running_ = false;
 }
 

@@ -43,7 +43,7 @@ class HomeTest : public ProgramTest {
     for (std::string key; names >> key;) {
       stage.screen.press(key);
       // The strip takes 120 ms for its way out and as much for the way in again.
-      rig::let(sanitized ? 1.5 : 0.5);
+      rig::let(sanitized ? 2.5 : 0.5);
     }
   }
   std::string focus() const {

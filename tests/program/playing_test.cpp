@@ -167,7 +167,7 @@ class Kinds : public ProgramTest {
     const double from = sights.front().at;
     const double to = sights.back().at;
     // Software drawing may be too slow for the quick ones and the turned one, but it leaves none out.
-    EXPECT_NEAR(to - from, 2, pictures > 60 || kind.view == Turned ? 6 : mild(0.5));
+    EXPECT_NEAR(to - from, 2, pictures > 60 || kind.view == Turned ? 6 : mild(1));
     EXPECT_GT(to - from, 1.65);
     const Recording sound = stage.sound.recording().between(from + 0.6, from + 1.4);
     if (kind.pitch == 0) {

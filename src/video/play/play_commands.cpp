@@ -92,6 +92,7 @@ void Play::unpause() {
 void Play::openPosters() {
   if (display_ == nullptr) return;
   if (postersOpen_ && display_->stripShown()) return closePosters();
+  display_->openRoomOf(path_);
   display_->alignWithItem(path_);
   postersOpen_ = true;
   if (!paused()) {
