@@ -13,6 +13,7 @@
 #include "base/console.h"
 #include "base/process_flags.h"
 #include "display/display.h"
+#include "library/folder_walk.h"
 #include "library/media_paths.h"
 #include "state/state_store.h"
 #include "video/demultiplex/file_types.h"
@@ -29,12 +30,10 @@ constexpr std::int64_t pauseMs = 250;
 std::vector<std::string> mediaOf(const fs::path& room) {
   const auto plays = classifyFolder(room) == MediaKind::Music ? isAudioFile : isVideoFile;
   std::vector<std::string> files;
-  std::error_code error;
-  fs::recursive_directory_iterator entry(room, fs::directory_options::skip_permission_denied, error);
-  for (const fs::recursive_directory_iterator end; !error && entry != end; entry.increment(error)) {
-    std::error_code unknown;
-    if (entry->is_regular_file(unknown) && plays(entry->path())) files.push_back(entry->path().string());
-  }
+  walkBelow(room, [&](const fs::recursive_directory_iterator& entry) {
+    if (plays(entry->path()) && isRegularFile(*entry)) files.push_back(entry->path().string());
+    return true;
+  });
   std::ranges::sort(files);
   return files;
 }

@@ -9,6 +9,7 @@
 #include "display/poster_tile.h"
 #include "display/toolkit/fonts.h"
 #include "library/episode_still.h"
+#include "library/folder_walk.h"
 #include "library/usable_file.h"
 #include "state/json_write.h"
 #include "video/demultiplex/file_types.h"
@@ -22,14 +23,12 @@ namespace fs = std::filesystem;
 constexpr int nameSize = 40;
 
 bool hasMedia(const fs::path& folder) {
-  std::error_code error;
-  fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
-  for (const fs::recursive_directory_iterator end; !error && entry != end; entry.increment(error)) {
-    std::error_code unknown;
-    if (entry->is_regular_file(unknown) && (isVideoFile(entry->path()) || isAudioFile(entry->path())))
-      return true;
-  }
-  return false;
+  bool found = false;
+  walkBelow(folder, [&](const fs::recursive_directory_iterator& entry) {
+    found = (isVideoFile(entry->path()) || isAudioFile(entry->path())) && isRegularFile(*entry);
+    return !found;
+  });
+  return found;
 }
 
 SurfacePtr loadTile(const fs::path& image) {
