@@ -64,6 +64,7 @@ TTF_Font* nameFont(const FrameContext& frame, int smallestRadius, const std::vec
 void Chooser::setUsers(std::vector<std::string> names, std::size_t index) {
   userNames_ = std::move(names);
   userIndex_ = userNames_.empty() ? 0 : std::min(index, userNames_.size() - 1);
+  discs_.resize(userNames_.size());
 }
 
 bool Chooser::moveUser(int delta) {
@@ -101,7 +102,7 @@ void Chooser::draw(const FrameContext& frame, const ChooserInput& input) {
   for (std::size_t i = 0; i < layout.discs.size(); ++i) {
     const UserDisc& disc = layout.discs[i];
     const Colour colour = i == userIndex_ ? theme::accent : idleDisc;
-    drawDisc(frame.renderer, disc.centre.x, disc.centre.y, disc.radius, disc.ring, scaleAlpha(colour, alpha));
+    discs_[i].draw(frame.renderer, disc.centre, disc.radius, disc.ring, colour, alpha);
     if (i == userIndex_) drawRoom(frame, input, disc, alpha);
   }
   drawNames(frame, layout, alpha);

@@ -10,6 +10,7 @@
 #include "display/chooser_layout.h"
 #include "display/frame_context.h"
 #include "display/toolkit/colour.h"
+#include "display/toolkit/shapes.h"
 
 namespace tavek {
 
@@ -52,6 +53,7 @@ class Chooser {
 
   std::vector<std::string> userNames_;
   std::size_t userIndex_ = 0;
+  std::vector<Disc> discs_;  ///< one for each user
   std::optional<Uint64> fadeInAt_;
   std::optional<Uint64> hintShownAt_;
   bool hintShownOnce_ = false;   ///< it was on the screen

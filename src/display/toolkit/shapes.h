@@ -3,6 +3,7 @@
 #include <SDL.h>
 
 #include "display/toolkit/colour.h"
+#include "display/toolkit/sdl_handles.h"
 
 /// Shapes of the user interface. All restore what they change of the renderer's state but the draw colour,
 /// and draw nothing on a null renderer.
@@ -29,6 +30,20 @@ void outlineRect(SDL_Renderer* renderer, const SDL_Rect& rect, Colour colour);
 /// around the whole disc instead. A rim colour with an alpha above zero smooths the circle of `radius`.
 void drawDisc(SDL_Renderer* renderer, int centreX, int centreY, int radius, int ring, Colour colour,
               Colour rim = 0);
+
+/// A disc that stands for many frames: its picture is made once and copied from then on. Has to go before its
+/// renderer.
+class Disc {
+ public:
+  /// As drawDisc; a strength of 1 is the full colour.
+  void draw(SDL_Renderer* renderer, SDL_Point centre, int radius, int ring, Colour colour, double strength);
+
+ private:
+  int radius_ = 0;
+  int ring_ = 0;
+  Colour colour_ = 0;
+  TexturePtr picture_;
+};
 
 /// The green triangle in the top right corner of a watched poster; a strength of 1 is the full colour.
 void drawCornerMark(SDL_Renderer* renderer, const SDL_Rect& poster, double strength);
