@@ -64,7 +64,8 @@ void makeLibrary(const fs::path& root) {
   const fs::path parts = root.string() + ".parts";
   fs::remove_all(draft);
   fs::create_directories(parts);
-  const fs::path film = rig::makeClip({.width = 160, .height = 90, .seconds = 1}, parts);
+  // Long enough not to end under the strip.
+  const fs::path film = rig::makeClip({.width = 160, .height = 90, .seconds = 60}, parts);
   const std::vector<fs::path> posters = makePosters(parts);
   for (const int count : {1000, 3000, 10000}) makeFilms(draft / filmRoom(count), count, film, posters);
   makeShows(draft / "tv", film, posters);
