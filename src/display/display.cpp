@@ -68,32 +68,17 @@ NavCode Display::apply(const KeyResult& result, Uint64 nowMs) {
       openChooser();
       break;
     case KeyEffect::Move:
-      if (flags_.chooserOpen) {
-        if (result.direction == Direction::Left && chooser_.moveUser(-1)) makeUserCurrent();
-        if (result.direction == Direction::Right && chooser_.moveUser(+1)) makeUserCurrent();
-      } else {
-        moveOnStrip(result.direction, nowMs);
-      }
+      flags_.chooserOpen ? moveUser(result.direction) : moveOnStrip(result.direction, nowMs);
       break;
     case KeyEffect::Activate:
       return selectionAction();
     case KeyEffect::Back:
       return leaveFolder();
     case KeyEffect::Type:
-      if (letterBar_.open()) {
-        letterBar_.type(result.character);
-        jumpToTyped();
-      }
-      break;
-    case KeyEffect::Erase:
-      if (letterBar_.open()) {
-        letterBar_.erase();
-        jumpToTyped();
-      }
+      type(result.character);
       break;
     case KeyEffect::SwitchRoom:
-      chooser_.setArrows(result.direction == Direction::Up, result.direction == Direction::Down);
-      switchRoom(result.direction == Direction::Up ? -1 : +1);
+      switchRoom(result.direction);
       break;
     case KeyEffect::ReleaseHome:
       chooser_.setArrows(false, false);

@@ -123,6 +123,7 @@ class Display {
   void moveOnStrip(Direction direction, Uint64 nowMs);
   void moveSelection(int delta);
   void stepUp(Uint64 nowMs);
+  void type(char character);
   void jumpToTyped();
   NavCode selectionAction();
   bool enterSelection();
@@ -137,10 +138,11 @@ class Display {
   void openChooser();
   void closeChooser();
   void makeUserCurrent();
+  void moveUser(Direction direction);
   void confirmUser(Uint64 nowMs);
   void finishFolderChange(Uint64 nowMs);
   void leaveHomeForStrip();
-  void switchRoom(int delta);
+  void switchRoom(Direction direction);
   bool selectRoom(std::size_t index, bool remember);
   void enterRoom(const std::filesystem::path& path);
   void drawChooser(const FrameContext& frame);

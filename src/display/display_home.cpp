@@ -64,8 +64,7 @@ void Display::presentChooser() {
 }
 
 void Display::drawChooser(const FrameContext& frame) {
-  const std::vector<std::string> labels = rooms_.labels();
-  chooser_.draw(frame, {.roomLabels = labels,
+  chooser_.draw(frame, {.roomLabels = rooms_.labels(),
                         .roomIndex = rooms_.index(),
                         .homeMode = flags_.homeMode,
                         .stripOn = flags_.strip.any(),
@@ -109,6 +108,11 @@ void Display::makeUserCurrent() {
   refreshWatchedBits();
 }
 
+void Display::moveUser(Direction direction) {
+  const bool sideways = direction == Direction::Left || direction == Direction::Right;
+  if (sideways && chooser_.moveUser(direction == Direction::Left ? -1 : +1)) makeUserCurrent();
+}
+
 void Display::confirmUser(Uint64 nowMs) {
   if (folderChange_) return;
   if (chooser_.users().empty()) {
@@ -142,11 +146,13 @@ void Display::leaveHomeForStrip() {
   if (flags_.roomKind != MediaKind::Music) showStrip();
 }
 
-void Display::switchRoom(int delta) {
+void Display::switchRoom(Direction direction) {
+  const bool up = direction == Direction::Up;
+  chooser_.setArrows(up, !up);
   if (folderChange_) return;
   if (rooms_.folders().empty()) rooms_.reload();
   const auto last = static_cast<int>(rooms_.folders().size()) - 1;
-  const int index = static_cast<int>(rooms_.index()) + delta;
+  const int index = static_cast<int>(rooms_.index()) + (up ? -1 : +1);
   if (index >= 0 && index <= last) selectRoom(static_cast<std::size_t>(index), true);
 }
 

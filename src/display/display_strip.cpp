@@ -141,6 +141,12 @@ void Display::moveSelection(int delta) {
   flags_.selectionSettling = false;
 }
 
+void Display::type(char character) {
+  if (!letterBar_.open()) return;
+  letterBar_.type(character);
+  jumpToTyped();
+}
+
 void Display::jumpToTyped() {
   posters_.jumpToTyped(letterBar_.typedText());
 }

@@ -319,15 +319,13 @@ KeyResult KeyInput::posterKeyDown(const SDL_KeyboardEvent& key, const NavFlags& 
       return {.effect = KeyEffect::Back};
     case SDLK_ESCAPE:
       return {.code = NavCode::ClosePosters};
-    case SDLK_BACKSPACE:
-      return {.effect = KeyEffect::Erase};
     case SDLK_LEFT:
     case SDLK_RIGHT:
     case SDLK_UP:
     case SDLK_DOWN:
       return pressAndMove(*directionOf(sym), flags, nowMs);
     default:
-      if (sym < SDLK_SPACE || sym >= SDLK_DELETE) return {};
+      if (sym != SDLK_BACKSPACE && (sym < SDLK_SPACE || sym >= SDLK_DELETE)) return {};
       return {.effect = KeyEffect::Type, .character = static_cast<char>(sym)};
   }
 }

@@ -17,8 +17,7 @@ enum class KeyEffect {
   Move,          ///< one step in a direction, on the strip or among the users
   Activate,      ///< Enter on the strip
   Back,          ///< a level up in a series, else out of the strip
-  Type,          ///< a character for the letter bar
-  Erase,         ///< the last one again
+  Type,          ///< a character for the letter bar; a backspace takes the last one away
   SwitchRoom,    ///< up or down on the home screen
   ReleaseHome,   ///< a key of the home screen went up
   ConfirmUser,   ///< Enter on the home screen

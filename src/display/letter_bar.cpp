@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/text.h"
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/shapes.h"
 #include "display/toolkit/text.h"
@@ -51,13 +52,8 @@ void LetterBar::step(int delta) {
 }
 
 void LetterBar::type(char character) {
-  const bool upper = character >= 'A' && character <= 'Z';
-  setText(typedText_ + (upper ? static_cast<char>(character - 'A' + 'a') : character));
-}
-
-void LetterBar::erase() {
-  if (typedText_.empty()) return;
-  setText(typedText_.substr(0, typedText_.size() - 1));
+  if (character != '\b') return setText(typedText_ + toLower({&character, 1}));
+  if (!typedText_.empty()) setText(typedText_.substr(0, typedText_.size() - 1));
 }
 
 void LetterBar::setText(std::string text) {

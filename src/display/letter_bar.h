@@ -32,8 +32,8 @@ class LetterBar {
   void close(Uint64 nowMs);
   /// One cell to the side; the ends do not wrap.
   void step(int delta);
+  /// A backspace takes the last character away.
   void type(char character);
-  void erase();
   /// Closed at once, with nothing typed.
   void reset() { *this = {}; }
 

@@ -74,17 +74,13 @@ void Rooms::reload() {
   const auto same = std::ranges::find(folders_, selected);
   index_ = static_cast<std::size_t>(same - folders_.begin());
   if (index_ >= folders_.size()) index_ = roomFor(folders_, "", index_);
+  labels_.clear();
+  for (const fs::path& folder : folders_) labels_.push_back(roomLabel(folder));
+  if (labels_.empty()) labels_.emplace_back("library");
 }
 
 fs::path Rooms::current() const {
   return index_ < folders_.size() ? folders_[index_] : mediaRoot() / "movies";
-}
-
-std::vector<std::string> Rooms::labels() const {
-  std::vector<std::string> labels;
-  for (const fs::path& folder : folders_) labels.push_back(roomLabel(folder));
-  if (labels.empty()) labels.emplace_back("library");
-  return labels;
 }
 
 }  // namespace tavek

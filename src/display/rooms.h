@@ -28,10 +28,12 @@ class Rooms {
   std::size_t index() const { return index_; }
   /// The selected room; the place of the films if there is none, whether it exists or not.
   std::filesystem::path current() const;
-  std::vector<std::string> labels() const;
+  /// One for each room; a single one stands for a library without any.
+  const std::vector<std::string>& labels() const { return labels_; }
 
  private:
   std::vector<std::filesystem::path> folders_;
+  std::vector<std::string> labels_{"library"};
   std::size_t index_ = 0;
 };
 

@@ -112,7 +112,7 @@ TEST(KeyInput, LeavesToTheScreensWhatIsTheirs) {
       {series, SDLK_KP_ENTER, Activate},
       {series, SDLK_AC_BACK, Back},
       {strip(), SDLK_b, Type},
-      {strip(), SDLK_BACKSPACE, Erase},
+      {strip(), SDLK_BACKSPACE, Type},
       {music(), SDLK_LEFT, None},
       {strip(), SDLK_F1, None},
       {paused(), SDLK_RETURN, None},

@@ -110,8 +110,8 @@ TEST(LetterBar, StartsAtTheSelectedName) {
   bar.step(-9);
   EXPECT_EQ(bar.typedText(), "0") << "no wrap";
   bar.type('Q');
-  bar.erase();
-  bar.erase();
+  bar.type('\b');
+  bar.type('\b');
   EXPECT_EQ(bar.typedText(), "");
   EXPECT_EQ(letterCellOf("\xC3\xA9.-"), 10U) << "A where there is no letter";
 }
