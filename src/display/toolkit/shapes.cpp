@@ -76,7 +76,7 @@ SurfacePtr discPicture(int radius, int ring, Colour colour) {
       const float distance = std::sqrt(static_cast<float>(x * x + y * y));
       const float covered = std::clamp(static_cast<float>(reach + 1) - distance, 0.0F, 1.0F);
       const float thick = 1 - thinning * std::max(distance - static_cast<float>(core), 0.0F);
-      *pixel = hue | static_cast<Uint32>(alphaOf(colour) * thick * covered + 0.5F) << 24;
+      *pixel = hue | static_cast<Uint32>(std::lround(alphaOf(colour) * thick * covered)) << 24;
     }
   }
   return picture;
