@@ -25,7 +25,8 @@ struct ScriptedDevice {
   std::vector<unsigned> positions{};  ///< the device's channel map, or none
   std::size_t refusedOpens = 0;       ///< so many attempts fail with refusal
   int refusal = -EACCES;
-  long writeResult = 0;  ///< negative: every write fails with it
+  long writeResult = 0;       ///< negative: every write fails with it
+  int startsAfter = 1 << 30;  ///< writes
   std::vector<std::string> opened{};
   unsigned channels = 0, rate = 0;
   std::vector<std::int16_t> heard{};
@@ -65,6 +66,10 @@ int snd_pcm_set_params(snd_pcm_t* pcm, snd_pcm_format_t format, snd_pcm_access_t
   device.rate = rate;
   return real(snd_pcm_set_params, "snd_pcm_set_params")(pcm, format, access, channels, rate, resample,
                                                         latency);
+}
+snd_pcm_state_t snd_pcm_state(snd_pcm_t* pcm) {
+  return device.writes >= device.startsAfter ? SND_PCM_STATE_RUNNING
+                                             : real(snd_pcm_state, "snd_pcm_state")(pcm);
 }
 snd_pcm_chmap_t* snd_pcm_get_chmap(snd_pcm_t*) {
   auto* map = static_cast<unsigned*>(std::calloc(device.positions.size() + 1, sizeof(unsigned)));
@@ -220,6 +225,10 @@ TEST(AudioOutput, TheMainThreadMayDoAnythingWhileTheAudioThreadWrites) {
   EXPECT_EQ(output.delayUs(), 20000) << "it has not started yet";
   output.flush();
   EXPECT_EQ(output.delayUs(), 0);
+  device.startsAfter = device.writes + 25;
+  for (int i = 0; i < 30; ++i) output.write(frame.get());
+  EXPECT_NEAR(double(output.delayUs()), 500000, 30000) << "none plays faster than time goes by";
+  output.flush();
   std::thread audio([&] {
     for (int i = 0; i < 300; ++i) output.write(frame.get());
   });

@@ -20,6 +20,8 @@ using std::chrono::steady_clock;
 /// No wait of the audio thread is longer, so that a signal needs no wake-up here.
 constexpr milliseconds longestWait{50};
 constexpr int slicesPerSecond = 20;
+/// A sound server tells too short a delay for a second or more after each start.
+constexpr std::chrono::seconds settlingTime{3};
 /// In a row, for one slice: a device that makes no room for two seconds, or that recovers only to refuse
 /// again, is as good as gone.
 constexpr int maxRefusals = 40;
@@ -105,7 +107,7 @@ void AudioOutput::wakeDevice() {
   const snd_pcm_state_t state = snd_pcm_state(pcm);
   if (state == SND_PCM_STATE_PREPARED || state == SND_PCM_STATE_RUNNING) return;
   prepare(pcm);
-  framesBeforeStart_ = 0;
+  framesSinceStart_ = 0;
 }
 
 int AudioOutput::renderBlock(const AVFrame& frame) {
@@ -136,14 +138,15 @@ int AudioOutput::sendBlock(int frames) {
     const int count = std::min(frames - sent, slice);
     if (!makesRoom(pcm, count)) continue;
     const auto* data = block_.data() + static_cast<std::ptrdiff_t>(sent) * device_.outputChannels;
+    if (snd_pcm_state(pcm) == SND_PCM_STATE_PREPARED) startedAt_ = steady_clock::now();
     const auto result = snd_pcm_writei(pcm, data, static_cast<snd_pcm_uframes_t>(count));
     if (result > 0) {
       sent += static_cast<int>(result);
-      framesBeforeStart_ += result;
+      framesSinceStart_ += result;
       refusals = -1;
     } else if (result < 0) {
       if (snd_pcm_recover(pcm, static_cast<int>(result), 1) < 0) break;
-      framesBeforeStart_ = 0;
+      framesSinceStart_ = 0;
     }
   }
   return sent;
@@ -166,7 +169,7 @@ void AudioOutput::flush() {
   if (resampler_) resampler_->drop();
   if (const int result = snd_pcm_drop(pcm); result < 0) snd_pcm_recover(pcm, result, 1);
   prepare(pcm);
-  framesBeforeStart_ = 0;
+  framesSinceStart_ = 0;
 }
 
 void AudioOutput::adjustVolume(double deltaDb) {
@@ -188,11 +191,23 @@ bool AudioOutput::reopen() {
   if (device_.pcm) return true;
   try {
     device_ = openDevice(device_.outputChannels, outputRate_);
-    framesBeforeStart_ = 0;
+    framesSinceStart_ = 0;
   } catch (const std::exception&) {
     return false;
   }
   return true;
+}
+
+/// What a device that has just started, or is about to, must still hold: it plays no faster than time goes
+/// by. One that has taken more than its buffer without a start keeps nothing.
+snd_pcm_sframes_t AudioOutput::unheardFrames(snd_pcm_t* pcm) const {
+  const snd_pcm_sframes_t buffer = bufferFrames(pcm);
+  if (snd_pcm_state(pcm) == SND_PCM_STATE_PREPARED)
+    return framesSinceStart_ <= buffer ? framesSinceStart_ : 0;
+  const auto running = steady_clock::now() - startedAt_;
+  if (running > settlingTime) return 0;
+  const auto playedUs = std::chrono::duration_cast<microseconds>(running).count();
+  return std::clamp<snd_pcm_sframes_t>(framesSinceStart_ - playedUs * outputRate_ / 1000000, 0, buffer);
 }
 
 std::int64_t AudioOutput::delayUs() {
@@ -201,12 +216,7 @@ std::int64_t AudioOutput::delayUs() {
   if (pcm == nullptr) return 0;
   snd_pcm_sframes_t frames = 0;
   if (snd_pcm_delay(pcm, &frames) < 0) frames = 0;
-  // A sound server may not know until it plays, though all that was written is still to be heard. A device
-  // that has taken more than its buffer without a start keeps nothing.
-  if (snd_pcm_state(pcm) == SND_PCM_STATE_PREPARED && framesBeforeStart_ <= bufferFrames(pcm)) {
-    frames = std::max(frames, framesBeforeStart_);
-  }
-  return std::max<std::int64_t>(frames, 0) * 1000000 / outputRate_;
+  return std::max(frames, unheardFrames(pcm)) * 1000000 / outputRate_;
 }
 
 }  // namespace tavek

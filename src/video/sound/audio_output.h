@@ -56,6 +56,7 @@ class AudioOutput {
 
  private:
   int play(const AVFrame& frame);
+  snd_pcm_sframes_t unheardFrames(snd_pcm_t* pcm) const;
   void wakeDevice();
   int renderBlock(const AVFrame& frame);
   int sendBlock(int frames);
@@ -72,8 +73,8 @@ class AudioOutput {
   Shelf bass_;
   Shelf treble_;
   std::vector<std::int16_t> block_;
-  snd_pcm_sframes_t framesBeforeStart_ =
-      0;  ///< written since the device was last empty; of use until it plays
+  snd_pcm_sframes_t framesSinceStart_ = 0;             ///< taken by the device since it was prepared
+  std::chrono::steady_clock::time_point startedAt_;    ///< the write with which it began to play
   std::chrono::steady_clock::time_point silentUntil_;  ///< when the last dropped sound would have ended
 };
 
