@@ -102,11 +102,6 @@ std::optional<int> Screen::number(const Line& line) const {
   return number;
 }
 
-void Screen::png(const std::filesystem::path& file) const {
-  Program convert({"convert", "xwd:" + (folder_.path() / "Xvfb_screen0").string(), file}, {});
-  if (!convert.waitForEnd(30) || convert.status() != 0) throw std::runtime_error(convert.errors());
-}
-
 bool Screen::focusWindow(double seconds) {
   return waitUntil(seconds, [this] {
     Window root = 0;

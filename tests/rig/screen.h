@@ -55,7 +55,6 @@ class Screen {
     return found;
   }
   std::optional<int> number(const Line& line = fullWidth) const;
-  void png(const std::filesystem::path& file) const;
 
   /// Waits for a window and gives it the input focus, as a window manager would.
   bool focusWindow(double seconds);

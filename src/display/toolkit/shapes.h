@@ -22,7 +22,8 @@ class BlendScope {
   SDL_BlendMode before_ = SDL_BLENDMODE_NONE;
 };
 
-/// A rectangle in blend mode as set; empty and negative sizes draw nothing.
+/// A rectangle, blended as the renderer is set; an opaque one just covers. Empty and negative sizes draw
+/// nothing.
 void fillRect(SDL_Renderer* renderer, const SDL_Rect& rect, Colour colour);
 void outlineRect(SDL_Renderer* renderer, const SDL_Rect& rect, Colour colour);
 
