@@ -1,4 +1,4 @@
-# One static library per folder of src/, named after it: video/play becomes tavek_video_play.
+# One static library per folder of src/, named after it: display/toolkit becomes tavek_display_toolkit.
 # A room owns the sources of its own folder, not those of the folders below it.
 function(tavek_room folder)
   string(REPLACE "/" "_" name ${folder})

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "video/demultiplex/error.h"
+#include "media/error.h"
 
 namespace tavek {
 

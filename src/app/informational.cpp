@@ -13,7 +13,7 @@ extern "C" {
 
 #include "app/build_info.h"
 #include "base/console.h"
-#include "video/demultiplex/file_types.h"
+#include "library/file_types.h"
 
 namespace tavek {
 namespace {

@@ -13,12 +13,12 @@
 #include "base/console.h"
 #include "base/process_flags.h"
 #include "display/display.h"
+#include "library/file_types.h"
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
+#include "player/playback_timer.h"
 #include "state/state_store.h"
-#include "video/demultiplex/file_types.h"
-#include "video/play/item_loop.h"
-#include "video/play/playback_timer.h"
+#include "viewing/item_loop.h"
 
 namespace tavek {
 namespace {

@@ -4,7 +4,7 @@
 #include "app/options.h"
 #include "base/process_flags.h"
 #include "display/display.h"
-#include "video/play/item_loop.h"
+#include "viewing/item_loop.h"
 
 namespace tavek {
 

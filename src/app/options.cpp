@@ -9,7 +9,7 @@
 
 #include "base/paths.h"
 #include "base/process_flags.h"
-#include "video/demultiplex/file_types.h"
+#include "library/file_types.h"
 
 namespace tavek {
 namespace {

@@ -1,8 +1,8 @@
 #include "display/display.h"
 
 #include "base/process_flags.h"
+#include "library/file_types.h"
 #include "library/media_paths.h"
-#include "video/demultiplex/file_types.h"
 
 namespace tavek {
 

@@ -4,9 +4,9 @@
 #include "display/display.h"
 #include "display/strip_layout.h"
 #include "display/strip_view.h"
+#include "library/file_types.h"
 #include "library/media_paths.h"
 #include "state/state_store.h"
-#include "video/demultiplex/file_types.h"
 
 namespace tavek {
 namespace {

@@ -9,10 +9,10 @@
 #include "display/poster_tile.h"
 #include "display/toolkit/fonts.h"
 #include "library/episode_still.h"
+#include "library/file_types.h"
 #include "library/folder_walk.h"
 #include "library/usable_file.h"
 #include "state/json_write.h"
-#include "video/demultiplex/file_types.h"
 
 namespace tavek {
 namespace {

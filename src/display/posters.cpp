@@ -6,10 +6,10 @@
 #include "base/text.h"
 #include "display/strip_layout.h"
 #include "library/episode_name.h"
+#include "library/file_types.h"
 #include "library/media_paths.h"
 #include "library/titles.h"
 #include "state/state_store.h"
-#include "video/demultiplex/file_types.h"
 
 namespace tavek {
 namespace {

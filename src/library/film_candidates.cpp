@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "base/text.h"
+#include "library/file_types.h"
 #include "library/match_key.h"
 #include "library/titles.h"
-#include "video/demultiplex/file_types.h"
 
 namespace tavek {
 namespace {

@@ -4,10 +4,10 @@
 
 #include "base/text.h"
 #include "library/episode_name.h"
+#include "library/file_types.h"
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
 #include "library/titles.h"
-#include "video/demultiplex/file_types.h"
 
 namespace tavek {
 namespace {

@@ -8,12 +8,12 @@
 #include "base/text.h"
 #include "library/episode_name.h"
 #include "library/episode_still.h"
+#include "library/file_types.h"
 #include "library/film_candidates.h"
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
 #include "library/natural_order.h"
 #include "library/poster_candidate.h"
-#include "video/demultiplex/file_types.h"
 
 namespace tavek {
 namespace {

@@ -1,9 +1,9 @@
 #include "library/video_match.h"
 
+#include "library/file_types.h"
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
 #include "library/titles.h"
-#include "video/demultiplex/file_types.h"
 
 namespace tavek {
 

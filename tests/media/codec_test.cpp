@@ -1,12 +1,12 @@
-#include "video/codec/codec.h"
+#include "media/codec.h"
 
 #include <cstdlib>
 
 #include <gmock/gmock.h>
 
 #include "base/process_flags.h"
-#include "video/codec/decoder_choice.h"
-#include "video/demultiplex/error.h"
+#include "media/decoder_choice.h"
+#include "media/error.h"
 
 namespace tavek {
 namespace {

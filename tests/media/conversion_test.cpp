@@ -1,4 +1,4 @@
-#include "video/codec/conversion.h"
+#include "media/conversion.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "video/demultiplex/demultiplexer.h"
+#include "media/demultiplexer.h"
 
 #include <gtest/gtest.h>
 
+#include "media/codec.h"
+#include "media/error.h"
 #include "support/temp_folder.h"
-#include "video/codec/codec.h"
-#include "video/demultiplex/error.h"
 
 namespace tavek {
 

@@ -1,24 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "video/demultiplex/error.h"
-#include "video/demultiplex/file_types.h"
-#include "video/demultiplex/stream_choice.h"
+#include "media/error.h"
+#include "media/stream_choice.h"
 
 namespace tavek {
-
-TEST(FileTypes, AreToldByTheExtension) {
-  for (const char* audio : {"a.FLAC", "a.mp3", "a.alac"}) EXPECT_TRUE(isAudioFile(audio)) << audio;
-  for (const char* video : {"a.MKV", "/b/a.rmvb", "a.mp3"}) EXPECT_TRUE(isVideoFile(video)) << video;
-  for (const char* none :
-       {"a.jpg", "a.WebP", "a.SRT", "a.nfo", "a.mkv.zip", "mkv", ".mkv", "", "a.", "/x.mkv/a"}) {
-    EXPECT_FALSE(isAudioFile(none) || isVideoFile(none)) << none;
-  }
-  const auto complete = completeVideoExtensions({"JPG", "Odd", ".dot"});
-  EXPECT_TRUE(complete.contains(".odd") && complete.contains(".dot"));
-  EXPECT_EQ(complete.size(), 25u + 2u);
-  const auto listed = demuxerExtensions();
-  EXPECT_TRUE(listed.contains("mka") && listed.contains("mp3") && !listed.contains(""));
-}
 
 TEST(AudioChoice, PutsChannelsBeforeLanguage) {
   const std::pair<std::vector<AudioStream>, std::optional<std::size_t>> cases[] = {

@@ -1,4 +1,4 @@
-#include "video/sound/audio_output.h"
+#include "sound/audio_output.h"
 
 #include <chrono>
 #include <cstring>
@@ -9,8 +9,8 @@
 #include <gmock/gmock.h>
 
 #include "base/process_flags.h"
+#include "media/handles.h"
 #include "support/temp_folder.h"
-#include "video/demultiplex/handles.h"
 
 namespace tavek {
 namespace {

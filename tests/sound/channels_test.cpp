@@ -5,9 +5,9 @@
 #include <alsa/asoundlib.h>
 #include <gtest/gtest.h>
 
+#include "sound/channel_rules.h"
+#include "sound/eld.h"
 #include "support/temp_folder.h"
-#include "video/sound/channel_rules.h"
-#include "video/sound/eld.h"
 
 namespace tavek {
 namespace {

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "video/sound/shelf.h"
-#include "video/sound/volume.h"
+#include "sound/shelf.h"
+#include "sound/volume.h"
 
 namespace tavek {
 namespace {

@@ -1,0 +1,89 @@
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "player/pacing.h"
+#include "player/playback_timer.h"
+#include "player/seek_rules.h"
+
+namespace tavek {
+namespace {
+
+TEST(Pacing, WaitsByIntervalAndAudio) {
+  const struct {
+    const char* what;
+    Pacing before;
+    std::int64_t pts, audio;
+    std::int64_t wait, interval;
+    bool resets;
+  } cases[] = {
+      {"first picture shows at once", {}, 0, 0, 0, 0, true},
+      {"first picture in the band shows at once", {}, 100'000, 92'000, 0, 0, true},
+      {"first picture ahead waits a quarter", {}, 140'000, 100'000, 10'000, 0, true},
+      {"first picture behind waits the least", {}, 50'000, 100'000, 8'000, 0, true},
+      {"second picture learns the interval", {false, false, 0, 0}, 40'000, 0, 40'000, 40'000, false},
+      {"later ones smooth it", {false, false, 0, 40'000}, 44'000, 0, 41'000, 41'000, false},
+      {"no step keeps it", {false, false, 40'000, 30'000}, 40'000, 0, 30'000, 30'000, false},
+      {"a step back with none learned", {false, false, 40'000, 0}, 30'000, 0, 16'667, 16'667, false},
+      {"a long gap is no interval", {false, false, 0, 30'000}, 1'000'001, 0, 30'000, 30'000, false},
+      {"slow streams wait 50 ms at most", {false, false, 0, 100'000}, 100'000, 0, 50'000, 100'000, false},
+      {"fast streams wait 8 ms at least", {false, false, 0, 4'000}, 4'000, 0, 8'000, 4'000, false},
+      {"inside the band nothing is corrected",
+       {false, false, 0, 40'000},
+       40'000,
+       48'000,
+       40'000,
+       40'000,
+       false},
+      {"ahead by 16 ms waits 4 longer", {false, false, 0, 40'000}, 40'000, 24'000, 44'000, 40'000, false},
+      {"far ahead is limited to 50 ms", {false, false, 0, 40'000}, 40'000, 1, 49'999, 40'000, false},
+      {"far behind waits 20 less", {false, false, 0, 40'000}, 40'000, 900'000, 20'000, 40'000, false},
+      {"behind at 60 a second", {false, false, 0, 16'667}, 16'667, 900'000, 8'000, 16'667, false},
+      {"after a pause the interval is the default", {true, false, 7, 0}, 90'000, 0, 16'667, 16'667, true},
+      {"a pause and a seek", {true, true, 7, 40'000}, 90'000, 10'000, 36'667, 16'667, true},
+  };
+  for (const auto& c : cases) {
+    Pacing pacing = c.before;
+    const PaceStep step = pace(pacing, c.pts, c.audio);
+    EXPECT_EQ(step.waitUs, c.wait) << c.what;
+    EXPECT_EQ(step.resetTimer, c.resets) << c.what;
+    EXPECT_EQ(pacing.frameIntervalUs, c.interval) << c.what;
+    EXPECT_EQ(pacing.lastPositionUs, c.pts) << c.what;
+    EXPECT_FALSE(pacing.resetClock) << c.what;
+  }
+}
+
+TEST(PlaybackTimer, WorksOffFourIntervalsOfLateness) {
+  using std::chrono::milliseconds;
+  constexpr std::int64_t d = 40'000;
+  for (const auto& [stallMs, restarts] :
+       {std::pair{150, false}, std::pair{300, true}, std::pair{1000, true}}) {
+    PlaybackTimer timer;
+    auto now = PlaybackTimer::Clock::time_point(milliseconds(5000));
+    timer.reset(now);
+    EXPECT_EQ(timer.expectedSleepUs(now, d), d);
+    EXPECT_EQ(timer.advance(now, d), d);  // due at 40 ms
+    now += milliseconds(30);
+    EXPECT_EQ(timer.expectedSleepUs(now, d), 50'000);
+    EXPECT_EQ(timer.advance(now, d), 50'000);  // due at 80 ms
+    now += milliseconds(50 + 40 + stallMs);
+    EXPECT_EQ(timer.advance(now, d), 0);
+    EXPECT_EQ(timer.advance(now, d) == d, restarts) << stallMs;
+  }
+}
+
+TEST(SeekRules, StepsGrowAndWrap) {
+  for (const auto& [heldMs, seconds] : {std::pair{0, 10}, std::pair{999, 10}, std::pair{1000, 20},
+                                        std::pair{4999, 50}, std::pair{5000, 60}, std::pair{60000, 60}}) {
+    EXPECT_EQ(seekStepUs(heldMs), seconds * 1'000'000) << heldMs;
+  }
+  EXPECT_EQ(wrapPosition(-1, 100), 0);
+  EXPECT_EQ(wrapPosition(100, 100), 100);
+  EXPECT_EQ(wrapPosition(101, 100), 0);
+  EXPECT_EQ(wrapPosition(101, 0), 101);
+}
+
+}  // namespace
+}  // namespace tavek
