@@ -13,28 +13,13 @@
 #include <thread>
 #include <tuple>
 #include <unistd.h>
-#include <utility>
+
+#include "base/descriptor.h"
 
 namespace tavek {
 namespace {
 
 namespace fs = std::filesystem;
-
-class Descriptor {
- public:
-  explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
-  ~Descriptor() { close(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  bool isOpen() const { return descriptor_ >= 0; }
-  int get() const { return descriptor_; }
-  /// False if the system lost bytes that it had taken before.
-  bool close() { return isOpen() && ::close(std::exchange(descriptor_, -1)) == 0; }
-
- private:
-  int descriptor_;
-};
 
 std::string hexadecimal(std::uint64_t number) {
   std::array<char, 16> digits{};
@@ -67,15 +52,14 @@ void syncFolder(const fs::path& folder) {
 
 enum class Outcome { Done, Failed, NoTemporary };
 
-Outcome writeBesideAndRename(const fs::path& file, std::string_view bytes) {
+Outcome writeBesideAndRename(const fs::path& file, std::string_view bytes, std::optional<mode_t> mode) {
   struct stat old {};
-  const bool existed = ::stat(file.c_str(), &old) == 0;
+  if (!mode && ::stat(file.c_str(), &old) == 0) mode = old.st_mode & 07777;
   const fs::path temporary = temporaryFor(file);
-  // The old permissions are kept, and nobody else may look before they are set.
-  Descriptor out(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC,
-                        existed ? S_IRUSR | S_IWUSR : 0666));
+  // Nobody else may look before the permissions are set.
+  Descriptor out(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, mode ? 0600 : 0666));
   if (!out.isOpen()) return errno == ENOSPC || errno == EDQUOT ? Outcome::Failed : Outcome::NoTemporary;
-  if (existed) std::ignore = ::fchmod(out.get(), old.st_mode & 07777);
+  if (mode) std::ignore = ::fchmod(out.get(), *mode);
 
   const bool written = writeAll(out.get(), bytes) && ::fsync(out.get()) == 0;
   if (out.close() && written && std::rename(temporary.c_str(), file.c_str()) == 0) {
@@ -86,10 +70,11 @@ Outcome writeBesideAndRename(const fs::path& file, std::string_view bytes) {
   return Outcome::Failed;
 }
 
-bool writeInPlace(const fs::path& file, std::string_view bytes) {
-  Descriptor out(::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+bool writeInPlace(const fs::path& file, std::string_view bytes, std::optional<mode_t> mode) {
+  Descriptor out(::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, mode.value_or(0666)));
   struct stat old {};
   if (!out.isOpen() || ::fstat(out.get(), &old) != 0) return false;
+  if (mode) std::ignore = ::fchmod(out.get(), *mode);
   // Room first: once the old bytes are overwritten there is no way back.
   const auto size = static_cast<off_t>(bytes.size());
   if (size > 0 && ::posix_fallocate(out.get(), 0, size) != 0) {
@@ -102,13 +87,21 @@ bool writeInPlace(const fs::path& file, std::string_view bytes) {
 
 }  // namespace
 
-bool replaceFile(const fs::path& file, std::string_view bytes) {
+bool replaceFile(const fs::path& file, std::string_view bytes, std::optional<mode_t> mode) {
   std::error_code error;
   fs::path target = fs::canonical(file, error);  // a link stays one, what it leads to is replaced
   if (error) target = file;
   fs::create_directories(target.parent_path(), error);
-  const Outcome outcome = writeBesideAndRename(target, bytes);
-  return outcome == Outcome::NoTemporary ? writeInPlace(target, bytes) : outcome == Outcome::Done;
+  const Outcome outcome = writeBesideAndRename(target, bytes, mode);
+  return outcome == Outcome::NoTemporary ? writeInPlace(target, bytes, mode) : outcome == Outcome::Done;
+}
+
+bool renameNoReplace(const fs::path& from, const fs::path& to) {
+  if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return true;
+  // A file system that cannot do both at once leaves a moment in which somebody else may make the file.
+  std::error_code error;
+  if (errno != EINVAL || fs::exists(fs::symlink_status(to, error))) return false;
+  return std::rename(from.c_str(), to.c_str()) == 0;
 }
 
 }  // namespace tavek

@@ -1,7 +1,10 @@
 #include "base/paths.h"
 
+#include <array>
 #include <cstdlib>
+#include <pwd.h>
 #include <system_error>
+#include <unistd.h>
 
 namespace tavek {
 namespace {
@@ -11,6 +14,20 @@ namespace fs = std::filesystem;
 fs::path placeOf(const char* variable, const fs::path& fixed) {
   const char* moved = std::getenv(variable);
   return moved != nullptr && *moved != '\0' ? fs::path(moved) : fixed;
+}
+
+std::string baseOf(const char* variable, const char* fixed) {
+  std::string base = placeOf(variable, fixed).string();
+  while (base.ends_with('/')) base.pop_back();
+  return base;
+}
+
+fs::path systemHomeFolder() {
+  std::array<char, 4096> buffer{};
+  passwd entry{};
+  passwd* found = nullptr;
+  getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found);
+  return found != nullptr && found->pw_dir != nullptr ? found->pw_dir : "";
 }
 
 fs::path systemFontFolder() {
@@ -54,6 +71,36 @@ const fs::path& fontFolder() {
 const fs::path& alsaProcFolder() {
   static const fs::path folder = placeOf("TAVEK_PROC_ASOUND", "/proc/asound");
   return folder;
+}
+
+const fs::path& homeFolder() {
+  static const fs::path folder = placeOf("TAVEK_HOME", systemHomeFolder());
+  return folder;
+}
+
+const fs::path& etcFolder() {
+  static const fs::path folder = placeOf("TAVEK_ETC", "/etc");
+  return folder;
+}
+
+const std::string& tmdbApiBase() {
+  static const std::string base = baseOf("TAVEK_TMDB_API", "https://api.themoviedb.org/3");
+  return base;
+}
+
+const std::string& tmdbImageBase() {
+  static const std::string base = baseOf("TAVEK_TMDB_IMAGES", "https://image.tmdb.org/t/p");
+  return base;
+}
+
+const std::string& fanartApiBase() {
+  static const std::string base = baseOf("TAVEK_FANART_API", "https://webservice.fanart.tv/v3");
+  return base;
+}
+
+const std::string& tvdbApiBase() {
+  static const std::string base = baseOf("TAVEK_TVDB_API", "https://api4.thetvdb.com/v4");
+  return base;
 }
 
 }  // namespace tavek

@@ -18,5 +18,16 @@ const std::filesystem::path& stateFile();
 const std::filesystem::path& fontFolder();
 /// What ALSA tells of its cards, /proc/asound; TAVEK_PROC_ASOUND.
 const std::filesystem::path& alsaProcFolder();
+/// The home folder of the process's user, with the device files in it; TAVEK_HOME. Empty if the system knows
+/// none.
+const std::filesystem::path& homeFolder();
+/// The system's settings, /etc; TAVEK_ETC.
+const std::filesystem::path& etcFolder();
+
+/// Where the web services answer, without a slash at the end.
+const std::string& tmdbApiBase();    ///< TAVEK_TMDB_API
+const std::string& tmdbImageBase();  ///< TAVEK_TMDB_IMAGES
+const std::string& fanartApiBase();  ///< TAVEK_FANART_API
+const std::string& tvdbApiBase();    ///< TAVEK_TVDB_API
 
 }  // namespace tavek

@@ -1,5 +1,6 @@
 #include "display/display.h"
 
+#include "base/background_job.h"
 #include "base/process_flags.h"
 #include "library/file_types.h"
 #include "library/media_paths.h"
@@ -16,6 +17,8 @@ Display::~Display() {
   picture_.destroy();
   clearLogo_.drop();
   posters_.clear();
+  // And the fonts of a loader before the library of fonts.
+  joinLeftThreads(std::chrono::milliseconds(1000));
 }
 
 NavCode Display::pollInput() {

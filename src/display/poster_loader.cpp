@@ -40,95 +40,102 @@ SurfacePtr loadTile(const fs::path& image) {
   return tile;
 }
 
+/// For names on placeholders; fonts may not be shared between threads.
+class TileMaker {
+ public:
+  TileMaker() : font_(openRegularFont(nameSize)) {}
+
+  SurfacePtr make(ListingKind kind, const ListedPoster& poster, const Flag& stop) const {
+    if (kind == ListingKind::Seasons) ensureJsonFile(fs::path(poster.path).parent_path() / "playback.json");
+    if (kind == ListingKind::Episodes) makeEpisodeThumb(poster.path, poster.image, stop);
+
+    // A folder without a poster is no failure to tell of.
+    std::error_code ignored;
+    const bool expected = kind == ListingKind::Videos || fs::is_regular_file(poster.image, ignored);
+    SurfacePtr tile = expected ? loadTile(poster.image) : nullptr;
+    if (kind == ListingKind::Albums) {
+      tile = makeAlbumTile(std::move(tile));
+    } else if (!tile && kind != ListingKind::Videos) {
+      tile = makePlaceholder(poster.label, font_.get());
+    }
+    if (!tile && kind != ListingKind::Videos && debugEnabled) {
+      std::cerr << "[POSTER] placeholder failed: " << poster.label << std::endl;
+    }
+    return tile;
+  }
+
+ private:
+  FontPtr font_;
+};
+
+/// SDL keeps its last error for each thread, and looks after its own threads only.
+struct ThreadStorage {
+  ThreadStorage() = default;
+  ~ThreadStorage() { SDL_TLSCleanup(); }
+  ThreadStorage(const ThreadStorage&) = delete;
+  ThreadStorage& operator=(const ThreadStorage&) = delete;
+};
+
 }  // namespace
 
-bool PosterLoader::start(const fs::path& folder) {
-  std::error_code error;
-  if (!fs::exists(folder, error) || !hasMedia(folder)) return false;
+void PosterLoader::start(const fs::path& folder) {
   folder_ = folder.lexically_normal();
-  if (!font_) font_ = openRegularFont(nameSize);
-  running_ = true;
-  stop_ = false;
-  thread_ = std::thread([this] { run(); });
-  return true;
+  backlog_ = {};
+  job_.start([folder = folder_](JobSide<Message>& side) { loadPosters(folder, side); });
 }
 
 PosterBacklog PosterLoader::stop() {
-  stop_ = true;
-  if (thread_.joinable()) thread_.join();
-  const std::lock_guard held(posterLock_);
+  collect();
+  job_.leave();
   return std::exchange(backlog_, {});
 }
 
 void PosterLoader::restore(PosterBacklog backlog) {
-  const std::lock_guard held(posterLock_);
   backlog_ = std::move(backlog);
 }
 
-void PosterLoader::run() {
-  try {
-    loadPosters();
-  } catch (const std::exception&) {
-    // The list ends with what it has.
-  }
-  // SDL keeps its last error for each thread, and looks after its own threads only.
-  SDL_TLSCleanup();
-  running_ = false;
-}
-
-void PosterLoader::loadPosters() {
-  PosterListing listing = listPosters(folder_, stop_);
-  {
-    const std::lock_guard held(posterLock_);
-    backlog_.posterTotal = listing.posters.size();
-  }
+void PosterLoader::loadPosters(const fs::path& folder, JobSide<Message>& side) {
+  const ThreadStorage storage;
+  if (!hasMedia(folder)) return;
+  PosterListing listing = listPosters(folder, side.stop());
+  side.post(listing.posters.size());
   if (debugEnabled) {
     std::cout << "[POSTER] " << listingNoun(listing.kind) << " found: " << listing.posters.size()
-              << " root=" << folder_.string() << std::endl;
+              << " root=" << folder.string() << std::endl;
   }
+  const TileMaker maker;
   for (ListedPoster& poster : listing.posters) {
-    if (stop_) return;
-    SurfacePtr tile = fittedToHeight(makeTile(listing.kind, poster), tallestPoster);
-    if (!tile) continue;
-    const std::lock_guard held(posterLock_);
-    backlog_.pendingPosters.push_back({std::move(poster), std::move(tile)});
+    if (side.stop()) return;
+    SurfacePtr tile = fittedToHeight(maker.make(listing.kind, poster, side.stop()), tallestPoster);
+    if (tile) side.post(PendingPoster{std::move(poster), std::move(tile)});
   }
 }
 
-SurfacePtr PosterLoader::makeTile(ListingKind kind, const ListedPoster& poster) {
-  if (kind == ListingKind::Seasons) ensureJsonFile(fs::path(poster.path).parent_path() / "playback.json");
-  if (kind == ListingKind::Episodes) makeEpisodeThumb(poster.path, poster.image);
-
-  // A folder without a poster is no failure to tell of.
-  std::error_code ignored;
-  const bool expected = kind == ListingKind::Videos || fs::is_regular_file(poster.image, ignored);
-  SurfacePtr tile = expected ? loadTile(poster.image) : nullptr;
-  if (kind == ListingKind::Albums) {
-    tile = makeAlbumTile(std::move(tile));
-  } else if (!tile && kind != ListingKind::Videos) {
-    tile = makePlaceholder(poster.label, font_.get());
+void PosterLoader::collect() {
+  while (auto message = job_.take()) {
+    if (const auto* total = std::get_if<std::size_t>(&*message)) {
+      backlog_.posterTotal = *total;
+    } else {
+      backlog_.pendingPosters.push_back(std::get<PendingPoster>(std::move(*message)));
+    }
   }
-  if (!tile && kind != ListingKind::Videos && debugEnabled) {
-    std::cerr << "[POSTER] placeholder failed: " << poster.label << std::endl;
-  }
-  return tile;
 }
 
 std::optional<PendingPoster> PosterLoader::takePending() {
-  const std::lock_guard held(posterLock_);
+  collect();
   if (backlog_.pendingPosters.empty()) return {};
   PendingPoster first = std::move(backlog_.pendingPosters.front());
   backlog_.pendingPosters.pop_front();
   return first;
 }
 
-std::size_t PosterLoader::pendingCount() const {
-  const std::lock_guard held(posterLock_);
+std::size_t PosterLoader::pendingCount() {
+  collect();
   return backlog_.pendingPosters.size();
 }
 
-std::size_t PosterLoader::posterTotal() const {
-  const std::lock_guard held(posterLock_);
+std::size_t PosterLoader::posterTotal() {
+  collect();
   return backlog_.posterTotal;
 }
 

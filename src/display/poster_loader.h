@@ -3,11 +3,10 @@
 #include <cstddef>
 #include <deque>
 #include <filesystem>
-#include <mutex>
 #include <optional>
-#include <thread>
+#include <variant>
 
-#include "base/process_flags.h"
+#include "base/background_job.h"
 #include "display/toolkit/sdl_handles.h"
 #include "library/poster_listing.h"
 
@@ -28,44 +27,33 @@ struct PosterBacklog {
   std::size_t posterTotal = 0;  ///< how many tiles come in all; 0 until the folder is listed
 };
 
-/// Lists one folder and decodes its tiles on a thread of its own, at most one at a time. The main thread
-/// starts and stops it and takes what is done. posterLock_ guards the queue and the count; the loader itself
-/// touches neither the renderer nor anything that the screen draws with.
+/// Lists one folder and decodes its tiles in the background, at most one at a time. It touches neither the
+/// renderer nor anything that the screen draws with. Main thread only.
 class PosterLoader {
  public:
-  PosterLoader() = default;
-  ~PosterLoader() { stop(); }
-  PosterLoader(const PosterLoader&) = delete;
-  PosterLoader& operator=(const PosterLoader&) = delete;
-
-  /// False if there is no media in the folder, or no folder: nothing is loaded then. The loader must be
-  /// stopped.
-  bool start(const std::filesystem::path& folder);
-  /// Waits for the tile that is being made, which may take a run of ffmpeg, and hands over what is left.
+  /// Leaves the folder before. A folder that is not there, or holds no media, comes out empty.
+  void start(const std::filesystem::path& folder);
+  /// Hands over what is left, without waiting for the tile that is being made.
   PosterBacklog stop();
   /// Goes on with what an earlier stop() gave.
   void restore(PosterBacklog backlog);
-  /// The thread is at work on this folder.
-  bool loading(const std::filesystem::path& folder) const { return running_ && folder == folder_; }
+  /// It is at work on this folder.
+  bool loading(const std::filesystem::path& folder) const { return job_.running() && folder == folder_; }
 
   std::optional<PendingPoster> takePending();
-  std::size_t pendingCount() const;
-  std::size_t posterTotal() const;
-  /// The thread has ended.
-  bool finished() const { return !running_; }
+  std::size_t pendingCount();
+  std::size_t posterTotal();
+  /// Nothing more comes.
+  bool finished() const { return !job_.running(); }
 
  private:
-  void run();
-  void loadPosters();
-  SurfacePtr makeTile(ListingKind kind, const ListedPoster& poster);
+  /// The number of tiles, or one of them.
+  using Message = std::variant<std::size_t, PendingPoster>;
+  static void loadPosters(const std::filesystem::path& folder, JobSide<Message>& side);
+  void collect();
 
   std::filesystem::path folder_;
-  FontPtr font_;  ///< for names on placeholders; fonts may not be shared between threads
-  Flag running_;
-  Flag stop_;
-  std::thread thread_;
-
-  mutable std::mutex posterLock_;
+  BackgroundJob<Message> job_;
   PosterBacklog backlog_;
 };
 

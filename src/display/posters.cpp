@@ -63,7 +63,7 @@ bool sameFile(const std::string& poster, const fs::path& media) {
 
 }  // namespace
 
-bool Posters::isOpen(const fs::path& path) const {
+bool Posters::isOpen(const fs::path& path) {
   const fs::path folder = path.lexically_normal();
   if (loader_.loading(folder)) return true;
   const std::size_t loaded = page_.posters.size() + loader_.pendingCount();

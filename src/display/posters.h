@@ -30,9 +30,9 @@ struct Poster {
 class Posters {
  public:
   /// The folder is the open one, and complete or on its way to be.
-  bool isOpen(const std::filesystem::path& path) const;
+  bool isOpen(const std::filesystem::path& path);
   /// Makes a folder the open one. One that was completely loaded before comes back at once; any other is
-  /// loaded. Leaving a folder waits for the tile that its loader is making.
+  /// loaded.
   void openPosterFolder(SDL_Renderer* renderer, const std::filesystem::path& path);
   /// Turns up to `count` loaded tiles into textures, for posters of a height in pixels.
   void takePendingPosters(SDL_Renderer* renderer, int height, int count);

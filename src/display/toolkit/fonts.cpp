@@ -21,7 +21,9 @@ class Face {
   }
 
   FontPtr open(int size) const {
-    return FontPtr(size > 0 && !file_.empty() ? TTF_OpenFont(file_.c_str(), size) : nullptr);
+    if (size <= 0 || file_.empty()) return nullptr;
+    const std::lock_guard held(fontLock);
+    return FontPtr(TTF_OpenFont(file_.c_str(), size));
   }
 
   TTF_Font* get(int size) {

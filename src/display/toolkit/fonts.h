@@ -10,7 +10,7 @@ namespace tavek {
 TTF_Font* regularFont(int size);
 TTF_Font* thinFont(int size);
 
-/// A font of the regular face for one drawing, which no table keeps; null as above.
+/// A font of the regular face for one drawing or one thread, which no table keeps; null as above. Any thread.
 FontPtr openRegularFont(int size);
 
 /// Closes all that the tables hold; has to run before TTF_Quit.

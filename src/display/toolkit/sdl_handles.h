@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 
 #include <SDL.h>
 #include <SDL_ttf.h>
@@ -14,8 +15,16 @@ struct SdlDeleter {
   void operator()(SDL_Renderer* renderer) const { SDL_DestroyRenderer(renderer); }
   void operator()(SDL_Texture* texture) const { SDL_DestroyTexture(texture); }
   void operator()(SDL_Surface* surface) const { SDL_FreeSurface(surface); }
-  void operator()(TTF_Font* font) const { TTF_CloseFont(font); }
+  void operator()(TTF_Font* font) const;
 };
+
+/// Held while a font is opened or closed, since those of all threads hang on one library.
+inline std::mutex fontLock;
+
+inline void SdlDeleter::operator()(TTF_Font* font) const {
+  const std::lock_guard held(fontLock);
+  TTF_CloseFont(font);
+}
 
 /// SDL_GLContext is a plain void*, so it can't share the overloads above.
 struct GlContextDeleter {
