@@ -47,7 +47,7 @@ SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode s
       break;
     }
     try {
-      Play play(context.display, path, context.language, soundMode);
+      ItemPlay play(context.display, path, context.language, soundMode);
       play.run();
       if (quitRequested || !play.nextPath()) break;
       path = play.nextPath()->string();
