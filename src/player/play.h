@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -8,10 +9,15 @@
 
 #include "base/clock.h"
 #include "base/sound_mode.h"
+#include "media/handles.h"
 #include "media/movie_info.h"
+#include "player/pacer.h"
+#include "player/worker.h"
 #include "sound/audio_output.h"
 
 namespace tavek {
+
+class Engine;
 
 struct PlayItem {
   std::string path;
@@ -47,7 +53,7 @@ class Play {
   void start(std::int64_t positionUs);
   void pause();
   void resume();
-  bool paused() const;
+  bool paused() const { return paused_; }
   /// Before the start, or behind a known end, is the start.
   void requestSeek(std::int64_t positionUs);
 
@@ -66,9 +72,9 @@ class Play {
   /// Planar YUV 4:2:0; null before the first. Black for a song.
   const AVFrame* picture() const;
   /// Differs between any two pictures of the process.
-  std::uint64_t pictureSerial() const;
+  std::uint64_t pictureSerial() const { return serial_; }
   /// Of the last picture, or the target of a seek since then.
-  std::int64_t positionUs() const;
+  std::int64_t positionUs() const { return positionUs_; }
   /// What comes out of the device right now; 0: nobody knows.
   std::int64_t heardUs() const;
   /// 0 when it is not known.
@@ -89,8 +95,31 @@ class Play {
   std::exception_ptr error() const;
 
  private:
-  struct State;
-  std::unique_ptr<State> state_;
+  bool followsSound() const;
+  Turn pictureTurn();
+  Turn soundTurn();
+  bool takeNext(std::chrono::milliseconds limit);
+  bool takeFresh();
+  void showNext();
+  bool heardOut() const;
+
+  Clock& clock_;
+  const std::shared_ptr<Engine> engine_;
+  Worker reading_;
+  Worker decodingPictures_;
+  Worker decodingSound_;
+
+  Pacer pacer_;
+  ffmpeg::FramePtr next_;           ///< the picture that waits for its time
+  std::optional<Clock::Time> due_;  ///< of next_, once that is worked out
+  ffmpeg::FramePtr picture_;        ///< the one to show; null for a song
+  std::uint64_t serial_ = 0;
+  std::int64_t positionUs_ = 0;
+  bool paused_ = false;
+  bool picturesOver_ = false;
+  unsigned shownRound_ = 0;   ///< the seek after which the picture came
+  Clock::Time turnAt_{};      ///< the last picture's turn
+  Clock::Time positionAt_{};  ///< until when positionUs_ counts where it follows the sound
 };
 
 }  // namespace tavek

@@ -1,0 +1,67 @@
+#include "player/engine.h"
+
+#include <exception>
+#include <utility>
+
+#include "library/file_types.h"
+#include "player/black_picture.h"
+
+namespace tavek {
+
+/// Nothing that a file holds may end more than its item.
+template <typename Body>
+void Engine::guard(const Body& body) {
+  try {
+    body();
+  } catch (...) {
+    exchange_.fail(std::current_exception());
+  }
+}
+
+void Engine::openAndRead() {
+  guard([&] { open(); });
+  opening_ = exchange_.error() ? Play::Opening::Failed : Play::Opening::Open;
+  guard([&] {
+    if (reader_) reader_->run(streams_);
+  });
+  // Here, since closing a file on a dead disk takes its time as well.
+  reader_.reset();
+}
+
+void Engine::open() {
+  reader_ = std::make_unique<Reader>(item_, exchange_);
+  const Demultiplexer& file = reader_->file();
+  movieInfo_ = file.movieInfo();
+  // In an audio file the stream of pictures is the cover, which is no film.
+  if (isAudioFile(item_.path)) {
+    blackPicture();
+  } else {
+    pictureDecoder_ = std::make_unique<PictureDecoder>(std::make_unique<Codec>(file.videoParameters()),
+                                                       file.videoTimeBase(), exchange_);
+    streams_.pictures = file.videoStreamIndex();
+  }
+  if (file.audioParameters() != nullptr) openSound();
+}
+
+/// A sound side that cannot be built is left out without a word.
+void Engine::openSound() try {
+  const Demultiplexer& file = reader_->file();
+  auto codec = std::make_unique<Codec>(file.audioParameters());
+  auto output = std::make_unique<AudioOutput>(file.audioParameters(), item_.path, item_.soundMode);
+  soundDecoder_ = std::make_unique<SoundDecoder>(std::move(codec), file.audioTimeBase(), std::move(output),
+                                                 services_.clock, exchange_);
+  streams_.sound = file.audioStreamIndex();
+} catch (const std::exception&) {
+  // The item plays silently.
+}
+
+void Engine::decodePictures() {
+  guard([&] { pictureDecoder_->run(); });
+  pictureDecoder_.reset();
+}
+
+void Engine::decodeSound() {
+  guard([&] { soundDecoder_->run(); });
+}
+
+}  // namespace tavek

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "media/conversion.h"
+#include "player/stream_decoder.h"
+
+namespace tavek {
+
+/// Makes pictures for the screen from the packets of the picture stream.
+class PictureDecoder final : public StreamDecoder {
+ public:
+  PictureDecoder(std::unique_ptr<Codec> codec, AVRational timeBase, Exchange& exchange)
+      : StreamDecoder(std::move(codec), timeBase, exchange.picturePackets, exchange) {}
+
+ private:
+  void takeFrame(AVFrame& frame) override;
+  void endRound() override { send(nullptr); }
+
+  ffmpeg::FramePtr toPicture(AVFrame& frame);
+  AVFrame& softwareFrame(AVFrame& frame);
+  void send(ffmpeg::FramePtr picture);
+
+  std::unique_ptr<Conversion> conversion_;
+  ffmpeg::FramePtr transferFrame_;
+};
+
+}  // namespace tavek

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "player/stream_decoder.h"
+#include "sound/audio_output.h"
+
+namespace tavek {
+
+/// Feeds the device from the packets of the sound stream, and tells the clock what is heard.
+class SoundDecoder final : public StreamDecoder {
+ public:
+  SoundDecoder(std::unique_ptr<Codec> codec, AVRational timeBase, std::unique_ptr<AudioOutput> output,
+               const Clock& clock, Exchange& exchange)
+      : StreamDecoder(std::move(codec), timeBase, exchange.soundPackets, exchange),
+        output_(std::move(output)),
+        clock_(clock) {}
+
+  /// Its main thread's operations only, while this runs.
+  AudioOutput& output() { return *output_; }
+
+ private:
+  void beginRound() override;
+  void takeFrame(AVFrame& frame) override;
+  void endRound() override;
+
+  const std::unique_ptr<AudioOutput> output_;
+  const Clock& clock_;
+};
+
+}  // namespace tavek

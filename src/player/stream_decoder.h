@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "media/codec.h"
+#include "player/damage.h"
+#include "player/exchange.h"
+
+namespace tavek {
+
+/// A decoding thread: it takes the packets of one stream, decodes them round by round, and hands on what
+/// comes out. All of it is that thread's, once it runs.
+class StreamDecoder {
+ public:
+  StreamDecoder(std::unique_ptr<Codec> codec, AVRational timeBase, PacketQueue& packets, Exchange& exchange);
+  virtual ~StreamDecoder() = default;
+  StreamDecoder(const StreamDecoder&) = delete;
+  StreamDecoder& operator=(const StreamDecoder&) = delete;
+
+  /// Until the item is over.
+  void run();
+
+ protected:
+  /// What follows comes after a seek.
+  virtual void beginRound() {}
+  /// The next frame; it may be emptied.
+  virtual void takeFrame(AVFrame& frame) = 0;
+  virtual void endRound() = 0;
+
+  /// The item goes on, and nobody has sought since this round began.
+  bool current() const { return !exchange_.stopping() && round_ == exchange_.round(); }
+  std::int64_t positionUs(const AVFrame& frame) const;
+
+  Exchange& exchange_;
+  const std::unique_ptr<Codec> codec_;
+  unsigned round_ = 0;
+
+ private:
+  void decode(const AVPacket* packet);
+
+  const AVRational timeBase_;
+  PacketQueue& packets_;
+  const ffmpeg::FramePtr frame_;
+  Damage damage_;
+};
+
+}  // namespace tavek
