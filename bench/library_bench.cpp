@@ -16,6 +16,7 @@
 #include "display/display.h"
 #include "library/media_paths.h"
 #include "library/poster_listing.h"
+#include "state/state_store.h"
 
 namespace tavek::bench {
 namespace {
@@ -25,6 +26,11 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int screenful = 11;
 constexpr int posterHeight = 240;
+
+StateStore& store() {
+  static StateStore kept(stateFile());
+  return kept;
+}
 
 double milliseconds(const std::function<void()>& action) {
   const Clock::time_point begin = Clock::now();
@@ -175,7 +181,7 @@ void measurePasses(Display& display, const char* what, bool keys) {
 }
 
 void measureStrip(const char* room, const char* what) {
-  Display display(0, 0, 3840, 2160, Orientation::OrientationAuto);
+  Display display(0, 0, 3840, 2160, Orientation::OrientationAuto, store().parts());
   if (!display.usable()) return;
   display.setVideoPlaying(false);
   display.selectRoomForPath(mediaRoot() / room);
@@ -200,7 +206,7 @@ int main() {
   bench::makeLibrary(root);
   bench::measureListing();
   {
-    Display display(0, 0, 1920, 1080, Orientation::OrientationAuto);
+    Display display(0, 0, 1920, 1080, Orientation::OrientationAuto, bench::store().parts());
     if (!display.usable()) return 1;
     bench::measureFirstScreen(display, "movies");
     bench::measureFirstScreen(display, "tv");

@@ -17,7 +17,6 @@
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
 #include "player/playback_timer.h"
-#include "state/state_store.h"
 #include "viewing/item_loop.h"
 
 namespace tavek {
@@ -38,11 +37,12 @@ std::vector<std::string> mediaOf(const fs::path& room) {
   return files;
 }
 
-std::optional<std::string> startItem(const fs::path& room, const std::vector<std::string>& files) {
-  const auto stored = StateStore::instance().resumeTarget(room);
-  if (stored && !stored->empty()) return stored->string();
+std::optional<std::string> startItem(const fs::path& room, const std::vector<std::string>& files,
+                                     StoredUsers& users) {
+  const auto target = users.resumeTarget(room);
+  if (target && !target->empty()) return target->string();
   if (files.empty()) return {};
-  StateStore::instance().setPlaying(files.front(), "");
+  users.setPlaying(files.front(), "");
   return files.front();
 }
 
@@ -64,10 +64,10 @@ std::size_t placeOf(const std::string& start, const std::vector<std::string>& fi
 /// Plays the chosen room. Returns after an item that ended as the viewer wanted, or when nothing plays.
 void playRoom(const fs::path& room, const PlayContext& context, SoundMode& soundMode) {
   std::vector<std::string> files = mediaOf(room);
-  const std::optional<std::string> start = startItem(room, files);
+  const std::optional<std::string> start = startItem(room, files, context.stored.users);
   if (!start) {
-    std::cerr << "No persisted video for user \"" << StateStore::instance().activeUser() << "\" under "
-              << room << std::endl;
+    std::cerr << "No persisted video for user \"" << context.stored.users.activeUser() << "\" under " << room
+              << std::endl;
     return sleepMilliseconds(pauseMs);
   }
   if (files.empty()) {
@@ -82,7 +82,7 @@ void playRoom(const fs::path& room, const PlayContext& context, SoundMode& sound
       return;
     } catch (const ffmpeg::Error& error) {
       tellFailed(file, error);
-      StateStore::instance().clearPlaying(room);
+      context.stored.users.clearPlaying(room);
     }
     if (quitRequested || stopSignalled) return;
   }
@@ -91,8 +91,8 @@ void playRoom(const fs::path& room, const PlayContext& context, SoundMode& sound
 
 }  // namespace
 
-void runLibrary(Display& display, const LaunchOptions& options) {
-  const PlayContext context{.display = &display, .language = options.language};
+void runLibrary(Display& display, const Stored& stored, const LaunchOptions& options) {
+  const PlayContext context{.display = &display, .stored = stored, .language = options.language};
   SoundMode soundMode = options.soundMode;
   while (!quitRequested && !stopSignalled) {
     display.goHome(true);

@@ -8,8 +8,8 @@
 
 namespace tavek {
 
-void playNamedFiles(Display& display, const LaunchOptions& options) {
-  const PlayContext context{.display = &display, .language = options.language};
+void playNamedFiles(Display& display, const Stored& stored, const LaunchOptions& options) {
+  const PlayContext context{.display = &display, .stored = stored, .language = options.language};
   SoundMode soundMode = options.soundMode;
   display.leaveHome();
   for (const std::string& path : options.videoPaths) {

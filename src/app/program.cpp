@@ -58,22 +58,22 @@ void forceDriver(const std::string& name) {
 
 /// A debug start forgets the shared state, so its file goes before it is read. What is kept of the sound mode
 /// wins over the command line.
-void loadState(LaunchOptions& options) {
+void loadState(const Stored& stored, LaunchOptions& options) {
   std::error_code ignored;
   if (debugEnabled) std::filesystem::remove(stateFile(), ignored);
-  StateStore& state = StateStore::instance();
-  state.ensureRooms(listRoots());
-  if (const auto mode = state.soundMode()) options.soundMode = static_cast<SoundMode>(*mode);
+  stored.users.ensureRooms(listRoots());
+  if (const auto mode = stored.settings.soundMode()) options.soundMode = static_cast<SoundMode>(*mode);
 }
 
 /// With nothing to play and no screen to choose on, the service manager has to start the program again.
-int play(const LaunchOptions& options) {
-  Display display(0, 0, 1920, 1080, options.orientation);
+int play(StateStore& store, const LaunchOptions& options) {
+  const Stored stored = store.parts();
+  Display display(0, 0, 1920, 1080, options.orientation, stored);
   display.goHome(true);
   if (!options.videoPaths.empty()) {
-    playNamedFiles(display, options);
+    playNamedFiles(display, stored, options);
   } else if (display.usable()) {
-    runLibrary(display, options);
+    runLibrary(display, stored, options);
   } else {
     std::cerr << "tavek has no screen to show its library on." << std::endl;
     return EXIT_FAILURE;
@@ -90,10 +90,11 @@ int runProgram(int argc, const char* const* argv) {
   if (line.exitStatus) return *line.exitStatus;
   if (line.options.videoDriver) forceDriver(*line.options.videoDriver);
   if (stopSignalled) return EXIT_SUCCESS;
-  loadState(line.options);
+  StateStore store(stateFile());
+  loadState(store.parts(), line.options);
   tmdbConsoleEnabled = fanartConsoleEnabled = debugEnabled;
-  const int status = play(line.options);
-  StateStore::instance().holdWrites(false);
+  const int status = play(store, line.options);
+  store.flush();
   return status;
 }
 

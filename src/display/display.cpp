@@ -7,8 +7,8 @@
 
 namespace tavek {
 
-Display::Display(int x, int y, int width, int height, Orientation orientation)
-    : picture_(orientation), screen_({x, y, width, height}, picture_) {
+Display::Display(int x, int y, int width, int height, Orientation orientation, const Stored& stored)
+    : stored_(stored), picture_(orientation), screen_({x, y, width, height}, picture_) {
   noteActivity(SDL_GetTicks64());
 }
 

@@ -25,6 +25,7 @@
 #include "display/status_lines.h"
 #include "display/video_picture.h"
 #include "display/volume_bar.h"
+#include "state/stored.h"
 
 namespace tavek {
 
@@ -33,7 +34,7 @@ namespace tavek {
 class Display {
  public:
   /// The wished place and size of the window. Failure is told on stderr and leaves usable() false.
-  Display(int x, int y, int width, int height, Orientation orientation);
+  Display(int x, int y, int width, int height, Orientation orientation, const Stored& stored);
   ~Display();
   Display(const Display&) = delete;
   Display& operator=(const Display&) = delete;
@@ -149,13 +150,14 @@ class Display {
   void presentChooser();
   FrameContext frameContext() const;
 
+  const Stored stored_;
   VideoPicture picture_;
   Screen screen_;
   SeekBar seekBar_;
   VolumeBar volumeBar_;
   PauseIcon pauseIcon_;
   ClearLogo clearLogo_;
-  Posters posters_;
+  Posters posters_{stored_.users};
   LetterBar letterBar_;
   StatusLines statusLines_;
   Rooms rooms_;

@@ -6,7 +6,6 @@
 #include "display/display.h"
 #include "library/match_key.h"
 #include "library/media_paths.h"
-#include "state/state_store.h"
 
 namespace tavek {
 namespace {
@@ -31,8 +30,8 @@ void Display::goHome(bool refresh) {
   pendingFolder_.reset();
 
   rooms_.reload();
-  const std::string user = StateStore::instance().activeUser();
-  rooms_.choose(StateStore::instance().userMode(user).value_or(""));
+  const std::string user = stored_.users.activeUser();
+  rooms_.choose(stored_.users.userMode(user).value_or(""));
   selectRoom(rooms_.index(), false);
   posters_.clearSelection();
   if (refresh && posters_.list().empty()) openPosterFolder(currentFolder());
@@ -72,7 +71,7 @@ void Display::drawChooser(const FrameContext& frame) {
 }
 
 void Display::openChooser() {
-  StateStore& state = StateStore::instance();
+  StoredUsers& state = stored_.users;
   std::vector<std::string> users = state.users();
   const auto active = std::ranges::find(users, state.activeUser());
   const auto index = active == users.end() ? 0 : static_cast<std::size_t>(active - users.begin());
@@ -100,7 +99,7 @@ void Display::closeChooser() {
 
 void Display::makeUserCurrent() {
   if (chooser_.users().empty()) return;
-  StateStore& state = StateStore::instance();
+  StoredUsers& state = stored_.users;
   const std::string& user = chooser_.users()[chooser_.userIndex()];
   if (user != state.activeUser()) state.setActiveUser(user);
   rooms_.choose(state.userMode(user).value_or(""));
@@ -119,7 +118,7 @@ void Display::confirmUser(Uint64 nowMs) {
     closeChooser();
     return leaveHome();
   }
-  StateStore& state = StateStore::instance();
+  StoredUsers& state = stored_.users;
   const std::string& user = chooser_.users()[chooser_.userIndex()];
   state.setActiveUser(user);
   state.setUserMode(user, normalizeRoomName(roomNameOfRoot(currentFolder())));
@@ -164,8 +163,8 @@ bool Display::selectRoom(std::size_t index, bool remember) {
   rooms_.select(index);
   enterRoom(room);
   if (remember && !chooser_.users().empty()) {
-    StateStore::instance().setUserMode(chooser_.users()[chooser_.userIndex()],
-                                       normalizeRoomName(roomNameOfRoot(room)));
+    stored_.users.setUserMode(chooser_.users()[chooser_.userIndex()],
+                              normalizeRoomName(roomNameOfRoot(room)));
   }
   return true;
 }

@@ -6,7 +6,6 @@
 #include "display/strip_view.h"
 #include "library/file_types.h"
 #include "library/media_paths.h"
-#include "state/state_store.h"
 
 namespace tavek {
 namespace {
@@ -63,7 +62,7 @@ void Display::dropStrip() {
 
 /// The state file is written when the strip has come to rest below the screen.
 void Display::updateHoldWrites() {
-  StateStore::instance().holdWrites(flags_.strip.shown() || flags_.strip.sliding);
+  stored_.settings.holdWrites(flags_.strip.shown() || flags_.strip.sliding);
 }
 
 void Display::advanceStrip(Uint64 nowMs) {

@@ -9,7 +9,6 @@
 #include "library/file_types.h"
 #include "library/media_paths.h"
 #include "library/titles.h"
-#include "state/state_store.h"
 
 namespace tavek {
 namespace {
@@ -24,18 +23,19 @@ constexpr int leastWidth = 50;
 /// Asks the store for marks, once per folder in a pass over a whole list.
 class Marks {
  public:
-  explicit Marks(const fs::path& openFolder)
-      : byFolder_(seriesRootOf(openFolder).has_value() && seriesDepth(openFolder) <= 1) {}
+  Marks(StoredUsers& users, const fs::path& openFolder)
+      : users_(users), byFolder_(seriesRootOf(openFolder).has_value() && seriesDepth(openFolder) <= 1) {}
 
   bool of(const fs::path& path, const std::string& media) {
-    if (!byFolder_) return !media.empty() && StateStore::instance().isWatched(media);
+    if (!byFolder_) return !media.empty() && users_.isWatched(media);
     const fs::path folder = path.parent_path();
     const auto [known, isNew] = folders_.try_emplace(folder.string(), false);
-    if (isNew) known->second = StateStore::instance().hasWatchedBelow(folder);
+    if (isNew) known->second = users_.hasWatchedBelow(folder);
     return known->second;
   }
 
  private:
+  StoredUsers& users_;
   const bool byFolder_;
   std::unordered_map<std::string, bool> folders_;
 };
@@ -113,7 +113,7 @@ void Posters::add(SDL_Renderer* renderer, PendingPoster pending, int height) {
                 .media = std::move(pending.poster.media),
                 .key = std::move(pending.poster.key)};
   if (!poster.texture) return;
-  poster.watched = Marks(page_.folder).of(poster.path, poster.media);
+  poster.watched = Marks(users_, page_.folder).of(poster.path, poster.media);
   poster.width = widthAt(poster.texture.get(), height);
   const bool wanted = meetsGoal(poster);
   page_.posters.push_back(std::move(poster));
@@ -121,7 +121,7 @@ void Posters::add(SDL_Renderer* renderer, PendingPoster pending, int height) {
 }
 
 void Posters::refreshWatchedBits() {
-  Marks marks(page_.folder);
+  Marks marks(users_, page_.folder);
   for (Poster& poster : page_.posters) poster.watched = marks.of(poster.path, poster.media);
 }
 

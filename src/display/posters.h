@@ -11,6 +11,7 @@
 #include "display/poster_loader.h"
 #include "display/toolkit/sdl_handles.h"
 #include "library/match_key.h"
+#include "state/stored_users.h"
 
 namespace tavek {
 
@@ -29,6 +30,7 @@ struct Poster {
 /// loader's thread is behind PosterLoader.
 class Posters {
  public:
+  explicit Posters(StoredUsers& users) : users_(users) {}
   /// The folder is the open one, and complete or on its way to be.
   bool isOpen(const std::filesystem::path& path);
   /// Makes a folder the open one. One that was completely loaded before comes back at once; any other is
@@ -86,6 +88,7 @@ class Posters {
   int findMedia(const std::filesystem::path& media) const;
   int findKey(const MatchKey& key) const;
 
+  StoredUsers& users_;
   PosterLoader loader_;
   Page page_;
   std::unordered_map<std::string, Page> folderPages_;  ///< complete ones, by the folder's normal text

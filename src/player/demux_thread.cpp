@@ -5,7 +5,6 @@
 #include "media/error.h"
 #include "player/pipeline.h"
 #include "player/playback_timer.h"
-#include "state/state_store.h"
 
 namespace tavek {
 
@@ -65,7 +64,7 @@ void Pipeline::applySeek(std::int64_t positionUs) {
     std::cerr << console::boldRed << "[RESUME] seek failed=" << target << "us path=" << path_
               << console::reset << std::endl;
   }
-  StateStore::instance().setPosition(path_, 0, "");
+  stored_.users.setPosition(path_, 0, "");
 }
 
 }  // namespace tavek

@@ -47,7 +47,8 @@ void Engine::open() {
 void Engine::openSound() try {
   const Demultiplexer& file = reader_->file();
   auto codec = std::make_unique<Codec>(file.audioParameters());
-  auto output = std::make_unique<AudioOutput>(file.audioParameters(), item_.path, item_.soundMode);
+  auto output =
+      std::make_unique<AudioOutput>(file.audioParameters(), item_.path, item_.soundMode, services_.stored);
   soundDecoder_ = std::make_unique<SoundDecoder>(std::move(codec), file.audioTimeBase(), std::move(output),
                                                  services_.clock, exchange_);
   streams_.sound = file.audioStreamIndex();

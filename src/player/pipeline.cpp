@@ -16,8 +16,12 @@ bool seekDebugWanted() {
 
 }  // namespace
 
-Pipeline::Pipeline(std::string path, std::optional<std::string> language, SoundMode soundMode)
-    : path_(std::move(path)), seekDebug_(seekDebugWanted()), demux_(path_, std::move(language)) {
+Pipeline::Pipeline(std::string path, std::optional<std::string> language, SoundMode soundMode,
+                   const Stored& stored)
+    : path_(std::move(path)),
+      stored_(stored),
+      seekDebug_(seekDebugWanted()),
+      demux_(path_, std::move(language)) {
   // In an audio file the stream of pictures is the cover, which is no film.
   if (!isAudioFile(path_)) {
     video_.codec = std::make_unique<Codec>(demux_.videoParameters());
@@ -29,7 +33,7 @@ Pipeline::Pipeline(std::string path, std::optional<std::string> language, SoundM
 
 void Pipeline::openSound(SoundMode soundMode) try {
   audio_.codec = std::make_unique<Codec>(demux_.audioParameters());
-  audioOutput_ = std::make_unique<AudioOutput>(demux_.audioParameters(), path_, soundMode);
+  audioOutput_ = std::make_unique<AudioOutput>(demux_.audioParameters(), path_, soundMode, stored_);
   audio_.index = demux_.audioStreamIndex();
   audio_.timeBase = demux_.audioTimeBase();
 } catch (const std::exception&) {

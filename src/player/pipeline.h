@@ -21,6 +21,7 @@
 #include "player/media_queue.h"
 #include "player/picture_frame.h"
 #include "sound/audio_output.h"
+#include "state/stored.h"
 
 namespace tavek {
 
@@ -31,7 +32,7 @@ class Pipeline {
  public:
   /// Opens the file and chooses decoders; throws what that throws. A sound side that cannot be built is left
   /// out without a word, and the item plays silently.
-  Pipeline(std::string path, std::optional<std::string> language, SoundMode soundMode);
+  Pipeline(std::string path, std::optional<std::string> language, SoundMode soundMode, const Stored& stored);
   ~Pipeline();
   Pipeline(const Pipeline&) = delete;
   Pipeline& operator=(const Pipeline&) = delete;
@@ -102,6 +103,7 @@ class Pipeline {
   bool seekComes() const { return readRound_ != seekRound_; }
 
   const std::string path_;
+  const Stored stored_;
   const bool seekDebug_;  ///< TAVEK_SEEK_DEBUG is "1"
   Demultiplexer demux_;   ///< used by the reading thread; its constant facts by any
   Stream video_;

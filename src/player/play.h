@@ -14,6 +14,7 @@
 #include "player/pacer.h"
 #include "player/worker.h"
 #include "sound/audio_output.h"
+#include "state/stored.h"
 
 namespace tavek {
 
@@ -27,6 +28,7 @@ struct PlayItem {
 
 struct PlayServices {
   Clock& clock;
+  const Stored& stored;
 };
 
 /// One playback of one file: it opens, plays, pauses, seeks and gives pictures; it knows no screen. The main

@@ -8,7 +8,6 @@
 
 #include "base/process_flags.h"
 #include "sound/channel_rules.h"
-#include "state/state_store.h"
 
 namespace tavek {
 namespace {
@@ -47,9 +46,11 @@ void prepare(snd_pcm_t* pcm) {
 
 }  // namespace
 
-AudioOutput::AudioOutput(const AVCodecParameters* codecParameters, std::string key, SoundMode soundMode)
-    : key_(std::move(key)),
-      volume_(firstVolume(key_.empty() ? std::nullopt : StateStore::instance().playbackVolume(key_))) {
+AudioOutput::AudioOutput(const AVCodecParameters* codecParameters, std::string key, SoundMode soundMode,
+                         const Stored& stored)
+    : stored_(stored),
+      key_(std::move(key)),
+      volume_(firstVolume(key_.empty() ? std::nullopt : stored.playback.playbackVolume(key_))) {
   if (codecParameters == nullptr) throw std::runtime_error("AudioOutput: null codec parameters");
   if (codecParameters->sample_rate >= 1) outputRate_ = codecParameters->sample_rate;
 
@@ -67,8 +68,8 @@ AudioOutput::AudioOutput(const AVCodecParameters* codecParameters, std::string k
                           : static_cast<AVSampleFormat>(codecParameters->format);
   resampler_.emplace(layout, format, outputRate_, device_.outputChannels, outputRate_);
   if (!key_.empty()) {
-    trebleDb_ = StateStore::instance().audioParamA(key_).value_or(0);
-    bassDb_ = StateStore::instance().audioParamB(key_).value_or(0);
+    trebleDb_ = stored_.notes.audioParamA(key_).value_or(0);
+    bassDb_ = stored_.notes.audioParamB(key_).value_or(0);
   }
   bass_ = designBassShelf(bassDb_, outputRate_, device_.outputChannels);
   treble_ = designTrebleShelf(trebleDb_, outputRate_, device_.outputChannels);
@@ -77,8 +78,8 @@ AudioOutput::AudioOutput(const AVCodecParameters* codecParameters, std::string k
 AudioOutput::~AudioOutput() {
   if (!key_.empty()) {
     storeVolume();
-    StateStore::instance().setAudioParamA(key_, trebleDb_);
-    StateStore::instance().setAudioParamB(key_, bassDb_);
+    stored_.notes.setAudioParamA(key_, trebleDb_);
+    stored_.notes.setAudioParamB(key_, bassDb_);
   }
   if (!device_.pcm) return;
   if (stopSignalled) {
@@ -178,7 +179,7 @@ void AudioOutput::adjustVolume(double deltaDb) {
 }
 
 void AudioOutput::storeVolume() const {
-  if (!key_.empty()) StateStore::instance().setPlaybackVolume(key_, volume_.volumeDb);
+  if (!key_.empty()) stored_.playback.setPlaybackVolume(key_, volume_.volumeDb);
 }
 
 void AudioOutput::close() {

@@ -13,6 +13,7 @@
 #include "sound/resampler.h"
 #include "sound/shelf.h"
 #include "sound/volume.h"
+#include "state/stored.h"
 
 extern "C" {
 #include <libavcodec/codec_par.h>
@@ -31,7 +32,8 @@ class AudioOutput {
  public:
   /// The key is the item's path, under which its volume is kept; empty for a theme, which keeps none. Throws
   /// std::runtime_error when no device can be had.
-  AudioOutput(const AVCodecParameters* codecParameters, std::string key, SoundMode soundMode);
+  AudioOutput(const AVCodecParameters* codecParameters, std::string key, SoundMode soundMode,
+              const Stored& stored);
   /// Plays what is queued to its end, unless a signal has come.
   ~AudioOutput();
   AudioOutput(const AudioOutput&) = delete;
@@ -62,6 +64,7 @@ class AudioOutput {
   int sendBlock(int frames);
   void waitFor(int frames);
 
+  const Stored stored_;
   std::string key_;
   Volume volume_;
   std::mutex lock_;

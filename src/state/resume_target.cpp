@@ -2,13 +2,11 @@
 #include <iomanip>
 #include <iostream>
 #include <system_error>
-#include <utility>
 
 #include "base/console.h"
 #include "base/paths.h"
 #include "library/media_paths.h"
-#include "state/state_store.h"
-#include "state/user_reader.h"
+#include "state/stored_users.h"
 
 namespace tavek {
 namespace {
@@ -29,30 +27,14 @@ std::string_view reasonAgainst(const fs::path& file) {
 
 }  // namespace
 
-/// Takes up what was changed in the file from outside. Not where it would lose users: while changes of our
-/// own have yet to get there, or from a file that was cut short.
-void StateStore::rereadUsers() {
-  const std::string text = readStateFile();
-  if (writePending_ || !isOneObject(text)) return;
-  if (state_.activeUser.value_or("").empty()) {
-    if (auto named = readActiveUser(text)) state_.activeUser = std::move(named);
-  }
-  bool changed = false;
-  Users users = readUsers(text, changed);
-  if (users.names.empty()) return;
-  state_.userNames = std::move(users.names);
-  state_.profiles = std::move(users.profiles);
-  if (!isUser(state_.activeUser.value_or(""))) state_.activeUser = state_.userNames.front();
-  if (changed) write(true);
-}
-
-std::optional<fs::path> StateStore::resumeTarget(const fs::path& roomFolder) {
-  const auto lock = enter();
-  rereadUsers();
-  const std::string user = state_.activeUser.value_or("");
-  if (user.empty()) return {};
+std::optional<fs::path> StoredUsers::resumeTarget(const fs::path& roomFolder) {
+  memory_.reread();
   const std::string room = roomNameOfRoot(roomFolder);
-  const std::string stored = activeRoom(room).playing.value_or("");
+  std::string user;
+  const std::string stored = memory_.look([&](const StoredState& state) {
+    user = state.activeUser.value_or("");
+    return user.empty() ? "" : activeRoom(state, room).playing.value_or("");
+  });
   if (stored.empty()) return {};
 
   fs::path file = (mediaRoot() / stored).lexically_normal();
@@ -63,8 +45,10 @@ std::optional<fs::path> StateStore::resumeTarget(const fs::path& roomFolder) {
     return {};
   }
   if (fs::path(stored).is_absolute() && file.string() != stored) {
-    roomStateOf(state_.profiles[user], room).playing = file.string();
-    write(true);
+    memory_.change(Save::Always, [&](StoredState& state) {
+      roomStateOf(state.profiles[user], room).playing = file.string();
+      return true;
+    });
   }
   return file;
 }

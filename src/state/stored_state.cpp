@@ -6,6 +6,7 @@
 
 #include "base/sound_mode.h"
 #include "base/text.h"
+#include "library/media_paths.h"
 #include "state/json_read.h"
 #include "state/user_reader.h"
 
@@ -94,6 +95,33 @@ void completeUsers(StoredState& state) {
   for (const std::string& name : state.userNames) {
     if (!name.empty()) state.profiles[name];
   }
+}
+
+bool isUser(const StoredState& state, const std::string& name) {
+  return std::ranges::find(state.userNames, name) != state.userNames.end();
+}
+
+std::string activeName(const StoredState& state) {
+  std::string active = state.activeUser.value_or("");
+  return active.empty() && !state.userNames.empty() ? state.userNames.front() : active;
+}
+
+const RoomState& activeRoom(const StoredState& state, std::string_view room) {
+  static const UserProfile none;
+  const auto profile = state.profiles.find(activeName(state));
+  return roomStateOf(profile != state.profiles.end() ? profile->second : none, room);
+}
+
+bool addRooms(StoredState& state, const std::vector<std::filesystem::path>& folders) {
+  bool added = false;
+  for (const std::filesystem::path& folder : folders) {
+    const std::string room = normalizeRoomName(roomNameOfRoot(folder));
+    if (isMainRoom(room)) continue;
+    for (const std::string& name : state.userNames) {
+      if (!name.empty() && state.profiles[name].otherRooms.try_emplace(room).second) added = true;
+    }
+  }
+  return added;
 }
 
 }  // namespace tavek

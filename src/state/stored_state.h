@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
@@ -32,6 +33,13 @@ StoredState readStoredState(const std::string& text, bool& changed);
 std::optional<std::string> readActiveUser(const std::string& text);
 /// Two users if there is none, and an empty profile for each that has none.
 void completeUsers(StoredState& state);
+bool isUser(const StoredState& state, const std::string& name);
+/// Empty only if an old file names users without a name.
+std::string activeName(const StoredState& state);
+/// The active user's block of a room; without a copy, since tiles by the thousand ask for it.
+const RoomState& activeRoom(const StoredState& state, std::string_view room);
+/// Gives every user a block for each of these room folders; true if one was missing.
+bool addRooms(StoredState& state, const std::vector<std::filesystem::path>& folders);
 /// The whole file.
 std::string stateText(const StoredState& state);
 

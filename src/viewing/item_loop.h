@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/sound_mode.h"
+#include "state/stored.h"
 
 namespace tavek {
 
@@ -12,6 +13,7 @@ class Display;
 /// What every item of a run shares; the display may be null.
 struct PlayContext {
   Display* display = nullptr;
+  Stored stored;
   std::optional<std::string> language;
 };
 

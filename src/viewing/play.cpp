@@ -11,7 +11,6 @@
 #include "library/next_item.h"
 #include "player/movie_text.h"
 #include "player/seek_rules.h"
-#include "state/state_store.h"
 
 namespace tavek {
 namespace {
@@ -34,17 +33,18 @@ double sampleAspectOf(const AVFrame& frame) {
 }  // namespace
 
 ItemPlay::ItemPlay(Display* display, const std::string& path, std::optional<std::string> language,
-                   SoundMode soundMode)
+                   SoundMode soundMode, const Stored& stored)
     : display_(display),
+      stored_(stored),
       path_(fullPath(path)),
       isAvi_(lowerExtension(path_) == ".avi"),
-      pipeline_(path_, std::move(language), soundMode) {
+      pipeline_(path_, std::move(language), soundMode, stored) {
   if (debugEnabled) {
     std::cout << "[play] now playing: " << path_ << (pipeline_.audioOnly() ? " (audio)" : " (video)")
               << std::endl;
   }
   const MovieInfo info = pipeline_.demultiplexer().movieInfo();
-  StateStore::instance().setFrameSize(path_, info.videoWidth, info.videoHeight);
+  stored_.notes.setFrameSize(path_, info.videoWidth, info.videoHeight);
   if (movieDetailEnabled) std::cout << movieText(path_, info) << std::flush;
   if (display_ != nullptr) {
     display_->setDuration(pipeline_.demultiplexer().durationUs());

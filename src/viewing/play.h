@@ -12,6 +12,7 @@
 #include "player/picture_frame.h"
 #include "player/pipeline.h"
 #include "player/playback_timer.h"
+#include "state/stored.h"
 
 namespace tavek {
 
@@ -23,7 +24,7 @@ class ItemPlay {
  public:
   /// `display` may be null: then the item plays unseen and nothing can steer it but a signal.
   ItemPlay(Display* display, const std::string& path, std::optional<std::string> language,
-           SoundMode soundMode);
+           SoundMode soundMode, const Stored& stored);
 
   /// Blocks until the item is over; rethrows what a worker met, unless the viewer has ended the item.
   void run();
@@ -100,6 +101,7 @@ class ItemPlay {
   bool watched() const;
 
   Display* const display_;
+  const Stored stored_;
   const std::string path_;
   const bool isAvi_;  ///< its index cannot be trusted, so it starts anew each time
   Pipeline pipeline_;

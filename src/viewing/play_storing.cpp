@@ -4,7 +4,6 @@
 #include "display/display.h"
 #include "library/file_types.h"
 #include "library/video_match.h"
-#include "state/state_store.h"
 #include "viewing/item_rules.h"
 #include "viewing/play.h"
 
@@ -14,16 +13,12 @@ namespace {
 /// Everything is kept for the active user.
 constexpr const char* user = "";
 
-StateStore& store() {
-  return StateStore::instance();
-}
-
 }  // namespace
 
 void ItemPlay::startAtStored() {
   const ResumeStep resume =
-      resumeStep(isAvi_, store().resumePosition(path_), pipeline_.demultiplexer().durationUs());
-  if (resume.dropStored) store().setPosition(path_, 0, user);
+      resumeStep(isAvi_, stored_.users.resumePosition(path_), pipeline_.demultiplexer().durationUs());
+  if (resume.dropStored) stored_.users.setPosition(path_, 0, user);
   if (!resume.seekUs) return;
   if (pipeline_.seekDebug()) {
     std::cout << "[RESUME] seek request=" << *resume.seekUs << "us path=" << path_ << std::endl;
@@ -34,23 +29,23 @@ void ItemPlay::startAtStored() {
 }
 
 void ItemPlay::storeBoundary() {
-  if (store().playbackBoundary(path_).value_or(0) >= 1) return;
+  if (stored_.playback.playbackBoundary(path_).value_or(0) >= 1) return;
   const double rate = pipeline_.demultiplexer().movieInfo().videoFramesPerSecond;
-  store().setPlaybackBoundary(path_, boundaryForRate(rate));
+  stored_.playback.setPlaybackBoundary(path_, boundaryForRate(rate));
 }
 
 void ItemPlay::storePosition() {
-  store().setPosition(path_, savedPosition(), user);
+  stored_.users.setPosition(path_, savedPosition(), user);
 }
 
 void ItemPlay::storeEnd() {
-  store().setPlaying(path_, user);
+  stored_.users.setPlaying(path_, user);
   const std::int64_t duration = pipeline_.demultiplexer().durationUs();
   if (const auto position = endPositionUs(isAvi_, savedPosition(), duration)) {
-    store().setPosition(path_, *position, user);
+    stored_.users.setPosition(path_, *position, user);
   }
   if (!watched()) return;
-  store().markWatched(path_, true, user);
+  stored_.users.markWatched(path_, true, user);
   if (display_ != nullptr) display_->refreshWatchedBits();
 }
 
@@ -61,7 +56,7 @@ bool ItemPlay::toggleWatched() {
   std::filesystem::path media = poster->media.empty() ? poster->path : std::filesystem::path(poster->media);
   if (!isVideoFile(media)) media = findVideoForPoster(media, display_->posters().openFolder()).value_or("");
   if (isVideoFile(media)) {
-    store().markWatched(media.string(), !store().isWatched(media.string()), user);
+    stored_.users.markWatched(media.string(), !stored_.users.isWatched(media.string()), user);
     display_->refreshWatchedBits();
   }
   return true;

@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include "base/paths.h"
 #include "base/process_flags.h"
 #include "display/picture_place.h"
+#include "state/state_store.h"
 #include "support/offscreen.h"
 
 namespace tavek {
@@ -14,6 +16,8 @@ namespace {
 
 constexpr int width = 640;
 constexpr int height = 360;
+
+StateStore store{stateFile()};
 
 /// A grey picture with a white upper left quarter.
 class Picture {
@@ -39,7 +43,7 @@ class DisplayTest : public testing::Test {
  protected:
   static std::unique_ptr<Display> make(Orientation orientation = Orientation::OrientationAuto) {
     test::useOffscreenDriver();
-    auto display = std::make_unique<Display>(0, 0, width, height, orientation);
+    auto display = std::make_unique<Display>(0, 0, width, height, orientation, store.parts());
     // A stamp of 0 means none, and SDL's clock starts with the display.
     SDL_Delay(2);
     return display;
@@ -130,7 +134,7 @@ TEST_F(DisplayTest, AnswersKeysAndPausesOverThePicture) {
 TEST_F(DisplayTest, WithoutAScreenEveryCallIsHarmless) {
   SDL_setenv("SDL_VIDEODRIVER", "nothing", 1);
   testing::internal::CaptureStderr();
-  Display display(0, 0, width, height, Orientation::OrientationAuto);
+  Display display(0, 0, width, height, Orientation::OrientationAuto, store.parts());
   const std::string told = testing::internal::GetCapturedStderr();
   EXPECT_NE(told.find("SDL_Init"), std::string::npos);
   EXPECT_NE(told.find("WINDOW Exception: "), std::string::npos);

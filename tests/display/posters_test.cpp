@@ -64,7 +64,8 @@ class PostersTest : public testing::Test {
   }
 
   test::Offscreen screen;
-  Posters posters;
+  StateStore store{at("persist.json")};
+  Posters posters{store.parts().users};
 };
 
 TEST_F(PostersTest, OnlyPicturesThatCanBeShownComeIntoTheList) {
@@ -89,7 +90,7 @@ TEST_F(PostersTest, FoldersOfSeriesHaveTilesWithoutPictures) {
   write("tv/Show A/poster.jpg", "no picture");
   load("tv");
   EXPECT_EQ(shown(), ">tv/Show A/poster.jpg:160 tv/Show B/poster.jpg:160 ");
-  StateStore::instance().markWatched(at("tv/Show B/S01/S01E01.mkv").string(), true, "");
+  store.parts().users.markWatched(at("tv/Show B/S01/S01E01.mkv").string(), true, "");
   posters.refreshWatchedBits();
   EXPECT_EQ(shown(), ">tv/Show A/poster.jpg:160 tv/Show B/poster.jpg:160* ");
   load("tv/Show A");

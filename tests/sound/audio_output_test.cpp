@@ -10,6 +10,7 @@
 
 #include "base/process_flags.h"
 #include "media/handles.h"
+#include "state/state_store.h"
 #include "support/temp_folder.h"
 
 namespace tavek {
@@ -32,6 +33,9 @@ struct ScriptedDevice {
   std::vector<std::int16_t> heard{};
   int writes = 0;
 } device;
+
+/// Nothing is kept under the empty key, so no file is touched.
+StateStore store{""};
 
 /// A new device with this ELD file.
 void plugIn(ScriptedDevice scripted, const char* eld = "") {
@@ -138,7 +142,7 @@ TEST(AudioOutput, ChannelsAreAgreedWithSinkAndDevice) {
          {std::pair{SoundMode::Surround, inSurround}, std::pair{SoundMode::Auto, inAuto},
           std::pair{SoundMode::Stereo, 2U}}) {
       plugIn({.card = card, .mostChannels = mostChannels}, eld);
-      const AudioOutput output(parametersOf("5.1").get(), "", mode);
+      const AudioOutput output(parametersOf("5.1").get(), "", mode, store.parts());
       EXPECT_EQ(device.channels, channels)
           << static_cast<int>(mode) << " " << card << " " << mostChannels << eld;
     }
@@ -159,7 +163,7 @@ TEST(AudioOutput, TheDeviceHearsTheSourceAtItsRateInItsOrder) {
     plugIn({.card = 0, .positions = positions}, surroundSink);
     const auto parameters = parametersOf(source, format, rate);
     const auto size = frame.size() * static_cast<std::size_t>(rate / 50);
-    AudioOutput output(parameters.get(), "", SoundMode::Surround);
+    AudioOutput output(parameters.get(), "", SoundMode::Surround, store.parts());
     output.write(frameOf(*parameters).get());
     EXPECT_EQ(device.rate, static_cast<unsigned>(rate));
     ASSERT_EQ(device.heard.size(), size) << source;
@@ -174,13 +178,13 @@ TEST(AudioOutput, TheDeviceHearsTheSourceAtItsRateInItsOrder) {
 TEST(AudioOutput, DevicesAreTriedInOrderAndABusyOneIsAskedFiveTimes) {
   const Parameters nameless(avcodec_parameters_alloc());
   plugIn({.refusedOpens = 5, .refusal = -EBUSY});
-  EXPECT_GE(timeOf([&] { AudioOutput(nameless.get(), "", SoundMode::Auto); }), 480ms);
+  EXPECT_GE(timeOf([&] { AudioOutput(nameless.get(), "", SoundMode::Auto, store.parts()); }), 480ms);
   EXPECT_THAT(device.opened, ElementsAre("default", "default", "default", "default", "default", "dmix"));
   EXPECT_EQ(device.rate, 48000U);
 
   plugIn({.refusedOpens = 4});
   EXPECT_THAT(
-      [&] { AudioOutput(nameless.get(), "", SoundMode::Surround); },
+      [&] { AudioOutput(nameless.get(), "", SoundMode::Surround, store.parts()); },
       testing::ThrowsMessage<std::runtime_error>("AudioOutput: snd_pcm_open failed (Permission denied)"));
   EXPECT_THAT(device.opened, ElementsAre("default", "dmix", "plug:default", "plughw:0,0"));
 }
@@ -188,7 +192,7 @@ TEST(AudioOutput, DevicesAreTriedInOrderAndABusyOneIsAskedFiveTimes) {
 TEST(AudioOutput, AnItemWithoutADeviceKeepsItsPace) {
   plugIn({});
   const auto parameters = parametersOf("stereo");
-  AudioOutput output(parameters.get(), "", SoundMode::Surround);
+  AudioOutput output(parameters.get(), "", SoundMode::Surround, store.parts());
   const auto frame = frameOf(*parameters);
   const auto fiveBlocks = [&] {
     for (int i = 0; i < 5; ++i) output.write(frame.get());
@@ -207,7 +211,7 @@ TEST(AudioOutput, AnItemWithoutADeviceKeepsItsPace) {
 TEST(AudioOutput, AReopenedDeviceMayHaveFewerChannels) {
   plugIn({.card = 0}, surroundSink);
   const auto parameters = parametersOf("5.1", AV_SAMPLE_FMT_FLTP);
-  AudioOutput output(parameters.get(), "", SoundMode::Surround);
+  AudioOutput output(parameters.get(), "", SoundMode::Surround, store.parts());
   output.close();
   plugIn({.refusedOpens = 4});
   EXPECT_FALSE(output.reopen());
@@ -219,7 +223,7 @@ TEST(AudioOutput, AReopenedDeviceMayHaveFewerChannels) {
 TEST(AudioOutput, TheMainThreadMayDoAnythingWhileTheAudioThreadWrites) {
   plugIn({});
   const auto parameters = parametersOf("5.1", AV_SAMPLE_FMT_FLTP);
-  AudioOutput output(parameters.get(), "", SoundMode::Surround);
+  AudioOutput output(parameters.get(), "", SoundMode::Surround, store.parts());
   const auto frame = frameOf(*parameters);
   output.write(frame.get());
   EXPECT_EQ(output.delayUs(), 20000) << "it has not started yet";

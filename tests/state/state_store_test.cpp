@@ -43,6 +43,10 @@ class StateStoreTest : public testing::Test {
   /// What another run finds.
   static StoredState saved() { return stateOf(get("persist.json")); }
   StateStore store{stateFile()};
+  StoredSettings& settings = store.parts().settings;
+  StoredUsers& users = store.parts().users;
+  FolderPlayback& playback = store.parts().playback;
+  MediaNotes& notes = store.parts().notes;
 };
 using StateThreads = StateStoreTest;
 
@@ -90,70 +94,70 @@ TEST_F(StateStoreTest, KeepsThePlaybackFileInOrder) {
     EXPECT_EQ(get("playback.json"), repaired);
   }
   put("playback.json", R"({"sound":"stereo","later": {} })");
-  for (const int boundary : {500000, 0}) store.setPlaybackBoundary(in("a"), boundary);
-  store.setPlaybackVolume("b", -3.5);
-  store.setPosition(in("a"), 1234567, "");
-  store.markWatched(in("a"), true, "");
+  for (const int boundary : {500000, 0}) playback.setPlaybackBoundary(in("a"), boundary);
+  playback.setPlaybackVolume("b", -3.5);
+  users.setPosition(in("a"), 1234567, "");
+  users.markWatched(in("a"), true, "");
   EXPECT_EQ(get("playback.json"), R"({"offset":1234567,"boundary":500000,"volume":-3.5,"sound":"stereo",)"
                                   R"("watched":true,"later":{}})");
-  EXPECT_EQ(*store.playbackVolume("c") + double(*store.playbackBoundary(in("c"))), 499996.5);
+  EXPECT_EQ(*playback.playbackVolume("c") + double(*playback.playbackBoundary(in("c"))), 499996.5);
 }
 
 TEST_F(StateStoreTest, ResumesByUserThenByFolder) {
   const auto& [first, second] = std::pair(in("movies/F/1.mkv"), in("movies/F/2.mkv"));
-  store.setPosition(second, 7, "");
-  EXPECT_EQ(store.resumePosition(first), 7) << "of the folder";
-  store.setPosition(second, 0, "");
-  EXPECT_EQ(store.resumePosition(second), 0);
-  EXPECT_EQ(store.resumePosition(in("movies/F/../F/2.mkv")), 7) << "the text differs";
-  store.setPosition("/else/a.mkv", 0, "Bob");
-  store.setActiveUser("Bob");
-  EXPECT_EQ(store.resumePosition(second), 7);
-  store.setPlaying(second, "");
-  EXPECT_EQ(store.resumePosition(second), 0) << "the position stays, and it was of the same room";
-  store.clearPlaying(in("Movies"));
+  users.setPosition(second, 7, "");
+  EXPECT_EQ(users.resumePosition(first), 7) << "of the folder";
+  users.setPosition(second, 0, "");
+  EXPECT_EQ(users.resumePosition(second), 0);
+  EXPECT_EQ(users.resumePosition(in("movies/F/../F/2.mkv")), 7) << "the text differs";
+  users.setPosition("/else/a.mkv", 0, "Bob");
+  users.setActiveUser("Bob");
+  EXPECT_EQ(users.resumePosition(second), 7);
+  users.setPlaying(second, "");
+  EXPECT_EQ(users.resumePosition(second), 0) << "the position stays, and it was of the same room";
+  users.clearPlaying(in("Movies"));
   EXPECT_FALSE(saved().profiles["Bob"].movies.playing || saved().profiles["Bob"].movies.seek);
 }
 
 TEST_F(StateStoreTest, KnowsWhatWasWatched) {
   const std::string old = in("tv/Show/e.mkv");
-  store.markWatched(old, true, "Ann");
-  store.markWatched(in("tv/b.mkv"), true, "Cid");
-  EXPECT_TRUE(store.isWatched(old) && !store.isWatched(in("tv/./Show/e.mkv")));
+  users.markWatched(old, true, "Ann");
+  users.markWatched(in("tv/b.mkv"), true, "Cid");
+  EXPECT_TRUE(users.isWatched(old) && !users.isWatched(in("tv/./Show/e.mkv")));
   for (const auto& [folder, watched] : table("tv/./Show/ => 1 ;; tv => 1 ;; tv/Sho => 0 ;; movies => 0"))
-    EXPECT_EQ(store.hasWatchedBelow(in(folder)), watched == "1") << folder;
-  EXPECT_THAT(store.users(), ElementsAre("Ann", "Bob", "Cid"));
-  store.renameMedia(old, in("tv/new"));
+    EXPECT_EQ(users.hasWatchedBelow(in(folder)), watched == "1") << folder;
+  EXPECT_THAT(users.users(), ElementsAre("Ann", "Bob", "Cid"));
+  users.renameMedia(old, in("tv/new"));
   EXPECT_THAT(saved().profiles["Ann"].tv.watched, ElementsAre(in("tv/new")));
-  store.markWatched(in("tv/new"), false, "");
+  users.markWatched(in("tv/new"), false, "");
   EXPECT_TRUE(saved().profiles["Ann"].tv.watched.empty());
 }
 
 TEST_F(StateStoreTest, LetsWhatIsKnownFollowARename) {
-  store.setScanNoteA(in("movies/a"), "tt1");
-  store.setScanNoteB(in("tv/a"), "1");
-  for (const int width : {4, 0}) store.setFrameSize(in("movies/a"), width, 3);
-  store.setPlaybackVolume(in("movies/a"), 2);
-  store.renameMedia(in("movies/a"), in("movies/A/a"));
+  notes.setScanNoteA(in("movies/a"), "tt1");
+  notes.setScanNoteB(in("tv/a"), "1");
+  for (const int width : {4, 0}) notes.setFrameSize(in("movies/a"), width, 3);
+  playback.setPlaybackVolume(in("movies/a"), 2);
+  users.renameMedia(in("movies/a"), in("movies/A/a"));
   EXPECT_EQ(get("movies/playback.json"), R"({"volume":2})") << "it serves the new path too";
   put("kids/A/playback.json", "{}");
-  store.renameMedia(in("movies/A/a"), in("kids/A/a"));
+  users.renameMedia(in("movies/A/a"), in("kids/A/a"));
   EXPECT_EQ(get("kids/A/playback.json") + get("movies/playback.json"), R"({"volume":2})");
-  EXPECT_EQ(*store.scanNoteA(in("kids/A/a")) + store.scanNoteB(in("tv/a")).value_or(""), "tt1");
-  EXPECT_TRUE(store.frameSize(in("kids/A/a"))->width == 4 && !store.frameSize(in("movies/a")));
+  EXPECT_EQ(*notes.scanNoteA(in("kids/A/a")) + notes.scanNoteB(in("tv/a")).value_or(""), "tt1");
+  EXPECT_TRUE(notes.frameSize(in("kids/A/a"))->width == 4 && !notes.frameSize(in("movies/a")));
 }
 
 TEST_F(StateStoreTest, ChangesUsers) {
-  store.addUser("Cid");
+  users.addUser("Cid");
   for (const auto& [old, now] : table("Ann => Dan ;; Dan => Cid ;; Zoe => Y ;; Bob =>"))
-    store.renameUser(old, now);
-  EXPECT_THAT(store.users(), ElementsAre("Dan", "Bob", "Cid"));
-  EXPECT_EQ(store.activeUser() + *store.userMode("Dan"), "Dantv");
+    users.renameUser(old, now);
+  EXPECT_THAT(users.users(), ElementsAre("Dan", "Bob", "Cid"));
+  EXPECT_EQ(users.activeUser() + *users.userMode("Dan"), "Dantv");
   EXPECT_THAT(get("persist.json"), HasSubstr("\n\t\t\t\"later\": 1\n"));
-  for (const char* name : {"Zoe", "Bob", "Dan"}) store.removeUser(name);
-  store.removeUser("Cid");
-  EXPECT_EQ(store.activeUser() + saved().userNames[1], "AlexMaria");
-  for (int i = 0; i < 18; ++i) store.pushWifiHistory(std::to_string(i == 17 ? 5 : i));
+  for (const char* name : {"Zoe", "Bob", "Dan"}) users.removeUser(name);
+  users.removeUser("Cid");
+  EXPECT_EQ(users.activeUser() + saved().userNames[1], "AlexMaria");
+  for (int i = 0; i < 18; ++i) settings.pushWifiHistory(std::to_string(i == 17 ? 5 : i));
   const std::vector<std::string> history = saved().wifiHistory;
   EXPECT_EQ(history.at(0) + history.at(1) + history.back() + std::to_string(history.size()), "516116");
   EXPECT_THAT(get("persist.json"), HasSubstr("],\n\n\t\"later\": 2\n}"));
@@ -162,20 +166,20 @@ TEST_F(StateStoreTest, ChangesUsers) {
 TEST_F(StateStoreTest, SavesWhenThereIsSomethingToSay) {
   fs::create_directories(in("kids"));
   put("persist.json", "");
-  store.addUser("Ann");
+  users.addUser("Ann");
   store.holdWrites(true);
-  store.setTmdbScan(5, "");
+  settings.setTmdbScan(5, "");
   EXPECT_EQ(get("persist.json"), "");
-  store.setPlaying(in("movies/a"), "");
-  store.setSoundMode(7);
+  users.setPlaying(in("movies/a"), "");
+  settings.setSoundMode(7);
   EXPECT_TRUE(saved().profiles["Alex"].movies.playing == in("movies/a") && !saved().soundMode);
   store.holdWrites(false);
   EXPECT_EQ(saved().soundMode, 0);
-  store.ensureRooms({in("New"), in("Series")});
+  users.ensureRooms({in("New"), in("Series")});
   EXPECT_EQ(saved().profiles["Maria"].otherRooms.size(), 2U) << "kids was there at the start";
   fs::remove(stateFile());
   fs::create_directories(stateFile());
-  store.setFanartScan(6);
+  settings.setFanartScan(6);
   fs::remove(stateFile());
   for (const bool held : {true, false}) store.holdWrites(held);
   EXPECT_EQ(saved().fanartScanEpoch, 6) << "a save that failed is made up for";
@@ -184,9 +188,9 @@ TEST_F(StateStoreTest, SavesWhenThereIsSomethingToSay) {
 TEST_F(StateStoreTest, PicksWhatToResume) {
   put("movies/a", "x");
   const auto target = [&](const std::string& playing) {
-    store.setPlaying(playing, "");
+    users.setPlaying(playing, "");
     testing::internal::CaptureStderr();
-    const std::string found = store.resumeTarget(in("Movies")).value_or("").string();
+    const std::string found = users.resumeTarget(in("Movies")).value_or("").string();
     return found + testing::internal::GetCapturedStderr() + '|' + *saved().profiles["Ann"].movies.playing;
   };
   EXPECT_EQ(target("movies/x/../a"), in("movies/a") + "|movies/x/../a");
@@ -197,32 +201,32 @@ TEST_F(StateStoreTest, PicksWhatToResume) {
   EXPECT_THAT(target(in("movies")), HasSubstr("(not a regular file)"));
   EXPECT_THAT(target(in("movies/" + std::string(300, 'x'))), HasSubstr("(filesystem error)"));
   put("persist.json", R"({"users":{"Zoe":{"movies":{"playing":"movies/a","offset":3}}}})");
-  store.resumeTarget(in("tv"));
+  users.resumeTarget(in("tv"));
   EXPECT_THAT(get("persist.json"), AllOf(HasSubstr("\"user\": \"Zoe\""), HasSubstr("\"seek\": 3")));
   put("persist.json", R"({"users":{"Cut":{}, )");
-  store.resumeTarget(in("tv"));
-  EXPECT_THAT(store.users(), ElementsAre("Zoe")) << "nobody is lost to a damaged file";
+  users.resumeTarget(in("tv"));
+  EXPECT_THAT(users.users(), ElementsAre("Zoe")) << "nobody is lost to a damaged file";
 }
 
 TEST_F(StateThreads, SaveSideBySide) {
   const auto save = [&](const char* user) {
-    for (int i = 0; i < 20; ++i) store.markWatched(in("tv/" + std::to_string(i)), true, user);
+    for (int i = 0; i < 20; ++i) users.markWatched(in("tv/" + std::to_string(i)), true, user);
   };
   {
     const std::jthread ann(save, "Ann");
     const std::jthread bob(save, "Bob");
-    for (int i = 0; i < 20; ++i) EXPECT_TRUE(store.users().size() == 2 && !store.isWatched(in("tv/x")));
+    for (int i = 0; i < 20; ++i) EXPECT_TRUE(users.users().size() == 2 && !users.isWatched(in("tv/x")));
   }
   EXPECT_EQ(saved().profiles["Ann"].tv.watched.size() + saved().profiles["Bob"].tv.watched.size(), 40U);
 }
 
 TEST_F(StateStoreTest, SurvivesBeingKilled) {
   const std::string tabs[] = {std::string(9000, 'a'), std::string(50000, 'b')};
-  store.setSettingsTab(tabs[1]);
+  settings.setSettingsTab(tabs[1]);
   for (int round = 0; round < 60; ++round) {
     const std::string before = get("persist.json");
     const pid_t child = fork();
-    for (int i = 0; child == 0; i = 1 - i) store.setSettingsTab(tabs[i]);
+    for (int i = 0; child == 0; i = 1 - i) settings.setSettingsTab(tabs[i]);
     while (get("persist.json") == before) std::this_thread::yield();
     std::this_thread::sleep_for(std::chrono::microseconds(round * 150));
     kill(child, SIGKILL);

@@ -1,0 +1,193 @@
+#include "state/stored_users.h"
+
+#include <algorithm>
+#include <array>
+#include <pwd.h>
+#include <unistd.h>
+#include <utility>
+
+#include "library/media_paths.h"
+
+namespace tavek {
+namespace {
+
+/// Of the process; empty if the system does not know it.
+std::string loginName() {
+  std::array<char, 4096> buffer{};
+  passwd entry{};
+  passwd* found = nullptr;
+  getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found);
+  return found != nullptr && found->pw_name != nullptr ? found->pw_name : "";
+}
+
+std::string userOrActive(const StoredState& state, const std::string& user) {
+  std::string name = user.empty() ? activeName(state) : user;
+  if (name.empty()) name = loginName();
+  return name.empty() ? "Alex" : name;
+}
+
+/// The block of a media file's room; user and block are created where they are missing.
+RoomState& roomOf(StoredState& state, const std::string& user, const std::string& media) {
+  const std::string name = userOrActive(state, user);
+  if (!isUser(state, name)) state.userNames.push_back(name);
+  return roomStateOf(state.profiles[name], roomNameOfMedia(media));
+}
+
+}  // namespace
+
+// --- Users ---
+
+std::vector<std::string> StoredUsers::users() {
+  return memory_.look([](const StoredState& state) { return state.userNames; });
+}
+
+std::string StoredUsers::activeUser() {
+  const std::string name = memory_.look(activeName);
+  return name.empty() ? "Alex" : name;
+}
+
+void StoredUsers::setActiveUser(const std::string& name) {
+  if (name.empty()) return;
+  memory_.change(Save::AtRest, [&](StoredState& state) {
+    if (!isUser(state, name)) state.userNames.push_back(name);
+    state.profiles.try_emplace(name);
+    state.activeUser = name;
+    return true;
+  });
+}
+
+void StoredUsers::addUser(const std::string& name) {
+  memory_.change(Save::AtRest, [&](StoredState& state) {
+    if (name.empty() || isUser(state, name)) return false;
+    state.userNames.push_back(name);
+    state.profiles.try_emplace(name);
+    return true;
+  });
+}
+
+void StoredUsers::renameUser(const std::string& old, const std::string& now) {
+  memory_.change(Save::AtRest, [&](StoredState& state) {
+    const auto entry = std::ranges::find(state.userNames, old);
+    if (old.empty() || now.empty() || entry == state.userNames.end() || isUser(state, now)) return false;
+    *entry = now;
+    state.profiles[now] = std::move(state.profiles[old]);
+    state.profiles.erase(old);
+    if (state.activeUser == old) state.activeUser = now;
+    return true;
+  });
+}
+
+void StoredUsers::removeUser(const std::string& name) {
+  memory_.change(Save::AtRest, [&](StoredState& state) {
+    if (!isUser(state, name)) return false;
+    std::erase(state.userNames, name);
+    state.profiles.erase(name);
+    completeUsers(state);
+    if (state.activeUser == name) state.activeUser = state.userNames.front();
+    return true;
+  });
+}
+
+std::optional<std::string> StoredUsers::userMode(const std::string& name) {
+  return memory_.look([&](const StoredState& state) -> std::optional<std::string> {
+    const auto profile = state.profiles.find(name);
+    return profile != state.profiles.end() ? profile->second.mode : std::nullopt;
+  });
+}
+
+void StoredUsers::setUserMode(const std::string& name, const std::string& mode) {
+  memory_.change(Save::AtRest, [&](StoredState& state) {
+    const auto profile = state.profiles.find(name);
+    if (profile == state.profiles.end()) return false;
+    profile->second.mode = mode.empty() ? std::nullopt : std::optional(mode);
+    return true;
+  });
+}
+
+void StoredUsers::ensureRooms(const std::vector<std::filesystem::path>& folders) {
+  memory_.change(Save::AtRest, [&](StoredState& state) { return addRooms(state, folders); });
+}
+
+// --- What each of them played ---
+
+std::optional<std::int64_t> StoredUsers::resumePosition(const std::string& media) {
+  if (media.empty()) return {};
+  const auto own = memory_.look([&](const StoredState& state) {
+    const RoomState& room = activeRoom(state, roomNameOfMedia(media));
+    return room.playing == media ? room.seek : std::nullopt;
+  });
+  return own ? own : playback_.position(media);
+}
+
+void StoredUsers::setPlaying(const std::string& media, const std::string& user) {
+  if (media.empty()) return;
+  memory_.change(Save::Always, [&](StoredState& state) {
+    roomOf(state, user, media).playing = media;
+    return true;
+  });
+}
+
+void StoredUsers::setPosition(const std::string& media, std::int64_t position, const std::string& user) {
+  if (media.empty()) return;
+  playback_.setPosition(media, position);
+  memory_.change(Save::Always, [&](StoredState& state) {
+    RoomState& room = roomOf(state, user, media);
+    room.playing = media;
+    room.seek = position;
+    return true;
+  });
+}
+
+void StoredUsers::clearPlaying(const std::filesystem::path& roomFolder) {
+  memory_.change(Save::Always, [&](StoredState& state) {
+    const std::string name = activeName(state);
+    if (name.empty()) return false;
+    RoomState& room = roomStateOf(state.profiles[name], roomNameOfRoot(roomFolder));
+    room.playing.reset();
+    room.seek.reset();
+    return true;
+  });
+}
+
+bool StoredUsers::isWatched(const std::string& media) {
+  return memory_.look([&](const StoredState& state) {
+    return activeRoom(state, roomNameOfMedia(media)).watched.contains(media);
+  });
+}
+
+bool StoredUsers::hasWatchedBelow(const std::filesystem::path& folder) {
+  if (folder.empty()) return false;
+  return memory_.look([&](const StoredState& state) {
+    return std::ranges::any_of(activeRoom(state, roomNameOfMedia(folder.string())).watched,
+                               [&](const std::string& media) { return isInside(media, folder); });
+  });
+}
+
+void StoredUsers::markWatched(const std::string& media, bool flag, const std::string& user) {
+  if (media.empty()) return;
+  playback_.setWatched(media, flag);
+  memory_.change(Save::Always, [&](StoredState& state) {
+    auto& watched = roomOf(state, user, media).watched;
+    flag ? void(watched.insert(media)) : void(watched.erase(media));
+    return true;
+  });
+}
+
+void StoredUsers::renameMedia(const std::string& old, const std::string& now) {
+  if (old.empty() || now.empty() || old == now) return;
+  playback_.rename(old, now);
+  notes_.rename(old, now);
+  memory_.change(Save::Always, [&](StoredState& state) {
+    bool changed = false;
+    for (auto& [name, profile] : state.profiles) {
+      forEachRoom(profile, [&](std::string_view, RoomState& room) {
+        if (room.watched.erase(old) == 0) return;
+        room.watched.insert(now);
+        changed = true;
+      });
+    }
+    return changed;
+  });
+}
+
+}  // namespace tavek
