@@ -1,17 +1,19 @@
 #include "player/media_queue.h"
 
+#include <atomic>
 #include <chrono>
+#include <semaphore>
 #include <thread>
 
 #include <gtest/gtest.h>
 
-#include "player/audio_clock.h"
+#include "player/sound_clock.h"
 
 namespace tavek {
 namespace {
 
 using std::chrono::milliseconds;
-using Clock = std::chrono::steady_clock;
+using SteadyClock = std::chrono::steady_clock;
 
 bool push(PacketQueue& queue, unsigned round) {
   Tagged<ffmpeg::PacketPtr> packet{ffmpeg::makePacket(), round};
@@ -33,7 +35,7 @@ class Signalled {
 };
 
 TEST(MediaQueue, FinishedGivesWhatIsInside) {
-  PacketQueue queue(4);
+  PacketQueue queue({.count = 4});
   for (unsigned i = 0; i < 3; ++i) ASSERT_TRUE(push(queue, i));
   queue.finish();
   EXPECT_FALSE(push(queue, 9));
@@ -42,7 +44,7 @@ TEST(MediaQueue, FinishedGivesWhatIsInside) {
 }
 
 TEST(MediaQueue, ClosedGivesNothing) {
-  PacketQueue queue(4);
+  PacketQueue queue({.count = 4});
   ASSERT_TRUE(push(queue, 1));
   queue.close();
   EXPECT_EQ(pop(queue), -1);
@@ -62,7 +64,7 @@ TEST(MediaQueue, BlockedThreadsWakeUp) {
       {"pop", [](PacketQueue& q) { pop(q); }, true},
   };
   for (const auto& c : cases) {
-    PacketQueue queue(1);
+    PacketQueue queue({.count = 1});
     ASSERT_TRUE(push(queue, 1));
     bool taken = !c.taken;
     std::thread producer([&] { taken = push(queue, 2); });
@@ -74,42 +76,122 @@ TEST(MediaQueue, BlockedThreadsWakeUp) {
 }
 
 TEST(MediaQueue, ASignalEndsWaitsWithoutAWakeUp) {
-  PacketQueue empty(1);
-  PacketQueue full(1);
+  PacketQueue empty({.count = 1});
+  PacketQueue full({.count = 1});
   ASSERT_TRUE(push(full, 1));
-  Clock::time_point popEnd;
-  Clock::time_point pushEnd;
+  SteadyClock::time_point popEnd;
+  SteadyClock::time_point pushEnd;
   std::thread consumer([&] {
     EXPECT_EQ(pop(empty), -1);
-    popEnd = Clock::now();
+    popEnd = SteadyClock::now();
   });
   std::thread producer([&] {
     EXPECT_FALSE(push(full, 2));
-    pushEnd = Clock::now();
+    pushEnd = SteadyClock::now();
   });
   std::this_thread::sleep_for(milliseconds(120));
   const Signalled signalled;
-  const Clock::time_point sent = Clock::now();
+  const SteadyClock::time_point sent = SteadyClock::now();
   consumer.join();
   producer.join();
   // 50 ms by the rule; the rest is what a busy machine may take to run the threads again.
   EXPECT_LT(std::max(popEnd, pushEnd) - sent, milliseconds(150));
 }
 
-TEST(AudioClock, RunsOnToTheEndOfWhatWasWritten) {
-  AudioClock clock;
-  const AudioClock::Time t0{milliseconds(1000)};
-  EXPECT_EQ(clock.heardUs(t0), 0);
-  clock.wrote(500'000, 500'000, t0);
-  EXPECT_EQ(clock.heardUs(t0 + milliseconds(300)), 0) << "nothing is heard before the device has started";
-  clock.wrote(600'000, 450'000, t0);
+TEST(FrameQueue, IsBoundByBytesAsWell) {
+  const struct {
+    const char* what;
+    int width, height;
+    std::size_t taken;
+  } cases[] = {
+      {"small pictures by their count", 64, 64, 20},
+      {"large ones by their bytes", 1000, 1000, 13},
+      {"huge ones still have a few", 4000, 4000, 3},
+  };
+  for (const auto& c : cases) {
+    FrameQueue queue({.count = 20, .bytes = 20'000'000, .countAtLeast = 3});
+    std::atomic<std::size_t> taken = 0;
+    std::thread producer([&] {
+      for (;; ++taken) {
+        Tagged<ffmpeg::FramePtr> picture{ffmpeg::makeFrame()};
+        picture.item->buf[0] =
+            av_buffer_alloc(static_cast<std::size_t>(c.width) * static_cast<std::size_t>(c.height) * 3 / 2);
+        if (!queue.push(picture)) return;
+      }
+    });
+    const auto limit = SteadyClock::now() + std::chrono::seconds(5);
+    while (taken < c.taken && SteadyClock::now() < limit) std::this_thread::sleep_for(milliseconds(1));
+    std::this_thread::sleep_for(milliseconds(20));
+    EXPECT_EQ(taken, c.taken) << c.what;
+    queue.close();
+    producer.join();
+  }
+}
+
+/// Lends out a fixed number of pictures, and waits for one to come back.
+class Lender {
+ public:
+  ffmpeg::FramePtr lend() {
+    free_.acquire();
+    ffmpeg::FramePtr picture = ffmpeg::makeFrame();
+    picture->buf[0] = av_buffer_create(
+        byte_, 1, [](void* lender, std::uint8_t*) { static_cast<Lender*>(lender)->free_.release(); }, this,
+        0);
+    return picture;
+  }
+
+ private:
+  std::uint8_t byte_[1]{};
+  std::counting_semaphore<4> free_{4};
+};
+
+TEST(FrameQueue, GivesADecoderItsPicturesBackWhenItIsClosed) {
+  Lender decoder;
+  FrameQueue queue;
+  std::atomic<bool> refused = false;
+  std::thread producer([&] {
+    for (bool taken = true; taken;) {
+      Tagged<ffmpeg::FramePtr> picture{decoder.lend()};
+      taken = queue.push(picture);
+    }
+    refused = true;
+  });
+  std::this_thread::sleep_for(milliseconds(20));
+  queue.close();
+  const auto limit = SteadyClock::now() + std::chrono::seconds(5);
+  while (!refused && SteadyClock::now() < limit) std::this_thread::sleep_for(milliseconds(1));
+  EXPECT_TRUE(refused) << "the decoder waits for its pictures";
+  queue.clear();
+  producer.join();
+}
+
+TEST(SoundClock, IsKnownOnlyWhileSoundIsHeard) {
+  SoundClock clock;
+  const SoundClock::Time t0{milliseconds(1000)};
+  const auto at = [&](int ms) { return clock.heardUs(t0 + milliseconds(ms)); };
+  clock.seek(1);
+  clock.wrote(1, 500'000, 500'000, t0);
+  EXPECT_EQ(at(300), 0) << "nothing is heard before the device has started";
+  clock.wrote(1, 600'000, 450'000, t0);
   for (const auto& [afterMs, heard] :
        {std::pair{-20, 150'000}, std::pair{0, 150'000}, std::pair{100, 250'000}, std::pair{450, 600'000},
         std::pair{900, 600'000}}) {
-    EXPECT_EQ(clock.heardUs(t0 + milliseconds(afterMs)), heard) << afterMs;
+    EXPECT_EQ(at(afterMs), heard) << afterMs;
   }
-  clock.set(70'000);
-  EXPECT_EQ(clock.heardUs(t0 + milliseconds(100)), 70'000) << "a seek's target stands";
+  clock.pause(t0 + milliseconds(100));
+  EXPECT_EQ(at(400), 250'000) << "it stands in a pause";
+  clock.wrote(1, 650'000, 400'000, t0 + milliseconds(200));
+  EXPECT_EQ(at(400), 250'000) << "and while the device is filled up in the pause";
+  clock.resume(t0 + milliseconds(500));
+  EXPECT_EQ(at(600), 350'000) << "it goes on from where it stood";
+  clock.seek(2);
+  clock.wrote(1, 900'000, 1, t0);
+  EXPECT_EQ(at(600), 0) << "what comes late from before a seek says nothing";
+  clock.wrote(2, 100'000, 40'000, t0);
+  clock.silence(1);
+  EXPECT_EQ(at(0), 60'000);
+  clock.silence(2);
+  EXPECT_EQ(at(0), 0);
 }
 
 }  // namespace
