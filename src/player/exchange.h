@@ -29,6 +29,7 @@ class Exchange {
   PacketQueue soundPackets;
   FrameQueue pictures;
   SoundClock soundClock;
+  Flag paused;
   Flag seekFailed;
 
   unsigned round() const { return round_; }

@@ -27,6 +27,7 @@ void require(bool worked, const char* complaint) {
 }  // namespace
 
 void PictureDecoder::takeFrame(AVFrame& frame) {
+  if (stale_.isStale(frame)) return;
   AVFrame& work = softwareFrame(frame);
   if (work.width <= 0) work.width = codec_->width();
   if (work.height <= 0) work.height = codec_->height();

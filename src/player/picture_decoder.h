@@ -1,6 +1,7 @@
 #pragma once
 
 #include "media/conversion.h"
+#include "player/stale_frames.h"
 #include "player/stream_decoder.h"
 
 namespace tavek {
@@ -12,6 +13,8 @@ class PictureDecoder final : public StreamDecoder {
       : StreamDecoder(std::move(codec), timeBase, exchange.picturePackets, exchange) {}
 
  private:
+  void seek() override { stale_.seek(); }
+  void sending(const AVPacket& packet) override { stale_.sent(packet); }
   void takeFrame(AVFrame& frame) override;
   void endRound() override { send(nullptr); }
 
@@ -19,6 +22,7 @@ class PictureDecoder final : public StreamDecoder {
   AVFrame& softwareFrame(AVFrame& frame);
   void send(ffmpeg::FramePtr picture);
 
+  StaleFrames stale_;
   std::unique_ptr<Conversion> conversion_;
   ffmpeg::FramePtr transferFrame_;
 };

@@ -66,12 +66,12 @@ void Play::start(std::int64_t positionUs) {
 }
 
 void Play::pause() {
-  paused_ = true;
+  engine_->exchange().paused = true;
   engine_->exchange().soundClock.pause(clock_.now());
 }
 
 void Play::resume() {
-  paused_ = false;
+  engine_->exchange().paused = false;
   due_.reset();
   positionAt_ = clock_.now();
   pacer_.resume();
@@ -187,6 +187,10 @@ std::int64_t Play::heardUs() const {
 
 std::int64_t Play::durationUs() const {
   return engine_->movieInfo().durationUs;
+}
+
+bool Play::paused() const {
+  return engine_->exchange().paused;
 }
 
 bool Play::audioOnly() const {

@@ -55,7 +55,7 @@ class Play {
   void start(std::int64_t positionUs);
   void pause();
   void resume();
-  bool paused() const { return paused_; }
+  bool paused() const;
   /// Before the start, or behind a known end, is the start.
   void requestSeek(std::int64_t positionUs);
 
@@ -117,7 +117,6 @@ class Play {
   ffmpeg::FramePtr picture_;        ///< the one to show; null for a song
   std::uint64_t serial_ = 0;
   std::int64_t positionUs_ = 0;
-  bool paused_ = false;
   bool picturesOver_ = false;
   unsigned shownRound_ = 0;   ///< the seek after which the picture came
   Clock::Time turnAt_{};      ///< the last picture's turn

@@ -9,7 +9,7 @@ namespace tavek {
 class SoundDecoder final : public StreamDecoder {
  public:
   SoundDecoder(std::unique_ptr<Codec> codec, AVRational timeBase, std::unique_ptr<AudioOutput> output,
-               const Clock& clock, Exchange& exchange)
+               Clock& clock, Exchange& exchange)
       : StreamDecoder(std::move(codec), timeBase, exchange.soundPackets, exchange),
         output_(std::move(output)),
         clock_(clock) {}
@@ -18,12 +18,13 @@ class SoundDecoder final : public StreamDecoder {
   AudioOutput& output() { return *output_; }
 
  private:
-  void beginRound() override;
+  void seek() override;
   void takeFrame(AVFrame& frame) override;
   void endRound() override;
+  void holdWhilePaused();
 
   const std::unique_ptr<AudioOutput> output_;
-  const Clock& clock_;
+  Clock& clock_;
 };
 
 }  // namespace tavek

@@ -21,17 +21,21 @@ void StreamDecoder::run() {
   Tagged<ffmpeg::PacketPtr> packet;
   while (!exchange_.stopping() && packets_.pop(packet)) {
     if (packet.seekRound != exchange_.round()) continue;
-    if (packet.seekRound != round_) {
-      round_ = packet.seekRound;
-      codec_->flush();
-      damage_.seek();
-      beginRound();
-    }
+    enterRound(packet.seekRound);
+    if (packet.item) sending(*packet.item);
     decode(packet.item.get());
     if (packet.item || !current()) continue;
     damage_.end();
     endRound();
   }
+}
+
+void StreamDecoder::enterRound(unsigned round) {
+  const unsigned before = std::exchange(round_, round);
+  if (before == 0 || before == round) return;
+  codec_->flush();
+  damage_.seek();
+  seek();
 }
 
 /// A null packet drains the decoder.

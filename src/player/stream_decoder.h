@@ -23,10 +23,12 @@ class StreamDecoder {
   void run();
 
  protected:
-  /// What follows comes after a seek.
-  virtual void beginRound() {}
+  /// What follows comes after a seek; the decoder is flushed already.
+  virtual void seek() = 0;
+  virtual void sending(const AVPacket&) {}
   /// The next frame; it may be emptied.
   virtual void takeFrame(AVFrame& frame) = 0;
+  /// Nothing comes any more, unless somebody seeks.
   virtual void endRound() = 0;
 
   /// The item goes on, and nobody has sought since this round began.
@@ -38,6 +40,7 @@ class StreamDecoder {
   unsigned round_ = 0;
 
  private:
+  void enterRound(unsigned round);
   void decode(const AVPacket* packet);
 
   const AVRational timeBase_;
