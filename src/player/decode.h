@@ -14,14 +14,16 @@ bool Pipeline::decode(Stream& stream, const AVPacket* packet, unsigned round, AV
       const std::lock_guard held(stream.decoderLock);
       // A packet from before a seek must not reach the decoder behind the seek's flush.
       if (round != seekRound_) return true;
-      sent = stream.codec->sendPacket(packet);
+      sent = stream.codec->sendPacket(packet) != Decoded::NotNow;
     }
     for (;;) {
+      Decoded outcome{};
       {
         const std::lock_guard held(stream.decoderLock);
-        if (!stream.codec->receiveFrame(scratch)) break;
+        outcome = stream.codec->receiveFrame(scratch);
       }
-      if (!handle(scratch, round)) return false;
+      if (outcome == Decoded::NotNow) break;
+      if (outcome == Decoded::Done && !handle(scratch, round)) return false;
     }
   }
   return true;

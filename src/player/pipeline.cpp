@@ -21,7 +21,8 @@ Pipeline::Pipeline(std::string path, std::optional<std::string> language, SoundM
     : path_(std::move(path)),
       stored_(stored),
       seekDebug_(seekDebugWanted()),
-      demux_(path_, std::move(language)) {
+      demux_(path_, std::move(language), isAudioFile(path_) ? Pictures::Optional : Pictures::Needed,
+             closedByForce_) {
   // In an audio file the stream of pictures is the cover, which is no film.
   if (!isAudioFile(path_)) {
     video_.codec = std::make_unique<Codec>(demux_.videoParameters());
@@ -113,6 +114,7 @@ void Pipeline::flush(Stream& stream) {
 
 void Pipeline::close() {
   closed_ = true;
+  closedByForce_ = true;
   frames_.close();
   video_.packets.close();
   audio_.packets.close();

@@ -105,6 +105,7 @@ class Pipeline {
   const std::string path_;
   const Stored stored_;
   const bool seekDebug_;  ///< TAVEK_SEEK_DEBUG is "1"
+  Flag closedByForce_;    ///< ends a read that waits
   Demultiplexer demux_;   ///< used by the reading thread; its constant facts by any
   Stream video_;
   Stream audio_;

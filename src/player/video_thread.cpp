@@ -1,3 +1,4 @@
+#include "media/colour.h"
 #include "media/error.h"
 #include "player/decode.h"
 #include "player/frame_position.h"
@@ -17,8 +18,8 @@ constexpr int scalerFlags = SWS_FAST_BILINEAR;
 
 /// The screen takes the planes as they are, if their rows lie from top to bottom.
 bool fitsScreen(const AVFrame& frame) {
-  return frame.format == pictureFormat && frame.linesize[0] > 0 && frame.linesize[1] > 0 &&
-         frame.linesize[2] > 0;
+  return frame.format == pictureFormat && screenColoursOf(frame) && frame.linesize[0] > 0 &&
+         frame.linesize[1] > 0 && frame.linesize[2] > 0;
 }
 
 void require(bool worked, const char* complaint) {
@@ -72,25 +73,14 @@ AVFrame* Pipeline::softwareFrame(AVFrame* frame) {
 }
 
 PicturePtr Pipeline::toPicture(AVFrame* frame) {
+  if (!fitsScreen(*frame)) {
+    if (!conversion_ || !conversion_->fits(*frame))
+      conversion_ = std::make_unique<Conversion>(*frame, scalerFlags);
+    return PicturePtr(conversion_->convert(*frame).release());
+  }
   PicturePtr picture(ffmpeg::makeFrame().release());
   require(picture != nullptr, "Failed to allocate converted AVFrame");
-  if (fitsScreen(*frame)) {
-    require(av_frame_ref(picture.get(), frame) >= 0, "Referencing decoded frame failed");
-    return picture;
-  }
-  const auto format = static_cast<AVPixelFormat>(frame->format);
-  if (!conversion_ || !conversion_->fits(frame->width, frame->height, format)) {
-    conversion_ =
-        std::make_unique<Conversion>(frame->width, frame->height, format, pictureFormat, scalerFlags);
-  }
-  require(av_frame_copy_props(picture.get(), frame) >= 0, "Copying frame properties failed");
-  picture->width = frame->width;
-  picture->height = frame->height;
-  picture->format = pictureFormat;
-  require(
-      av_image_alloc(picture->data, picture->linesize, frame->width, frame->height, pictureFormat, 1) >= 0,
-      "Allocating picture failed");
-  conversion_->convert(frame, picture.get());
+  require(av_frame_ref(picture.get(), frame) >= 0, "Referencing decoded frame failed");
   return picture;
 }
 

@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/paths.h"
 #include "base/process_flags.h"
 #include "display/picture_place.h"
 #include "state/state_store.h"
@@ -17,7 +16,7 @@ namespace {
 constexpr int width = 640;
 constexpr int height = 360;
 
-StateStore store{stateFile()};
+StateStore store{""};
 
 /// A grey picture with a white upper left quarter.
 class Picture {
