@@ -37,10 +37,15 @@ void Engine::open() {
     blackPicture();
   } else {
     pictureDecoder_ = std::make_unique<PictureDecoder>(std::make_unique<Codec>(file.videoParameters()),
-                                                       file.videoTimeBase(), exchange_);
+                                                       timeOf(file.videoTimeBase()), exchange_);
     streams_.pictures = file.videoStreamIndex();
+    hasStill_ = file.pictureIsAttached();
   }
   if (file.audioParameters() != nullptr) openSound();
+}
+
+StreamTime Engine::timeOf(AVRational timeBase) const {
+  return {timeBase, reader_->file().positionUs(0, timeBase)};
 }
 
 /// A sound side that cannot be built is left out without a word.
@@ -49,8 +54,8 @@ void Engine::openSound() try {
   auto codec = std::make_unique<Codec>(file.audioParameters());
   auto output =
       std::make_unique<AudioOutput>(file.audioParameters(), item_.path, item_.soundMode, services_.stored);
-  soundDecoder_ = std::make_unique<SoundDecoder>(std::move(codec), file.audioTimeBase(), std::move(output),
-                                                 services_.clock, exchange_);
+  soundDecoder_ = std::make_unique<SoundDecoder>(std::move(codec), timeOf(file.audioTimeBase()),
+                                                 std::move(output), services_.clock, exchange_);
   streams_.sound = file.audioStreamIndex();
 } catch (const std::exception&) {
   // The item plays silently.

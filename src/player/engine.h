@@ -38,6 +38,7 @@ class Engine {
  private:
   void open();
   void openSound();
+  StreamTime timeOf(AVRational timeBase) const;
   template <typename Body>
   void guard(const Body& body);
 

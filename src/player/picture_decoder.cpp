@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "media/colour.h"
 #include "media/error.h"
 
 extern "C" {
@@ -16,8 +17,8 @@ constexpr int scalerFlags = SWS_FAST_BILINEAR;
 
 /// The screen takes the planes as they are, if their rows lie from top to bottom.
 bool fitsScreen(const AVFrame& frame) {
-  return frame.format == pictureFormat && frame.linesize[0] > 0 && frame.linesize[1] > 0 &&
-         frame.linesize[2] > 0;
+  return frame.format == pictureFormat && screenColoursOf(frame) && frame.linesize[0] > 0 &&
+         frame.linesize[1] > 0 && frame.linesize[2] > 0;
 }
 
 void require(bool worked, const char* complaint) {
@@ -51,22 +52,14 @@ AVFrame& PictureDecoder::softwareFrame(AVFrame& frame) {
 }
 
 ffmpeg::FramePtr PictureDecoder::toPicture(AVFrame& frame) {
+  if (!fitsScreen(frame)) {
+    if (!conversion_ || !conversion_->fits(frame))
+      conversion_ = std::make_unique<Conversion>(frame, scalerFlags);
+    return conversion_->convert(frame);
+  }
   ffmpeg::FramePtr picture = ffmpeg::makeFrame();
   require(picture != nullptr, "Failed to allocate converted AVFrame");
-  if (fitsScreen(frame)) {
-    av_frame_move_ref(picture.get(), &frame);
-    return picture;
-  }
-  const auto format = static_cast<AVPixelFormat>(frame.format);
-  if (!conversion_ || !conversion_->fits(frame.width, frame.height, format)) {
-    conversion_ = std::make_unique<Conversion>(frame.width, frame.height, format, pictureFormat, scalerFlags);
-  }
-  require(av_frame_copy_props(picture.get(), &frame) >= 0, "Copying frame properties failed");
-  picture->width = frame.width;
-  picture->height = frame.height;
-  picture->format = pictureFormat;
-  require(av_frame_get_buffer(picture.get(), 0) >= 0, "Allocating picture failed");
-  conversion_->convert(&frame, picture.get());
+  av_frame_move_ref(picture.get(), &frame);
   return picture;
 }
 

@@ -9,8 +9,8 @@ namespace tavek {
 /// Makes pictures for the screen from the packets of the picture stream.
 class PictureDecoder final : public StreamDecoder {
  public:
-  PictureDecoder(std::unique_ptr<Codec> codec, AVRational timeBase, Exchange& exchange)
-      : StreamDecoder(std::move(codec), timeBase, exchange.picturePackets, exchange) {}
+  PictureDecoder(std::unique_ptr<Codec> codec, StreamTime time, Exchange& exchange)
+      : StreamDecoder(std::move(codec), time, exchange.picturePackets, exchange) {}
 
  private:
   void seek() override { stale_.seek(); }

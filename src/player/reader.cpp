@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/console.h"
+#include "library/file_types.h"
 #include "media/error.h"
 
 namespace tavek {
@@ -20,7 +21,11 @@ bool seekDebugWanted() {
 }  // namespace
 
 Reader::Reader(const PlayItem& item, Exchange& exchange)
-    : path_(item.path), seekDebug_(seekDebugWanted()), exchange_(exchange), file_(item.path, item.language) {}
+    : path_(item.path),
+      seekDebug_(seekDebugWanted()),
+      exchange_(exchange),
+      file_(item.path, item.language, isAudioFile(item.path) ? Pictures::Optional : Pictures::Needed,
+            exchange.closed()) {}
 
 void Reader::run(Streams streams) {
   streams_ = streams;

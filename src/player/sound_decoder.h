@@ -8,9 +8,9 @@ namespace tavek {
 /// Feeds the device from the packets of the sound stream, and tells the clock what is heard.
 class SoundDecoder final : public StreamDecoder {
  public:
-  SoundDecoder(std::unique_ptr<Codec> codec, AVRational timeBase, std::unique_ptr<AudioOutput> output,
+  SoundDecoder(std::unique_ptr<Codec> codec, StreamTime time, std::unique_ptr<AudioOutput> output,
                Clock& clock, Exchange& exchange)
-      : StreamDecoder(std::move(codec), timeBase, exchange.soundPackets, exchange),
+      : StreamDecoder(std::move(codec), time, exchange.soundPackets, exchange),
         output_(std::move(output)),
         clock_(clock) {}
 

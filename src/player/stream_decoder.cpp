@@ -3,15 +3,18 @@
 #include <utility>
 
 #include "media/error.h"
-#include "player/frame_position.h"
+
+extern "C" {
+#include <libavutil/mathematics.h>
+}
 
 namespace tavek {
 
-StreamDecoder::StreamDecoder(std::unique_ptr<Codec> codec, AVRational timeBase, PacketQueue& packets,
+StreamDecoder::StreamDecoder(std::unique_ptr<Codec> codec, StreamTime time, PacketQueue& packets,
                              Exchange& exchange)
     : exchange_(exchange),
       codec_(std::move(codec)),
-      timeBase_(timeBase),
+      time_(time),
       packets_(packets),
       frame_(ffmpeg::makeFrame()) {
   if (!frame_) throw ffmpeg::Error("Failed to allocate decoded AVFrame");
@@ -38,20 +41,48 @@ void StreamDecoder::enterRound(unsigned round) {
   seek();
 }
 
-/// A null packet drains the decoder.
+/// A null packet drains the decoder. One that is refused by a decoder with nothing to give is dropped.
 void StreamDecoder::decode(const AVPacket* packet) {
-  for (bool sent = false; !sent && current();) {
+  Decoded sent = Decoded::NotNow;
+  for (bool moves = true; sent == Decoded::NotNow && moves && current();) {
     sent = codec_->sendPacket(packet);
-    while (current() && codec_->receiveFrame(frame_.get())) {
-      damage_.goodFrame();
-      takeFrame(*frame_);
-      av_frame_unref(frame_.get());
-    }
+    if (sent == Decoded::Damaged) noteDamage(packet);
+    moves = receiveAll(packet);
   }
 }
 
-std::int64_t StreamDecoder::positionUs(const AVFrame& frame) const {
-  return framePositionUs(frame, timeBase_);
+/// True if anything came.
+bool StreamDecoder::receiveAll(const AVPacket* packet) {
+  bool any = false;
+  for (; current(); any = true) {
+    const Decoded received = codec_->receiveFrame(frame_.get());
+    if (received == Decoded::NotNow) break;
+    if (received == Decoded::Damaged) {
+      noteDamage(packet);
+      continue;
+    }
+    damage_.goodFrame();
+    takeFrame(*frame_);
+    av_frame_unref(frame_.get());
+  }
+  return any;
+}
+
+void StreamDecoder::noteDamage(const AVPacket* packet) {
+  damage_.badPacket(packet != nullptr ? place({packet->dts, packet->pts}) : lastPlaceUs_);
+}
+
+std::int64_t StreamDecoder::positionUs(const AVFrame& frame) {
+  return place({frame.best_effort_timestamp, frame.pts, frame.pkt_dts});
+}
+
+std::int64_t StreamDecoder::place(std::initializer_list<std::int64_t> stamps) {
+  for (const std::int64_t stamp : stamps) {
+    if (stamp == AV_NOPTS_VALUE) continue;
+    lastPlaceUs_ = av_rescale_q(stamp, time_.timeBase, AVRational{1, 1'000'000}) + time_.zeroUs;
+    break;
+  }
+  return lastPlaceUs_;
 }
 
 }  // namespace tavek
