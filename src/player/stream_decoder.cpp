@@ -1,10 +1,12 @@
 #include "player/stream_decoder.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "media/error.h"
 
 extern "C" {
+#include <libavutil/common.h>
 #include <libavutil/mathematics.h>
 }
 
@@ -79,7 +81,10 @@ std::int64_t StreamDecoder::positionUs(const AVFrame& frame) {
 std::int64_t StreamDecoder::place(std::initializer_list<std::int64_t> stamps) {
   for (const std::int64_t stamp : stamps) {
     if (stamp == AV_NOPTS_VALUE) continue;
-    lastPlaceUs_ = av_rescale_q(stamp, time_.timeBase, AVRational{1, 1'000'000}) + time_.zeroUs;
+    // Thirty years: no film is longer, and sums of what a damaged file claims stay in bounds.
+    constexpr std::int64_t farthestUs = 1'000'000'000'000'000;
+    const std::int64_t us = av_rescale_q(stamp, time_.timeBase, AVRational{1, 1'000'000});
+    lastPlaceUs_ = std::clamp(av_sat_add64(us, time_.zeroUs), -farthestUs, farthestUs);
     break;
   }
   return lastPlaceUs_;

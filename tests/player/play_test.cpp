@@ -1,12 +1,18 @@
 #include "player/play.h"
 
 #include <filesystem>
+#include <fstream>
 
 #include <gtest/gtest.h>
 
 #include "rig/media.h"
 #include "state/state_store.h"
+#include "support/temp_folder.h"
 #include "support/turned_clock.h"
+
+extern "C" {
+#include <libavutil/log.h>
+}
 
 namespace tavek {
 namespace {
@@ -29,6 +35,9 @@ std::string clip(const std::string& words, const std::string& extension) {
 std::string film(const std::string& rate, const std::string& length, const std::string& more = "OUT") {
   return clip("-f lavfi -i testsrc=s=16x16:r=" + rate + ":d=" + length + " -c:v ffv1 -g 10 " + more, "mkv");
 }
+
+/// FFmpeg's complaints about the damage would hide the test's own.
+const bool quiet = (av_log_set_level(AV_LOG_QUIET), true);
 
 /// An item on a clock that stands until the player sleeps.
 struct Sitting {
@@ -53,6 +62,14 @@ struct Sitting {
     }
     playedSeconds += std::chrono::duration<double>(clock.now() - begun).count();
     return turn;
+  }
+
+  /// What a worker or the opening said.
+  std::string failure() const try {
+    if (play.error()) std::rethrow_exception(play.error());
+    return "";
+  } catch (const std::exception& error) {
+    return error.what();
   }
 
   test::TurnedClock clock;
@@ -114,6 +131,85 @@ TEST(Play, SeeksAnywhereAndPlaysOnToTheEnd) {
   sitting.play.requestSeek(0);
   EXPECT_EQ(sitting.run(milliseconds(60)), Play::Turn::Picture);
   EXPECT_LT(sitting.play.positionUs(), 100'000);
+}
+
+/// Fourteen seconds in which these pictures cannot be decoded.
+std::string damagedFilm(const std::filesystem::path& folder, int first, int last) {
+  std::ifstream whole(clip("-f lavfi -i testsrc=s=16x16:r=24:d=14 -c:v magicyuv OUT", "mkv"),
+                      std::ios::binary);
+  std::string bytes(std::istreambuf_iterator<char>(whole), {});
+  // Each picture begins with the word, and so does the header's name of the codec.
+  std::size_t at = 0;
+  for (int n = -1; (at = bytes.find("MAGY", at)) != std::string::npos; ++n, ++at) {
+    if (n >= first && n <= last) bytes[at] = '?';
+  }
+  const std::filesystem::path file = folder / (std::to_string(first) + ".mkv");
+  std::ofstream(file, std::ios::binary) << bytes;
+  return file.string();
+}
+
+TEST(Play, GetsOverDamage) {
+  const test::TempFolder folder;
+  const struct {
+    const char* what;
+    std::string path;
+    int fewestPictures, mostPictures;
+    std::string error;
+  } cases[] = {
+      {"one picture", damagedFilm(folder.path(), 20, 20), 335, 335, ""},
+      {"nine seconds of pictures", damagedFilm(folder.path(), 48, 263), 120, 120, ""},
+      {"eleven seconds of pictures", damagedFilm(folder.path(), 47, 310), 0, 48,
+       "FFmpeg: Invalid data found when processing input"},
+      {"all", damagedFilm(folder.path(), 0, 335), 0, 0, "FFmpeg: Invalid data found when processing input"},
+  };
+  for (const auto& c : cases) {
+    Sitting sitting(c.path);
+    ASSERT_EQ(sitting.play.opening(), Play::Opening::Open) << c.what;
+    sitting.play.start(0);
+    EXPECT_EQ(sitting.run(seconds(60)), Play::Turn::Ended) << c.what;
+    EXPECT_GE(sitting.pictures, c.fewestPictures) << c.what;
+    EXPECT_LE(sitting.pictures, c.mostPictures) << c.what;
+    EXPECT_EQ(sitting.failure(), c.error) << c.what;
+  }
+}
+
+TEST(Play, FailsAsAnItem) {
+  const struct {
+    const char* what;
+    std::string path;
+    Play::Opening opening;
+  } cases[] = {
+      {"no file", "/none.mkv", Play::Opening::Failed},
+      {"no medium", "/etc/passwd", Play::Opening::Failed},
+      {"pixels that nothing converts",
+       clip("-f rawvideo -pix_fmt uyyvyy411 -s 16x16 -i /dev/zero -frames:v 9 -c copy -tag:v Y411 OUT",
+            "avi"),
+       Play::Opening::Open},
+  };
+  for (const auto& c : cases) {
+    Sitting sitting(c.path);
+    ASSERT_EQ(sitting.play.opening(), c.opening) << c.what;
+    if (c.opening == Play::Opening::Open) {
+      sitting.play.start(0);
+      EXPECT_EQ(sitting.run(seconds(10)), Play::Turn::Ended) << c.what;
+    }
+    EXPECT_NE(sitting.failure(), "") << c.what;
+  }
+}
+
+TEST(Play, MayBeLeftAtAnyMoment) {
+  const std::string path = film("24", "2");
+  const auto begun = SteadyClock::now();
+  for (int i = 0; i < 100; ++i) {
+    test::TurnedClock clock;
+    Play play({path, {}, SoundMode::Stereo}, {clock, stored});
+    std::this_thread::sleep_for(microseconds(20 * i));
+    if (play.opening() != Play::Opening::Open) continue;
+    play.start(0);
+    for (int turn = 0; turn < i % 10; ++turn) play.nextTurn();
+    if (i % 2 == 0) play.requestSeek(1'000'000);
+  }
+  EXPECT_LT(SteadyClock::now() - begun, seconds(5));
 }
 
 TEST(Play, ASeekInAPauseShowsItsPicture) {
