@@ -14,16 +14,18 @@ void Engine::guard(const Body& body) {
   try {
     body();
   } catch (...) {
-    exchange_.fail(std::current_exception());
+    fail();
   }
+}
+
+void Engine::fail() {
+  exchange_.fail(std::current_exception());
+  if (opening_ == Play::Opening::Underway) opening_ = Play::Opening::Failed;
 }
 
 void Engine::openAndRead() {
   guard([&] { open(); });
-  opening_ = exchange_.error() ? Play::Opening::Failed : Play::Opening::Open;
-  guard([&] {
-    if (reader_) reader_->run(streams_);
-  });
+  if (opening_ == Play::Opening::Open) guard([&] { reader_->run(streams_); });
   // Here, since closing a file on a dead disk takes its time as well.
   reader_.reset();
 }
@@ -42,6 +44,7 @@ void Engine::open() {
     hasStill_ = file.pictureIsAttached();
   }
   if (file.audioParameters() != nullptr) openSound();
+  opening_ = Play::Opening::Open;
 }
 
 StreamTime Engine::timeOf(AVRational timeBase) const {

@@ -22,6 +22,8 @@ class Engine {
   void decodePictures();
   void decodeSound();
 
+  /// Ends the item with the exception that is being handled.
+  void fail();
   Play::Opening opening() const { return opening_; }
   Exchange& exchange() { return exchange_; }
 

@@ -31,7 +31,11 @@ Play::Play(PlayItem item, const PlayServices& services)
     : clock_(services.clock),
       engine_(std::make_shared<Engine>(std::move(item), services)),
       pacer_(services.clock) {
-  reading_.start([engine = engine_] { engine->openAndRead(); });
+  try {
+    reading_.start([engine = engine_] { engine->openAndRead(); });
+  } catch (...) {
+    engine_->fail();
+  }
 }
 
 Play::~Play() {
@@ -61,7 +65,7 @@ void Play::start(std::int64_t positionUs) {
     if (engine_->hasPictures()) decodingPictures_.start([engine = engine_] { engine->decodePictures(); });
     if (sound() != nullptr) decodingSound_.start([engine = engine_] { engine->decodeSound(); });
   } catch (...) {
-    engine_->exchange().fail(std::current_exception());
+    engine_->fail();
   }
 }
 
@@ -109,7 +113,9 @@ Play::Turn Play::pictureTurn() {
       return Turn::Wait;
     }
     due_ = pacer_.due(next_->pts, exchange.soundClock, !exchange.pictures.empty());
-    if (!due_) next_.reset();
+    if (due_) break;
+    next_.reset();
+    if (clock_.now() >= limit) return Turn::Wait;
   }
   clock_.sleepUntil(std::min(*due_, limit));
   if (clock_.now() < *due_) return Turn::Wait;

@@ -18,6 +18,7 @@ void SoundDecoder::seek() {
 
 void SoundDecoder::takeFrame(AVFrame& frame) {
   holdWhilePaused();
+  if (!current()) return;
   output_->write(&frame);
   if (frame.sample_rate <= 0) return;
   const std::int64_t lengthUs = std::int64_t{frame.nb_samples} * 1'000'000 / frame.sample_rate;

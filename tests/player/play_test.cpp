@@ -89,6 +89,10 @@ TEST(Play, TakesItsTimeToTheEnd) {
       {"24 pictures a second", film("24", "2"), 48, 1.96},
       {"5 pictures a second", film("5", "3"), 15, 2.8},
       {"60 pictures a second", film("60", "2"), 120, 1.98},
+      {"a recording that starts at 5,000 s",
+       clip("-f lavfi -i testsrc=s=64x64:r=25:d=2 -c:v mpeg2video -output_ts_offset 5000 OUT", "ts"), 50,
+       1.96},
+      {"a film of one picture", film("24", "0.04"), 1, 0},
       {"a song without a device", clip("-f lavfi -i sine=d=3 OUT", "flac"), 1, 3.0},
   };
   for (const auto& c : cases) {
@@ -98,6 +102,7 @@ TEST(Play, TakesItsTimeToTheEnd) {
     EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended) << c.what;
     EXPECT_EQ(sitting.pictures, c.pictures) << c.what;
     EXPECT_NEAR(sitting.playedSeconds, c.seconds, 0.05) << c.what;
+    EXPECT_NEAR(static_cast<double>(sitting.play.positionUs()), c.seconds * 1e6, 50'000) << c.what;
     EXPECT_LE(sitting.longestTurn, milliseconds(50)) << c.what;
     EXPECT_EQ(sitting.play.error(), nullptr) << c.what;
   }

@@ -1,5 +1,3 @@
-#include "player/media_queue.h"
-
 #include <atomic>
 #include <chrono>
 #include <semaphore>
@@ -7,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include "player/media_queue.h"
 #include "player/sound_clock.h"
+#include "player/stale_frames.h"
 
 namespace tavek {
 namespace {
@@ -163,6 +163,37 @@ TEST(FrameQueue, GivesADecoderItsPicturesBackWhenItIsClosed) {
   EXPECT_TRUE(refused) << "the decoder waits for its pictures";
   queue.clear();
   producer.join();
+}
+
+TEST(StaleFrames, AreThoseOfThePlaceBeforeTheSeek) {
+  const auto frame = [](std::int64_t stamp) {
+    ffmpeg::FramePtr made = ffmpeg::makeFrame();
+    made->best_effort_timestamp = stamp;
+    return made;
+  };
+  const ffmpeg::PacketPtr packet = ffmpeg::makePacket();
+  StaleFrames frames;
+  EXPECT_FALSE(frames.isStale(*frame(900))) << "nobody has sought";
+  for (const std::int64_t old : {900, 100}) {
+    frames.seek();
+    packet->dts = 480;
+    packet->pts = 520;
+    frames.sent(*packet);
+    packet->dts = packet->pts = 500;
+    frames.sent(*packet);
+    EXPECT_TRUE(frames.isStale(*frame(old)));
+    EXPECT_TRUE(frames.isStale(*frame(old + 1)));
+    EXPECT_FALSE(frames.isStale(*frame(480)));
+    EXPECT_FALSE(frames.isStale(*frame(900))) << "what follows a picture of the new place is new";
+  }
+  frames.seek();
+  frames.sent(*packet);
+  for (int i = 0; i < 32; ++i) EXPECT_TRUE(frames.isStale(*frame(i)));
+  EXPECT_FALSE(frames.isStale(*frame(32))) << "no decoder held so many: its stamps are its own";
+  frames.seek();
+  packet->dts = packet->pts = AV_NOPTS_VALUE;
+  frames.sent(*packet);
+  EXPECT_FALSE(frames.isStale(*frame(7))) << "nothing is known of what was sent";
 }
 
 TEST(SoundClock, IsKnownOnlyWhileSoundIsHeard) {
