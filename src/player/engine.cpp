@@ -41,7 +41,7 @@ void Engine::open() {
     pictureDecoder_ = std::make_unique<PictureDecoder>(std::make_unique<Codec>(file.videoParameters()),
                                                        timeOf(file.videoTimeBase()), exchange_);
     streams_.pictures = file.videoStreamIndex();
-    hasStill_ = file.pictureIsAttached();
+    streams_.pictureIsStill = file.pictureIsAttached();
   }
   if (file.audioParameters() != nullptr) openSound();
   opening_ = Play::Opening::Open;

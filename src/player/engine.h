@@ -31,7 +31,7 @@ class Engine {
   const MovieInfo& movieInfo() const { return movieInfo_; }
   bool hasPictures() const { return streams_.pictures >= 0; }
   /// The only picture is a cover.
-  bool hasStill() const { return hasStill_; }
+  bool hasStill() const { return streams_.pictureIsStill; }
   /// Null for an item that plays silently.
   AudioOutput* sound() { return soundDecoder_ ? &soundDecoder_->output() : nullptr; }
   /// Lets the device play what it holds. The sound's thread has ended.
@@ -50,7 +50,6 @@ class Engine {
   std::atomic<Play::Opening> opening_{Play::Opening::Underway};
   MovieInfo movieInfo_;
   Reader::Streams streams_;
-  bool hasStill_ = false;
   std::unique_ptr<Reader> reader_;
   std::unique_ptr<PictureDecoder> pictureDecoder_;
   std::unique_ptr<SoundDecoder> soundDecoder_;

@@ -11,6 +11,11 @@ void Exchange::seek(std::int64_t positionUs) {
   post({positionUs, round});
 }
 
+void Exchange::startReading() {
+  soundClock.seek(round_);
+  post({0, round_});
+}
+
 void Exchange::post(SeekRequest request) {
   *request_.hold() = request;
   requested_.notify_all();

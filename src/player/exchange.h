@@ -35,8 +35,8 @@ class Exchange {
   unsigned round() const { return round_; }
   /// All of the round before is dropped, and the reader goes on from there.
   void seek(std::int64_t positionUs);
-  /// The same place for the reader without a new round, to start with.
-  void startReading() { post({0, round_}); }
+  /// Sends the reader off from the start of the file, in the first round.
+  void startReading();
   std::optional<SeekRequest> takeRequest() { return std::exchange(*request_.hold(), std::nullopt); }
   /// Waits at most 50 ms for one.
   std::optional<SeekRequest> waitForRequest();

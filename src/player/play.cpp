@@ -94,7 +94,8 @@ void Play::requestSeek(std::int64_t positionUs) {
 
 Play::Turn Play::nextTurn() {
   if (error()) return Turn::Ended;
-  return followsSound() ? soundTurn() : pictureTurn();
+  const Clock::Time limit = clock_.now() + longestTurn;
+  return followsSound() ? soundTurn(limit) : pictureTurn(limit);
 }
 
 /// There are no pictures that could tell the position.
@@ -102,12 +103,11 @@ bool Play::followsSound() const {
   return picturesOver_ || audioOnly() || engine_->hasStill();
 }
 
-Play::Turn Play::pictureTurn() {
-  const Clock::Time limit = clock_.now() + longestTurn;
+Play::Turn Play::pictureTurn(Clock::Time limit) {
   const Exchange& exchange = engine_->exchange();
   while (!due_) {
     if (!next_ && !takeNext(longestTurn)) {
-      if (picturesOver_) return soundTurn();
+      if (picturesOver_) return soundTurn(limit);
       pacer_.starve();
       clock_.sleepUntil(limit);
       return Turn::Wait;
@@ -124,10 +124,10 @@ Play::Turn Play::pictureTurn() {
 }
 
 /// The position follows the sound, or goes on by itself where nobody knows what is heard.
-Play::Turn Play::soundTurn() {
+Play::Turn Play::soundTurn(Clock::Time limit) {
   if (heardOut()) return Turn::Ended;
   const bool fresh = takeFresh();
-  clock_.sleepUntil(clock_.now() + songStep);
+  clock_.sleepUntil(std::min(clock_.now() + songStep, limit));
   const Clock::Time now = clock_.now();
   const auto passed = std::chrono::duration_cast<microseconds>(now - positionAt_).count();
   const std::int64_t heard = heardUs();

@@ -98,8 +98,8 @@ class Play {
 
  private:
   bool followsSound() const;
-  Turn pictureTurn();
-  Turn soundTurn();
+  Turn pictureTurn(Clock::Time limit);
+  Turn soundTurn(Clock::Time limit);
   bool takeNext(std::chrono::milliseconds limit);
   bool takeFresh();
   void showNext();

@@ -67,6 +67,8 @@ void Reader::readOne() {
   const int stream = packet->stream_index;
   if (stream == streams_.pictures) {
     send(exchange_.picturePackets, std::move(packet));
+    // A decoder that waits for more would give the only picture when the file ends.
+    if (streams_.pictureIsStill) send(exchange_.picturePackets, nullptr);
   } else if (stream == streams_.sound) {
     send(exchange_.soundPackets, std::move(packet));
   }

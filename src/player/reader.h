@@ -16,6 +16,7 @@ class Reader {
   struct Streams {
     int pictures = -1;
     int sound = -1;
+    bool pictureIsStill = false;  ///< there is no other behind it
   };
 
   /// Opens the file; throws ffmpeg::Error.
