@@ -9,15 +9,15 @@ void Pipeline::audioThread() {
   const ffmpeg::FramePtr scratch = ffmpeg::makeFrame();
   if (!scratch) throw ffmpeg::Error("Failed to allocate audio AVFrame");
   const auto play = [this](AVFrame* frame, unsigned round) { return playAudioFrame(frame, round); };
-  bool flushed = false;
+  bool held = false;
   while (!stopping()) {
     if (paused) {
-      if (!flushed) audioOutput_->flush();
-      flushed = true;
+      if (!held) audioOutput_->hold();
+      held = true;
       sleepMilliseconds(10);
       continue;
     }
-    flushed = false;
+    if (std::exchange(held, false)) audioOutput_->resume();
     Tagged<ffmpeg::PacketPtr> packet;
     if (!audio_.packets.pop(packet)) {
       drain(audio_, scratch.get(), play);

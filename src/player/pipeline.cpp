@@ -5,6 +5,7 @@
 
 #include "library/file_types.h"
 #include "player/seek_rules.h"
+#include "sound/alsa_device.h"
 
 namespace tavek {
 namespace {
@@ -34,7 +35,8 @@ Pipeline::Pipeline(std::string path, std::optional<std::string> language, SoundM
 
 void Pipeline::openSound(SoundMode soundMode) try {
   audio_.codec = std::make_unique<Codec>(demux_.audioParameters());
-  audioOutput_ = std::make_unique<AudioOutput>(demux_.audioParameters(), path_, soundMode, stored_);
+  audioOutput_ = std::make_unique<AudioOutput>(demux_.audioParameters(), path_, soundMode, stored_,
+                                               alsaDeviceFactory(), steadyClock());
   audio_.index = demux_.audioStreamIndex();
   audio_.timeBase = demux_.audioTimeBase();
 } catch (const std::exception&) {
@@ -118,6 +120,7 @@ void Pipeline::close() {
   frames_.close();
   video_.packets.close();
   audio_.packets.close();
+  if (audioOutput_) audioOutput_->interrupt();
 }
 
 std::exception_ptr Pipeline::join() {

@@ -81,7 +81,6 @@ void ItemPlay::unpause() {
   pipeline_.audioClock().set(pacing_.lastPositionUs);
   if (std::exchange(audioClosedForBrowser_, false) && pipeline_.audioOutput() != nullptr) {
     pipeline_.audioOutput()->reopen();
-    pipeline_.audioOutput()->flush();
   }
   if (display_ == nullptr) return;
   display_->setVideoPlaying(true);
@@ -100,7 +99,6 @@ void ItemPlay::openPosters() {
     pipeline_.pausedForPosters = true;
     AudioOutput* output = pipeline_.audioOutput();
     if (output != nullptr && seriesRootOf(path_)) {
-      output->flush();
       output->close();
       audioClosedForBrowser_ = true;
     }
