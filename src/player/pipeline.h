@@ -19,14 +19,11 @@
 #include "media/demultiplexer.h"
 #include "player/audio_clock.h"
 #include "player/media_queue.h"
+#include "player/picture_frame.h"
 #include "sound/audio_output.h"
 #include "state/stored.h"
 
 namespace tavek {
-
-/// Deep enough that a slow stretch of the disk or of the decoder is not seen: over two seconds of film.
-/// Decoded 4K pictures fill some 800 MB at this depth.
-inline constexpr std::size_t queueCapacity = 64;
 
 /// One file's way from the disk to pictures and sound. The main thread owns it, starts it once, takes
 /// pictures and asks for seeks; the workers in it read the file, decode, and write to the audio device. No
@@ -69,7 +66,7 @@ class Pipeline {
  private:
   /// Packets of one stream and their decoder, which is null where the stream is not played.
   struct Stream {
-    PacketQueue packets{queueCapacity};
+    PacketQueue packets;
     std::unique_ptr<Codec> codec;
     std::mutex decoderLock;  ///< held around each call of the codec, so that a seek can flush in between
     int index = -1;
@@ -112,7 +109,7 @@ class Pipeline {
   Demultiplexer demux_;   ///< used by the reading thread; its constant facts by any
   Stream video_;
   Stream audio_;
-  FrameQueue frames_{queueCapacity};
+  MediaQueue<Tagged<PicturePtr>> frames_;
   std::unique_ptr<AudioOutput> audioOutput_;
   AudioClock audioClock_;
   Flag audioFinished_;

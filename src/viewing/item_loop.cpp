@@ -47,7 +47,7 @@ SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode s
       break;
     }
     try {
-      Play play(context.display, path, context.language, soundMode, context.stored);
+      ItemPlay play(context.display, path, context.language, soundMode, context.stored);
       play.run();
       if (quitRequested || !play.nextPath()) break;
       path = play.nextPath()->string();

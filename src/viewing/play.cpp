@@ -32,8 +32,8 @@ double sampleAspectOf(const AVFrame& frame) {
 
 }  // namespace
 
-Play::Play(Display* display, const std::string& path, std::optional<std::string> language,
-           SoundMode soundMode, const Stored& stored)
+ItemPlay::ItemPlay(Display* display, const std::string& path, std::optional<std::string> language,
+                   SoundMode soundMode, const Stored& stored)
     : display_(display),
       stored_(stored),
       path_(fullPath(path)),
@@ -54,7 +54,7 @@ Play::Play(Display* display, const std::string& path, std::optional<std::string>
   startAtStored();
 }
 
-void Play::run() {
+void ItemPlay::run() {
   begin();
   while (!ended_) pass();
   storeEnd();
@@ -64,7 +64,7 @@ void Play::run() {
   if (error && !stopRequested_) std::rethrow_exception(error);
 }
 
-void Play::begin() {
+void ItemPlay::begin() {
   if (display_ != nullptr) {
     display_->leaveHome();
     display_->selectRoomForPath(path_);
@@ -80,7 +80,7 @@ void Play::begin() {
   }
 }
 
-void Play::pass() {
+void ItemPlay::pass() {
   const NavCode code = nextCode();
   repauseWhenDue();
   dispatch(code);
@@ -92,7 +92,7 @@ void Play::pass() {
   }
 }
 
-NavCode Play::nextCode() {
+NavCode ItemPlay::nextCode() {
   NavCode code = display_ != nullptr ? display_->pollInput() : NavCode::None;
   if (display_ != nullptr && display_->takePauseToggle()) code = NavCode::TogglePause;
   if (code == NavCode::TogglePause && Clock::now() < startGuardUntil_) code = NavCode::None;
@@ -100,7 +100,7 @@ NavCode Play::nextCode() {
   return code == NavCode::None && seek_.active && released ? NavCode::SeekCommit : code;
 }
 
-void Play::frameStep() {
+void ItemPlay::frameStep() {
   if (quitRequested || stopSignalled) return stopItem();
   PicturePtr picture;
   if (!pipeline_.popPicture(picture)) return naturalEnd();
@@ -111,7 +111,7 @@ void Play::frameStep() {
   pacing_.firstFrame = false;
 }
 
-void Play::take(PicturePtr picture) {
+void ItemPlay::take(PicturePtr picture) {
   // Counted over all items: the screen still holds the last picture of the one before.
   static std::uint64_t taken = 0;
   lastFrame_ = std::move(picture);
@@ -120,7 +120,7 @@ void Play::take(PicturePtr picture) {
 
 /// The picture is judged by the sound that will be heard when it is on the screen, not by that of the moment
 /// at which its turn is worked out, which is a whole picture's time earlier.
-void Play::waitForTurn(std::int64_t ptsUs) {
+void ItemPlay::waitForTurn(std::int64_t ptsUs) {
   const Clock::time_point now = Clock::now();
   const bool restarts = pacing_.firstFrame || pacing_.resetClock;
   const std::int64_t sleepUs = restarts ? 0 : timer_.expectedSleepUs(now, plainWaitUs(pacing_));
@@ -130,7 +130,7 @@ void Play::waitForTurn(std::int64_t ptsUs) {
   timer_.waitFor(step.waitUs);
 }
 
-void Play::show() {
+void ItemPlay::show() {
   if (display_ == nullptr || !lastFrame_) return;
   const AVFrame& frame = *lastFrame_;
   const PictureView view{.planes = {frame.data[0], frame.data[1], frame.data[2]},
@@ -145,7 +145,7 @@ void Play::show() {
   presentUs_ = presentUs_ == 0 ? took : (7 * presentUs_ + took) / 8;
 }
 
-void Play::pausedStep() {
+void ItemPlay::pausedStep() {
   if (quitRequested || stopSignalled) return stopItem();
   if (ending() && Clock::now() - *exitAt_ >= milliseconds(500)) return stopItem();
   if (seek_.active) {
@@ -160,7 +160,7 @@ void Play::pausedStep() {
   sleepMilliseconds(10);
 }
 
-void Play::stopItem() {
+void ItemPlay::stopItem() {
   stopRequested_ = true;
   pipeline_.paused = false;
   pipeline_.pausedForPosters = false;
@@ -170,7 +170,7 @@ void Play::stopItem() {
   ended_ = true;
 }
 
-void Play::naturalEnd() {
+void ItemPlay::naturalEnd() {
   if (display_ != nullptr) {
     display_->setVideoPlaying(false);
     display_->showSeekBar();
@@ -180,7 +180,7 @@ void Play::naturalEnd() {
 }
 
 /// Music goes on by itself; a film does not.
-void Play::chooseNext() {
+void ItemPlay::chooseNext() {
   if (nextPath_ || path_.empty() || stopRequested_ || !isAudioFile(path_)) return;
   nextPath_ = nextItemAfter(path_);
   if (!nextPath_ && watched() && musicRoom_) nextPath_.emplace();

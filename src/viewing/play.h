@@ -20,11 +20,11 @@ class Display;
 
 /// One playback of one file, on the main thread: opened by the constructor, played by run(), then asked what
 /// comes next and destroyed. Throws ffmpeg::Error for a file that cannot be opened or fails on the way.
-class Play {
+class ItemPlay {
  public:
   /// `display` may be null: then the item plays unseen and nothing can steer it but a signal.
-  Play(Display* display, const std::string& path, std::optional<std::string> language, SoundMode soundMode,
-       const Stored& stored);
+  ItemPlay(Display* display, const std::string& path, std::optional<std::string> language,
+           SoundMode soundMode, const Stored& stored);
 
   /// Blocks until the item is over; rethrows what a worker met, unless the viewer has ended the item.
   void run();
@@ -47,7 +47,7 @@ class Play {
 
   struct Command {
     NavCode code;
-    void (Play::*serve)();
+    void (ItemPlay::*serve)();
     bool inPause;  ///< also served in a pause taken with the pause key
   };
   static const Command commands[];

@@ -21,27 +21,27 @@ std::int64_t wholeMilliseconds(std::chrono::steady_clock::duration span) {
 
 }  // namespace
 
-constexpr Play::Command Play::commands[] = {
-    {NavCode::TogglePause, &Play::togglePause, true},
-    {NavCode::SeekForward, &Play::seekForward, true},
-    {NavCode::SeekBackward, &Play::seekBackward, true},
-    {NavCode::SeekCommit, &Play::seekCommit, true},
-    {NavCode::OpenPosters, &Play::openPosters, false},
-    {NavCode::ClosePosters, &Play::closePosters, false},
-    {NavCode::PlaySelection, &Play::playSelection, false},
-    {NavCode::Quit, &Play::stopItem, false},
-    {NavCode::GoHome, &Play::goHome, false},
-    {NavCode::PreviousItem, &Play::previousItem, false},
-    {NavCode::NextItem, &Play::stopItem, false},
-    {NavCode::VolumeUpPress, &Play::volumeUp, true},
-    {NavCode::VolumeUpRelease, &Play::releaseVolume, true},
-    {NavCode::VolumeDownPress, &Play::volumeDown, true},
-    {NavCode::VolumeDownRelease, &Play::releaseVolume, true},
-    {NavCode::Snapshot, &Play::snapshot, false},
-    {NavCode::Wake, &Play::wake, false},
+constexpr ItemPlay::Command ItemPlay::commands[] = {
+    {NavCode::TogglePause, &ItemPlay::togglePause, true},
+    {NavCode::SeekForward, &ItemPlay::seekForward, true},
+    {NavCode::SeekBackward, &ItemPlay::seekBackward, true},
+    {NavCode::SeekCommit, &ItemPlay::seekCommit, true},
+    {NavCode::OpenPosters, &ItemPlay::openPosters, false},
+    {NavCode::ClosePosters, &ItemPlay::closePosters, false},
+    {NavCode::PlaySelection, &ItemPlay::playSelection, false},
+    {NavCode::Quit, &ItemPlay::stopItem, false},
+    {NavCode::GoHome, &ItemPlay::goHome, false},
+    {NavCode::PreviousItem, &ItemPlay::previousItem, false},
+    {NavCode::NextItem, &ItemPlay::stopItem, false},
+    {NavCode::VolumeUpPress, &ItemPlay::volumeUp, true},
+    {NavCode::VolumeUpRelease, &ItemPlay::releaseVolume, true},
+    {NavCode::VolumeDownPress, &ItemPlay::volumeDown, true},
+    {NavCode::VolumeDownRelease, &ItemPlay::releaseVolume, true},
+    {NavCode::Snapshot, &ItemPlay::snapshot, false},
+    {NavCode::Wake, &ItemPlay::wake, false},
 };
 
-void Play::dispatch(NavCode code) {
+void ItemPlay::dispatch(NavCode code) {
   if (ending()) return;
   const bool userPause = paused() && !pipeline_.pausedForPosters && !seek_.active;
   const auto* command = std::find_if(std::begin(commands), std::end(commands),
@@ -50,7 +50,7 @@ void Play::dispatch(NavCode code) {
   (this->*command->serve)();
 }
 
-void Play::togglePause() {
+void ItemPlay::togglePause() {
   if (toggleWatched()) return;
   seek_.pausedBefore = false;
   if (paused()) {
@@ -62,7 +62,7 @@ void Play::togglePause() {
 }
 
 /// setVideoPlaying(false) ends the user's pause too, so it goes first.
-void Play::pause() {
+void ItemPlay::pause() {
   pipeline_.paused = true;
   if (display_ == nullptr) return;
   display_->setVideoPlaying(false);
@@ -71,7 +71,7 @@ void Play::pause() {
 }
 
 /// Ends a pause of either kind: the workers stand still in both.
-void Play::unpause() {
+void ItemPlay::unpause() {
   pipeline_.paused = false;
   pipeline_.pausedForPosters = false;
   postersOpen_ = false;
@@ -88,7 +88,7 @@ void Play::unpause() {
   display_->showSeekBar();
 }
 
-void Play::openPosters() {
+void ItemPlay::openPosters() {
   if (display_ == nullptr) return;
   if (postersOpen_ && display_->stripShown()) return closePosters();
   display_->openRoomOf(path_);
@@ -108,13 +108,13 @@ void Play::openPosters() {
   storePosition();
 }
 
-void Play::closePosters() {
+void ItemPlay::closePosters() {
   postersOpen_ = false;
   if (display_ != nullptr) display_->hideStrip();
   if (pipeline_.pausedForPosters) unpause();
 }
 
-void Play::playSelection() {
+void ItemPlay::playSelection() {
   if (display_ == nullptr) return;
   nextPath_ = selectedItem(*display_, Console::Told);
   if (!nextPath_) return;
@@ -125,7 +125,7 @@ void Play::playSelection() {
   stopItem();
 }
 
-void Play::requestSeek(std::int64_t positionUs) {
+void ItemPlay::requestSeek(std::int64_t positionUs) {
   pipeline_.requestSeek(positionUs);
   timer_.reset();
   pacing_.frameIntervalUs = 0;
@@ -133,7 +133,7 @@ void Play::requestSeek(std::int64_t positionUs) {
   pacing_.firstFrame = true;
 }
 
-void Play::keySeek(int direction) {
+void ItemPlay::keySeek(int direction) {
   // In a music room these keys step the track; without an album there is none to step to.
   if (musicRoom_) return;
   const Clock::time_point now = Clock::now();
@@ -154,7 +154,7 @@ void Play::keySeek(int direction) {
   }
 }
 
-void Play::seekCommit() {
+void ItemPlay::seekCommit() {
   if (display_ != nullptr) display_->showSeekBar();
   seek_.active = false;
   if (seek_.pausedBefore) {
@@ -168,13 +168,13 @@ void Play::seekCommit() {
   }
 }
 
-void Play::repauseWhenDue() {
+void ItemPlay::repauseWhenDue() {
   if (ending() || !seek_.repauseAt || Clock::now() < *seek_.repauseAt) return;
   seek_.repauseAt.reset();
   pause();
 }
 
-void Play::goHome() {
+void ItemPlay::goHome() {
   storePosition();
   exitAt_ = Clock::now();
   // The pause also makes the audio thread empty the device.
@@ -184,29 +184,29 @@ void Play::goHome() {
   display_->startVideoFadeOut();
 }
 
-void Play::previousItem() {
+void ItemPlay::previousItem() {
   if (pacing_.lastPositionUs <= 500'000) return stopItem();
   requestSeek(0);
   if (display_ != nullptr) display_->showSeekBar();
 }
 
-void Play::pressVolume(VolumeKey key) {
+void ItemPlay::pressVolume(VolumeKey key) {
   heldVolumeKey_ = key;
   volumeStep(true);
 }
 
-void Play::releaseVolume() {
+void ItemPlay::releaseVolume() {
   heldVolumeKey_ = VolumeKey::None;
   if (const AudioOutput* output = pipeline_.audioOutput()) output->storeVolume();
 }
 
-void Play::volumeHoldStep(bool showBar) {
+void ItemPlay::volumeHoldStep(bool showBar) {
   if (heldVolumeKey_ != VolumeKey::None && Clock::now() - lastVolumeStepAt_ >= milliseconds(150)) {
     volumeStep(showBar);
   }
 }
 
-void Play::volumeStep(bool showBar) {
+void ItemPlay::volumeStep(bool showBar) {
   if (AudioOutput* output = pipeline_.audioOutput()) {
     output->adjustVolume(heldVolumeKey_ == VolumeKey::Up ? 1.0 : -1.0);
     if (showBar) showVolumeBar();
@@ -214,7 +214,7 @@ void Play::volumeStep(bool showBar) {
   lastVolumeStepAt_ = Clock::now();
 }
 
-void Play::showVolumeBar() {
+void ItemPlay::showVolumeBar() {
   const AudioOutput* output = pipeline_.audioOutput();
   if (display_ == nullptr || output == nullptr) return;
   const double ceiling = output->volumeCeilingDb();
@@ -222,11 +222,11 @@ void Play::showVolumeBar() {
   display_->showVolume(volumePercent(volume, ceiling), volume, -60.0, std::max(ceiling, -60.0));
 }
 
-void Play::snapshot() {
+void ItemPlay::snapshot() {
   if (paused() && lastFrame_) saveSnapshot(*lastFrame_);
 }
 
-void Play::wake() {
+void ItemPlay::wake() {
   if (display_ != nullptr) display_->showSeekBar();
 }
 

@@ -15,7 +15,7 @@ constexpr const char* user = "";
 
 }  // namespace
 
-void Play::startAtStored() {
+void ItemPlay::startAtStored() {
   const ResumeStep resume =
       resumeStep(isAvi_, stored_.users.resumePosition(path_), pipeline_.demultiplexer().durationUs());
   if (resume.dropStored) stored_.users.setPosition(path_, 0, user);
@@ -28,17 +28,17 @@ void Play::startAtStored() {
   pacing_.lastPositionUs = *resume.seekUs;
 }
 
-void Play::storeBoundary() {
+void ItemPlay::storeBoundary() {
   if (stored_.playback.playbackBoundary(path_).value_or(0) >= 1) return;
   const double rate = pipeline_.demultiplexer().movieInfo().videoFramesPerSecond;
   stored_.playback.setPlaybackBoundary(path_, boundaryForRate(rate));
 }
 
-void Play::storePosition() {
+void ItemPlay::storePosition() {
   stored_.users.setPosition(path_, savedPosition(), user);
 }
 
-void Play::storeEnd() {
+void ItemPlay::storeEnd() {
   stored_.users.setPlaying(path_, user);
   const std::int64_t duration = pipeline_.demultiplexer().durationUs();
   if (const auto position = endPositionUs(isAvi_, savedPosition(), duration)) {
@@ -50,7 +50,7 @@ void Play::storeEnd() {
 }
 
 /// On the strip the pause key switches the mark of the selected episode. False where there is none to switch.
-bool Play::toggleWatched() {
+bool ItemPlay::toggleWatched() {
   const Poster* poster = display_ != nullptr ? display_->watchedToggleTarget() : nullptr;
   if (poster == nullptr) return false;
   std::filesystem::path media = poster->media.empty() ? poster->path : std::filesystem::path(poster->media);
@@ -62,11 +62,11 @@ bool Play::toggleWatched() {
   return true;
 }
 
-std::int64_t Play::savedPosition() {
+std::int64_t ItemPlay::savedPosition() {
   return savedPositionUs(pacing_.lastPositionUs, pipeline_.audioClock().heardUs(Clock::now()));
 }
 
-bool Play::watched() const {
+bool ItemPlay::watched() const {
   return countsAsWatched(pacing_.lastPositionUs, pipeline_.demultiplexer().durationUs());
 }
 
