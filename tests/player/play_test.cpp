@@ -170,6 +170,35 @@ TEST(Play, APauseLeavesThePaceAlone) {
   }
 }
 
+TEST(Play, GoesOnWhenTheDeviceGoes) {
+  Sitting sitting(withSound("3", "3"), Sound::Heard);
+  sitting.play.start(0);
+  sitting.run(seconds(1));
+  EXPECT_GT(sitting.play.heardUs(), 800'000);
+  sitting.card.fail({.refuses = true, .gone = true});
+  sitting.run(milliseconds(900));
+  EXPECT_EQ(sitting.play.heardUs(), 0);
+  EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
+  EXPECT_NEAR(sitting.playedSeconds, 3.0, 0.3);
+  EXPECT_EQ(sitting.play.error(), nullptr);
+}
+
+TEST(Play, FreesItsDeviceInAPauseAndLosesNoSound) {
+  Sitting sitting(withSound("3", "3"), Sound::Heard);
+  sitting.play.start(0);
+  sitting.run(seconds(1));
+  sitting.play.pause();
+  sitting.play.freeSoundDevice();
+  for (int i = 0; i < 20; ++i) sitting.clock.turn(milliseconds(50));
+  sitting.play.takeSoundDevice();
+  sitting.play.resume();
+  EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
+  EXPECT_EQ(sitting.card.timesOpened(), 2);
+  EXPECT_NEAR(sitting.playedSeconds, 3.0, 0.3);
+  constexpr double samples = 3.0 * 44100 * 2;
+  EXPECT_NEAR(static_cast<double>(sitting.card.heard().size()), samples, samples / 20);
+}
+
 TEST(Play, SeeksAnywhereAndPlaysOnToTheEnd) {
   Sitting sitting(film("24", "2"));
   sitting.play.start(1'000'000);
