@@ -1,5 +1,6 @@
 #include "app/program.h"
 
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -12,6 +13,7 @@
 #include "app/library_run.h"
 #include "app/named_run.h"
 #include "app/options.h"
+#include "base/background_job.h"
 #include "base/console.h"
 #include "base/paths.h"
 #include "base/process_flags.h"
@@ -66,9 +68,7 @@ void loadState(const Stored& stored, LaunchOptions& options) {
 }
 
 /// With nothing to play and no screen to choose on, the service manager has to start the program again.
-int play(StateStore& store, const LaunchOptions& options) {
-  const Stored stored = store.parts();
-  Display display(0, 0, 1920, 1080, options.orientation, stored);
+int play(Display& display, const Stored& stored, const LaunchOptions& options) {
   display.goHome(true);
   if (!options.videoPaths.empty()) {
     playNamedFiles(display, stored, options);
@@ -81,20 +81,30 @@ int play(StateStore& store, const LaunchOptions& options) {
   return EXIT_SUCCESS;
 }
 
+int runStored(LaunchOptions& options) {
+  StateStore store(stateFile());
+  const Stored stored = store.parts();
+  loadState(stored, options);
+  Display display(0, 0, 1920, 1080, options.orientation, stored);
+  const int status = play(display, stored, options);
+  // Before the display goes, which takes its time.
+  store.flush();
+  return status;
+}
+
 }  // namespace
 
 int runProgram(int argc, const char* const* argv) {
-  prepareLibraries();
   catchSignals();
+  prepareLibraries();
   ParsedLine line = readCommandLine(argc, argv);
   if (line.exitStatus) return *line.exitStatus;
   if (line.options.videoDriver) forceDriver(*line.options.videoDriver);
   if (stopSignalled) return EXIT_SUCCESS;
-  StateStore store(stateFile());
-  loadState(store.parts(), line.options);
   tmdbConsoleEnabled = fanartConsoleEnabled = debugEnabled;
-  const int status = play(store, line.options);
-  store.flush();
+  const int status = runStored(line.options);
+  // A thread that a dead disk holds is left behind.
+  if (!joinLeftThreads(std::chrono::milliseconds(300))) std::_Exit(status);
   return status;
 }
 

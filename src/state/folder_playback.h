@@ -1,17 +1,24 @@
 #pragma once
 
 #include <cstdint>
-#include <mutex>
 #include <optional>
 #include <string>
 
+#include "state/playback_files.h"
+#include "state/save_thread.h"
+
 namespace tavek {
 
-/// The playback.json files beside the media: what is kept about a media file for whoever plays it. Positions
-/// and boundaries in microseconds, volumes as gain in dB. A path may be relative to the library where volumes
-/// are concerned.
+/// What is kept beside the media about a media file, for whoever plays it. Positions and boundaries in
+/// microseconds, volumes as gain in dB. The path of a volume may be relative to the library.
+/// The volume is the folder's. The rest is each media file's own, by its name where several share a folder;
+/// what stands for the whole folder counts for a media file only if it is the only one there. Where nothing
+/// tells that yet, the folder is walked on a thread of its own, and one that takes longer than a fifth of a
+/// second is taken to hold others.
 class FolderPlayback {
  public:
+  FolderPlayback(PlaybackFiles& files, SaveThread& saves) : files_(files), saves_(saves) {}
+
   std::optional<std::int64_t> playbackBoundary(const std::string& media);
   void setPlaybackBoundary(const std::string& media, std::int64_t boundary);
   std::optional<double> playbackVolume(const std::string& media);
@@ -24,7 +31,13 @@ class FolderPlayback {
   void rename(const std::string& old, const std::string& now);
 
  private:
-  std::mutex mutex_;  ///< held while files are read and written
+  PlaybackFiles::View look(const std::string& media);
+  std::optional<std::int64_t> ownOf(const std::string& media, std::optional<std::int64_t> MediaPlace::*byName,
+                                    std::optional<std::int64_t> PlaybackFile::*ofFolder);
+  void change(PlaybackEdit edit);
+
+  PlaybackFiles& files_;
+  SaveThread& saves_;
 };
 
 }  // namespace tavek

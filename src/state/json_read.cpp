@@ -1,14 +1,17 @@
 #include "state/json_read.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <istream>
 #include <limits>
+#include <set>
 #include <sstream>
 
 #include "base/text.h"
+#include "state/json_write.h"
 
 namespace tavek {
 namespace {
@@ -21,6 +24,57 @@ struct Escape {
 };
 constexpr std::array escapes{Escape{'n', '\n'}, Escape{'r', '\r'}, Escape{'t', '\t'},  Escape{'b', '\b'},
                              Escape{'f', '\f'}, Escape{'"', '"'},  Escape{'\\', '\\'}, Escape{'/', '/'}};
+
+/// Four hexadecimal digits, or none.
+std::optional<std::uint32_t> codeUnitAt(const std::string& text, std::size_t place) {
+  std::uint32_t unit = 0;
+  const char* start = text.data() + std::min(place, text.size());
+  const char* end = text.data() + std::min(place + 4, text.size());
+  const auto [behind, error] = std::from_chars(start, end, unit, 16);
+  return error == std::errc() && behind == start + 4 ? std::optional(unit) : std::nullopt;
+}
+
+constexpr bool isHighSurrogate(std::uint32_t unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+constexpr bool isLowSurrogate(std::uint32_t unit) {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
+
+void appendUtf8(std::string& text, std::uint32_t code) {
+  const auto add = [&](std::uint32_t byte) { text += static_cast<char>(byte); };
+  if (code < 0x80) return add(code);
+  if (code < 0x800) {
+    add(0xC0 | code >> 6);
+  } else {
+    if (code < 0x10000) {
+      add(0xE0 | code >> 12);
+    } else {
+      add(0xF0 | code >> 18);
+      add(0x80 | (code >> 12 & 0x3F));
+    }
+    add(0x80 | (code >> 6 & 0x3F));
+  }
+  add(0x80 | (code & 0x3F));
+}
+
+/// The escape whose digits begin at `place`, which is led to the last of them; half of a pair that stands
+/// alone is the replacement character. Without digits nothing is added.
+void appendEscapedCode(std::string& string, const std::string& text, std::size_t& place) {
+  const auto unit = codeUnitAt(text, place);
+  if (!unit) return void(--place);
+  place += 3;
+  std::uint32_t code = *unit;
+  if (isHighSurrogate(code) && text.compare(place + 1, 2, "\\u") == 0) {
+    const auto low = codeUnitAt(text, place + 3);
+    if (low && isLowSurrogate(*low)) {
+      code = 0x10000 + ((code - 0xD800) << 10) + (*low - 0xDC00);
+      place += 6;
+    }
+  }
+  constexpr std::uint32_t replacement = 0xFFFD;
+  appendUtf8(string, isHighSurrogate(code) || isLowSurrogate(code) ? replacement : code);
+}
 
 /// Right behind the quoted key, or npos.
 std::size_t behindKey(const std::string& text, std::string_view key, std::size_t from = 0) {
@@ -162,6 +216,71 @@ bool isOneObject(const std::string& text) {
   return close && skipSpace(text, *close + 1) == text.size();
 }
 
+namespace {
+
+bool startsWith(const std::string& text, std::size_t place, char c) {
+  return place < text.size() && text[place] == c;
+}
+
+/// Leads the place behind a key that is not among the object's yet, and its colon.
+bool passKey(const std::string& text, std::size_t& place, std::set<std::string>& keys) {
+  const auto key = parseString(text, place);
+  if (!key || !keys.insert(*key).second) return false;
+  place = skipSpace(text, place);
+  if (!startsWith(text, place, ':')) return false;
+  place = skipSpace(text, place + 1);
+  return true;
+}
+
+/// A string in one line, a number or a word.
+bool passScalar(const std::string& text, std::size_t& place) {
+  const std::size_t start = place;
+  if (parseString(text, place)) return std::string_view(text).substr(start, place - start).find('\n') == npos;
+  for (const std::string_view word : {"true", "false", "null"}) {
+    if (text.compare(place, word.size(), word) != 0) continue;
+    place += word.size();
+    return true;
+  }
+  double number = 0;
+  const auto [end, error] = std::from_chars(text.data() + place, text.data() + text.size(), number);
+  place = static_cast<std::size_t>(end - text.data());
+  return error != std::errc::invalid_argument;
+}
+
+}  // namespace
+
+bool isWholeJson(const std::string& text) {
+  struct Open {
+    char closer;
+    std::set<std::string> keys;
+  };
+  std::vector<Open> open;
+  std::size_t place = skipSpace(text, 0);
+  if (!startsWith(text, place, '{')) return false;
+  for (;;) {
+    const bool object = startsWith(text, place, '{');
+    if (object || startsWith(text, place, '[')) {
+      open.push_back({object ? '}' : ']', {}});
+      place = skipSpace(text, place + 1);
+      if (!startsWith(text, place, open.back().closer)) {
+        if (object && !passKey(text, place, open.back().keys)) return false;
+        continue;
+      }
+    } else if (!passScalar(text, place)) {
+      return false;
+    }
+    place = skipSpace(text, place);
+    while (!open.empty() && startsWith(text, place, open.back().closer)) {
+      open.pop_back();
+      place = skipSpace(text, place + 1);
+    }
+    if (open.empty()) return place == text.size();
+    if (!startsWith(text, place, ',')) return false;
+    place = skipSpace(text, place + 1);
+    if (open.back().closer == '}' && !passKey(text, place, open.back().keys)) return false;
+  }
+}
+
 std::optional<std::string> parseString(const std::string& text, std::size_t& position) {
   if (position >= text.size() || text[position] != '"') return {};
   std::string string;
@@ -175,6 +294,10 @@ std::optional<std::string> parseString(const std::string& text, std::size_t& pos
       continue;
     }
     if (++i == text.size()) break;
+    if (text[i] == 'u') {
+      appendEscapedCode(string, text, ++i);
+      continue;
+    }
     for (const auto& [letter, byte] : escapes) {
       if (text[i] == letter) string += byte;
     }
@@ -200,6 +323,18 @@ std::vector<JsonMember> readMembers(const std::string& text) {
     members.push_back({text.substr(quote + 1, keyEnd - quote - 1), std::move(value)});
   } while (text[place] == ',');
   return members;
+}
+
+std::string knownPart(const std::string& text, std::span<const std::string_view> keys,
+                      std::vector<JsonMember>& unknown) {
+  const auto isKnown = [&](const JsonMember& member) {
+    return std::ranges::find(keys, member.key) != keys.end();
+  };
+  std::vector<JsonMember> members = readMembers(text);
+  const auto behind = std::stable_partition(members.begin(), members.end(), isKnown);
+  unknown.assign(behind, members.end());
+  members.erase(behind, members.end());
+  return isWholeJson(text) ? compactObject(members) : text;
 }
 
 std::int64_t wholeNumber(double number) {

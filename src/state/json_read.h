@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <iosfwd>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,6 +41,8 @@ std::vector<std::string> readStringArray(const std::string& text, std::string_vi
 
 /// The partner of the brace at `open`.
 std::optional<std::size_t> matchBrace(const std::string& text, std::size_t open);
+/// One object and nothing else, from its first to its last byte well-formed, and no key twice in an object.
+bool isWholeJson(const std::string& text);
 /// One object and nothing else but white space, as far as its braces tell.
 bool isOneObject(const std::string& text);
 /// The string that begins at `position`, which is then led behind it. Without a value it stays, and then no
@@ -52,9 +55,16 @@ std::size_t skipSpace(const std::string& text, std::size_t position);
 struct JsonMember {
   std::string key;
   std::string value;
+  bool operator==(const JsonMember&) const = default;
 };
 /// The members of the object that the text begins with, as far as they are well-formed and complete.
 std::vector<JsonMember> readMembers(const std::string& text);
+
+/// The object with the members under these keys alone, so that a search meets none of the like inside of
+/// others, which are given as `unknown`. A text that is not whole stays as it is, for what can be found in
+/// it.
+std::string knownPart(const std::string& text, std::span<const std::string_view> keys,
+                      std::vector<JsonMember>& unknown);
 
 /// Cut off behind the point, and pulled into range.
 std::int64_t wholeNumber(double number);

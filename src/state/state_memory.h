@@ -1,54 +1,38 @@
 #pragma once
 
-#include <filesystem>
-#include <mutex>
-#include <string>
-
-#include "state/stored_state.h"
+#include "state/save_thread.h"
+#include "state/state_file.h"
 
 namespace tavek {
 
-/// When a change is saved.
-enum class Save {
-  AtRest,  ///< not while the writes are held
-  Always,
-};
-
-/// The shared state file in memory, read at the first look.
+/// The shared state file as its parts see it: what they change is in memory at once, and saved behind them.
 class StateMemory {
  public:
-  explicit StateMemory(std::filesystem::path file);
+  StateMemory(StateFile& file, SaveThread& saves) : file_(file), saves_(saves) {}
 
-  /// see(const StoredState&), under the lock.
-  template <typename Look>
-  auto look(Look see) {
-    const auto lock = enter();
-    return see(static_cast<const StoredState&>(state_));
+  /// see(const StoredState&); nobody changes it meanwhile.
+  template <typename See>
+  auto look(See see) {
+    auto seen = file_.look(see);
+    if (file_.loadedUnsaved()) saves_.request(Save::AtRest);
+    return seen;
   }
-  /// apply(StoredState&), under the lock; a save follows if it gives true.
-  template <typename Change>
-  void change(Save when, Change apply) {
-    const auto lock = enter();
-    if (apply(state_)) write(when == Save::Always);
+  /// apply(StoredState&); a save follows if it gives true.
+  template <typename Apply>
+  void change(Save when, Apply apply) {
+    if (file_.change(apply)) saves_.request(when);
+    if (file_.loadedUnsaved()) saves_.request(Save::AtRest);
   }
   /// Takes up what was changed in the file from outside.
-  void reread();
-  /// Puts off the saves that may wait.
-  void holdWrites(bool held);
+  void reread() {
+    bool changed = false;
+    if (file_.takeUp(changed) && changed) saves_.request(Save::Always);
+  }
+  void holdWrites(bool held) { saves_.hold(held); }
 
  private:
-  // All below expect the lock to be held.
-  std::unique_lock<std::mutex> enter();
-  void load();
-  std::string readStateFile() const;
-  void write(bool force);
-
-  const std::filesystem::path file_;
-  std::mutex mutex_;
-  bool loaded_ = false;
-  bool writesHeld_ = false;
-  bool writePending_ = false;  ///< a save was put off or has failed
-  StoredState state_;
+  StateFile& file_;
+  SaveThread& saves_;
 };
 
 }  // namespace tavek

@@ -2,6 +2,7 @@
 
 #include "state/json_write.h"
 #include "state/stored_state.h"
+#include "state/user_reader.h"
 
 namespace tavek {
 namespace {
@@ -20,21 +21,32 @@ std::string listText(const Strings& strings, int tabs) {
   return text.empty() ? "[]" : text + '\n' + tabsOf(tabs) + ']';
 }
 
-std::string roomText(const RoomState& room) {
+std::string roomText(const RoomState& room, const std::vector<JsonMember>& more) {
   FieldState fields{.text = "{\n"};
   appendField(fields, 4, "playing", room.playing);
   if (room.seek) appendRaw(fields, 4, "seek", std::to_string(*room.seek));
   appendRaw(fields, 4, "watched", listText(room.watched, 4));
+  for (const auto& [key, value] : room.unknown) appendRaw(fields, 4, key, value);
+  for (const auto& [key, value] : more) appendRaw(fields, 4, key, value);
   return fields.text + "\n\t\t\t}";
 }
 
 std::string userText(const UserProfile& profile) {
   FieldState fields{.text = "{\n"};
   appendField(fields, 3, "mode", profile.mode);
+  std::vector<JsonMember> unknown = profile.unknown;
   forEachRoom(profile, [&](std::string_view name, const RoomState& room) {
-    appendRaw(fields, 3, escapeString(name), roomText(room));
+    // What was no room becomes a part of one when a folder of that name has come.
+    const std::string roomKey = escapeString(roomKeyOf(name));
+    std::vector<JsonMember> more;
+    std::erase_if(unknown, [&](const JsonMember& member) {
+      if (member.key != roomKey) return false;
+      more = readMembers(member.value);
+      return true;
+    });
+    appendRaw(fields, 3, roomKey, roomText(room, more));
   });
-  for (const auto& [key, value] : profile.unknown) appendRaw(fields, 3, key, value);
+  for (const auto& [key, value] : unknown) appendRaw(fields, 3, key, value);
   return fields.text + "\n\t\t}";
 }
 

@@ -64,8 +64,9 @@ void readUsersInto(StoredState& state, const std::string& text, bool& changed) {
 
 }  // namespace
 
-StoredState readStoredState(const std::string& text, bool& changed) {
+StoredState readStoredState(const std::string& whole, bool& changed) {
   StoredState state;
+  const std::string text = knownPart(whole, knownKeys, state.unknown);
   state.tmdbScanEpoch = readEpoch(text, {"tmdbScanEpoch", "TmdbScanEpoch"});
   state.fanartScanEpoch = readEpoch(text, {"fanartScanEpoch", "FanartScanEpoch"});
   const std::string label = trim(readString(text, "tmdbScanLabel").value_or(""));
@@ -75,10 +76,6 @@ StoredState readStoredState(const std::string& text, bool& changed) {
   state.activeUser = readActiveUser(text);
   readUsersInto(state, text, changed);
   state.wifiHistory = readNames(text, "WiFiHistory");
-  state.unknown = readMembers(text);
-  std::erase_if(state.unknown, [](const JsonMember& member) {
-    return std::ranges::find(knownKeys, member.key) != knownKeys.end();
-  });
   if (state.activeUser.value_or("").empty() && !state.userNames.empty()) {
     state.activeUser = state.userNames.front();
   }
@@ -95,6 +92,16 @@ void completeUsers(StoredState& state) {
   for (const std::string& name : state.userNames) {
     if (!name.empty()) state.profiles[name];
   }
+}
+
+bool renameUserIn(StoredState& state, const std::string& old, const std::string& now) {
+  const auto entry = std::ranges::find(state.userNames, old);
+  if (entry == state.userNames.end() || isUser(state, now)) return false;
+  *entry = now;
+  state.profiles[now] = std::move(state.profiles[old]);
+  state.profiles.erase(old);
+  if (state.activeUser == old) state.activeUser = now;
+  return true;
 }
 
 bool isUser(const StoredState& state, const std::string& name) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "state/user_profile.h"
@@ -24,6 +25,10 @@ struct StoredState {
   std::map<std::string, UserProfile> profiles;  ///< one for each user
   std::vector<std::string> wifiHistory;         ///< the latest first
   std::vector<JsonMember> unknown;              ///< what a newer program wrote
+  /// In this run, old and new name; not stored.
+  std::vector<std::pair<std::string, std::string>> renamedUsers;
+
+  bool operator==(const StoredState&) const = default;
 };
 
 /// From any text: what can't be found keeps its default. `changed` is set where a save would give the text
@@ -33,6 +38,8 @@ StoredState readStoredState(const std::string& text, bool& changed);
 std::optional<std::string> readActiveUser(const std::string& text);
 /// Two users if there is none, and an empty profile for each that has none.
 void completeUsers(StoredState& state);
+/// Keeps the user's place in the list. False if there is no such user, or the new name is taken.
+bool renameUserIn(StoredState& state, const std::string& old, const std::string& now);
 bool isUser(const StoredState& state, const std::string& name);
 /// Empty only if an old file names users without a name.
 std::string activeName(const StoredState& state);

@@ -67,12 +67,8 @@ void StoredUsers::addUser(const std::string& name) {
 
 void StoredUsers::renameUser(const std::string& old, const std::string& now) {
   memory_.change(Save::AtRest, [&](StoredState& state) {
-    const auto entry = std::ranges::find(state.userNames, old);
-    if (old.empty() || now.empty() || entry == state.userNames.end() || isUser(state, now)) return false;
-    *entry = now;
-    state.profiles[now] = std::move(state.profiles[old]);
-    state.profiles.erase(old);
-    if (state.activeUser == old) state.activeUser = now;
+    if (old.empty() || now.empty() || !renameUserIn(state, old, now)) return false;
+    state.renamedUsers.emplace_back(old, now);
     return true;
   });
 }
@@ -122,7 +118,10 @@ std::optional<std::int64_t> StoredUsers::resumePosition(const std::string& media
 void StoredUsers::setPlaying(const std::string& media, const std::string& user) {
   if (media.empty()) return;
   memory_.change(Save::Always, [&](StoredState& state) {
-    roomOf(state, user, media).playing = media;
+    RoomState& room = roomOf(state, user, media);
+    // The place was that of another item.
+    if (room.playing != media) room.seek = 0;
+    room.playing = media;
     return true;
   });
 }
@@ -181,9 +180,11 @@ void StoredUsers::renameMedia(const std::string& old, const std::string& now) {
     bool changed = false;
     for (auto& [name, profile] : state.profiles) {
       forEachRoom(profile, [&](std::string_view, RoomState& room) {
-        if (room.watched.erase(old) == 0) return;
-        room.watched.insert(now);
-        changed = true;
+        const bool plays = room.playing == old;
+        if (plays) room.playing = now;
+        const bool watched = room.watched.erase(old) > 0;
+        if (watched) room.watched.insert(now);
+        if (plays || watched) changed = true;
       });
     }
     return changed;

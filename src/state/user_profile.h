@@ -18,6 +18,9 @@ struct RoomState {
   std::optional<std::string> playing;  ///< media path
   std::optional<std::int64_t> seek;    ///< microseconds into `playing`
   std::set<std::string> watched;       ///< media paths
+  std::vector<JsonMember> unknown;     ///< what a newer program wrote
+
+  bool operator==(const RoomState&) const = default;
 };
 
 struct UserProfile {
@@ -27,6 +30,8 @@ struct UserProfile {
   std::map<std::string, RoomState> otherRooms;  ///< by normal room name, without the three above
   std::optional<std::string> mode;              ///< the home mode, a normal room name
   std::vector<JsonMember> unknown;              ///< what a newer program wrote
+
+  bool operator==(const UserProfile&) const = default;
 };
 
 /// The rooms that every profile has, by normal name, in the order of the file.

@@ -4,6 +4,7 @@
 #include <array>
 #include <utility>
 
+#include "base/paths.h"
 #include "base/text.h"
 #include "library/media_paths.h"
 #include "state/json_read.h"
@@ -22,8 +23,22 @@ constexpr std::array modeSpellings{
     ModeSpelling{"videos", "video"},
 };
 
+constexpr std::string_view modeKey = "mode";
+constexpr std::string_view modeRoomKey = "mode/";
+
+constexpr std::array<std::string_view, 7> roomKeys{"playing",  "Playing", "seek",   "offset",
+                                                   "offsetUs", "watched", "Watched"};
+constexpr std::array<std::string_view, 8> userKeys{"mode",   "Mode",    "movies", "tv",
+                                                   "series", "tvshows", "video",  "Video"};
+
+/// A string; a room can stand under this key too.
+std::optional<std::string> readModeText(const std::string& user, std::string_view key) {
+  const std::size_t place = findValue(user, key).value_or(user.size());
+  return user.compare(place, 1, "\"") == 0 ? readString(user, key) : std::nullopt;
+}
+
 std::optional<std::string> readMode(const std::string& user, bool& changed) {
-  const auto text = readFirst(readString, user, {"mode", "Mode"});
+  const auto text = readFirst(readModeText, user, {modeKey, "Mode"});
   if (!text) return {};
   std::string mode = toLower(*text);
   const auto* spelling = std::ranges::find(modeSpellings, mode, &ModeSpelling::text);
@@ -49,39 +64,65 @@ void readMainRooms(const std::string& user, UserProfile& profile, bool& changed)
   read(profile.video, {"video", "Video"});
 }
 
-/// Every other object in a user's object is a room.
-void readOtherRooms(const std::string& user, UserProfile& profile, bool& changed) {
+/// The objects in a user's object, of a damaged one as far as they can be found.
+std::vector<JsonMember> objectsOf(const std::string& user) {
+  std::vector<JsonMember> objects;
+  if (isWholeJson(user)) {
+    objects = readMembers(user);
+    std::erase_if(objects, [](const JsonMember& member) { return !member.value.starts_with('{'); });
+    return objects;
+  }
   std::size_t place = 0;
   while ((place = user.find('"', place)) != std::string::npos) {
-    const auto key = parseString(user, place);
-    if (!key) return;
+    const std::size_t start = place + 1;
+    if (!parseString(user, place)) break;
+    const std::size_t end = place - 1;
     const auto open = objectBehindKey(user, place);
     if (!open) continue;
     const auto close = matchBrace(user, *open);
-    if (!close) return;
+    if (!close) break;
     place = *close + 1;
-    if (*key == "mode" || isMainRoom(*key)) continue;
-    profile.otherRooms[normalizeRoomName(*key)] = readRoom(user.substr(*open, place - *open), changed);
+    objects.push_back({user.substr(start, end - start), user.substr(*open, place - *open)});
   }
+  return objects;
 }
 
-std::vector<JsonMember> readUnknown(const std::string& user) {
-  std::vector<JsonMember> members = readMembers(user);
-  std::erase_if(members, [](const JsonMember& member) {
-    return member.key == "mode" || member.key == "Mode" || member.value.starts_with('{') ||
-           isMainRoom(member.key);
-  });
-  return members;
+/// Has what a room has, or nothing at all. What of a damaged one can't be read as members was one.
+bool isRoom(const std::string& object) {
+  const std::vector<JsonMember> members = readMembers(object);
+  return members.empty() || std::ranges::any_of(members, [](const JsonMember& member) {
+           return std::ranges::find(roomKeys, member.key) != roomKeys.end();
+         });
+}
+
+/// Every other object is a room, or nothing that this program knows.
+void readOtherRooms(const std::string& user, UserProfile& profile, bool& changed) {
+  for (const auto& [key, object] : objectsOf(user)) {
+    std::size_t start = 0;
+    const std::string name = parseString('"' + key + '"', start).value_or("");
+    if (isMainRoom(name)) continue;
+    if (!isRoom(object)) {
+      profile.unknown.push_back({key, object});
+      continue;
+    }
+    const std::string room = name == modeRoomKey ? std::string(modeKey) : normalizeRoomName(name);
+    profile.otherRooms[room] = readRoom(object, changed);
+  }
 }
 
 UserProfile readUser(const std::string& user, bool& changed) {
   UserProfile profile;
-  profile.mode = readMode(user, changed);
-  readMainRooms(user, profile, changed);
+  std::vector<JsonMember> others;
+  const std::string known = knownPart(user, userKeys, others);
+  profile.mode = readMode(known, changed);
+  readMainRooms(known, profile, changed);
+  std::erase_if(others, [](const JsonMember& member) {
+    return member.value.starts_with('{') || isMainRoom(member.key);
+  });
+  profile.unknown = std::move(others);
   readOtherRooms(user, profile, changed);
   forEachRoom(profile,
               [&](std::string_view name, RoomState& block) { repairRoom(profile, block, name, changed); });
-  profile.unknown = readUnknown(user);
   return profile;
 }
 
@@ -116,8 +157,13 @@ Users readUsers(const std::string& text, bool& changed) {
   }
 }
 
-RoomState readRoom(const std::string& object, bool& changed) {
+std::string roomKeyOf(std::string_view room) {
+  return std::string(room == modeKey ? modeRoomKey : room);
+}
+
+RoomState readRoom(const std::string& text, bool& changed) {
   RoomState room;
+  const std::string object = knownPart(text, roomKeys, room.unknown);
   room.playing = readFirst(readString, object, {"playing", "Playing"});
   if (room.playing && room.playing->empty()) {
     room.playing.reset();
@@ -138,6 +184,8 @@ RoomState readRoom(const std::string& object, bool& changed) {
 
 void repairRoom(UserProfile& profile, RoomState& block, std::string_view name, bool& changed) {
   if (!block.playing) return;
+  // Of another library, which may be the right one at the next start.
+  if (!isInside(mediaRoot() / *block.playing, mediaRoot())) return;
   const std::string home = normalizeRoomName(roomNameOfMedia(*block.playing));
   if (home == normalizeRoomName(name)) return;
   RoomState& right = roomStateOf(profile, home);

@@ -18,8 +18,10 @@ struct Users {
 
 /// As far as the text holds together. Of two blocks with a name the first counts.
 Users readUsers(const std::string& text, bool& changed);
+/// The key of a room's block. A room that is called like the users' mode has one that no folder can have.
+std::string roomKeyOf(std::string_view room);
 /// One room of a user.
-RoomState readRoom(const std::string& object, bool& changed);
+RoomState readRoom(const std::string& text, bool& changed);
 /// Moves what plays to the block of the room in which it lies, unless something plays there. The block is the
 /// profile's own under this name.
 void repairRoom(UserProfile& profile, RoomState& block, std::string_view name, bool& changed);

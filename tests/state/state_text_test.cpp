@@ -39,13 +39,27 @@ TEST(JsonRead, FindsWhatTheTextHolds) {
   EXPECT_EQ(*readStringAt(nested, {"a", "b"}) + *readStringAt(nested, {"a", "e"}), "c\"df");
   EXPECT_EQ(readStringAt(nested, {"e", "a"}), std::nullopt);
   EXPECT_THAT(readStringArray(R"({"x", [ "a" "b\n",, 1 {"c"] "d")", "x"), ElementsAre("a", "b\n", "c"));
-  EXPECT_THAT(readStringArray(R"({"x": ["a\qb\u0041\/\b\f","b)", "x"), ElementsAre("ab0041/\b\f"));
+  EXPECT_THAT(readStringArray(R"({"x": ["a\qb\u0041\/\b\f","b)", "x"), ElementsAre("abA/\b\f"));
   for (const auto& [text, members] : table(R"(
       { "a\"b" :  [1, {"c":"]}"} ] ,"d":"\"," } => {"a\"b":[1, {"c":"]}"} ],"d":"\","}
       {"a":1,"b":2 => {"a":1} ;; {"a":1,"b":[2}} => {"a":1} ;; {"a":1,"b":},"c":3} => {"a":1}
       {"a":1} {"b":2} => {"a":1} ;; ["a":1] => {})")) {
     EXPECT_EQ(compactObject(readMembers(text)), members) << text;
   }
+  const std::pair<const char*, const char*> escapes[] = {{R"(\u00e9\u6218)", "é战"},
+                                                         {R"(\uD83C\uDFACx)", "🎬x"},
+                                                         {R"(\ud83cx\udfac)", "\uFFFDx\uFFFD"},
+                                                         {R"(\ud83c\u0041)", "\uFFFDA"},
+                                                         {R"(\u12)", "12"}};
+  for (const auto& [escaped, string] : escapes)
+    EXPECT_EQ(readString(std::string(R"({"x":")") + escaped + "\"}", "x"), string) << escaped;
+  for (const auto& [text, whole] : table(R"(
+      {} => 1 ;; {"a":[1,-2.5e3,{"b":null}],"c":"\"}"} => 1 ;; {"a":1} x => 0 ;; {"a":1,} => 0 ;; {"a":[1,]} => 0
+      {"a" 1} => 0 ;; {"a":tru} => 0 ;; {"a":1,"a":2} => 0 ;; {"a":[{]}} => 0 ;; {"a":"b} => 0 ;; ["a"] => 0
+      {a:1} => 0 ;; {"a":} => 0 ;; {"a":{"b":1} => 0)")) {
+    EXPECT_EQ(isWholeJson(text), whole == "1") << text;
+  }
+  EXPECT_FALSE(isWholeJson("{\"a\":\"b,\n\"}")) << "a lost quote";
   EXPECT_TRUE(readMembers("{\"a\":" + std::string(1000000, '[')).empty());
 }
 
@@ -66,7 +80,7 @@ std::string migrated(const std::string& text) {
 
 TEST(StoredState, Migrates) {
   for (const auto& [text, expected] : table(R"(
-      A "mode":"Series" => *A:"mode":"tv" ;; A "Mode":"kids" => A:"mode":"kids" ;; A "mode":"" => *A: ;; A "mode":{} => A:
+      A "mode":"Series" => *A:"mode":"tv" ;; A "Mode":"kids" => A:"mode":"kids" ;; A "mode":"" => *A: ;; A "mode":{} => A:"mode/":{"watched":[]}
       A "x":{"seek":5} => *A:"x":{"watched":[]} ;; A "series":{"watched":["tv/a"]} => A:"tv":{"watched":["tv/a"]}
       A "series":{"playing":"tv/a"},"tv":{"watched":["tv/b"]} => A:"tv":{"watched":["tv/b"]}
       A "tvshows":{"Watched":["tv/b","tv/a"]} => A:"tv":{"watched":["tv/a","tv/b"]}
@@ -78,6 +92,11 @@ TEST(StoredState, Migrates) {
       A "tv":{"playing":"x/a","seek":7},"x":{"playing":"x/a"} => *A:"x":{"playing":"x/a","seek":7,"watched":[]}
       A "video":{"playing":"x/a","seek":7},"x":{"playing":"x/b"} => *A:"x":{"playing":"x/b","watched":[]}
       A "x":{"playing":"Tv/a"} => *A:"tv":{"playing":"Tv/a","watched":[]},"x":{"watched":[]}
+      A "mode":"tv","mode/":{"watched":["mode/a"]} => A:"mode":"tv","mode/":{"watched":["mode/a"]}
+      A "mode":{"watched":["mode/a"]} => A:"mode/":{"watched":["mode/a"]}
+      A "New":{"a":{"watched":[1]}},"b":{"mode":"tv"} => A:"New":{"a":{"watched":[1]}},"b":{"mode":"tv"}
+      A "x":{"new":{"seek":5},"playing":"x/a"} => A:"x":{"playing":"x/a","watched":[],"new":{"seek":5}}
+      A "tv":{"playing":"/else/movies/a","seek":7} => A:"tv":{"playing":"/else/movies/a","seek":7,"watched":[]}
       A "new":[1, {"b":"]}"}],"mode":"tv","\"":null => A:"mode":"tv","new":[1,{"b":"]}"}],"\"":null
       => {DEFAULT} ;; {"users":["C","B","C"]} => {"user":"C","users":{"C":{},"B":{}}}
       {"Users":["A"],"ActiveUser":"B"} => {"user":"B","users":{"A":{}}}
