@@ -24,8 +24,11 @@ using std::chrono::seconds;
 using SteadyClock = std::chrono::steady_clock;
 
 /// Nothing is kept without a file.
-StateStore store{""};
-const Stored stored = store.parts();
+const Stored& stored() {
+  static StateStore store{""};
+  static const Stored parts = store.parts();
+  return parts;
+}
 
 std::string clip(const std::string& words, const std::string& extension) {
   const std::filesystem::path folder = TAVEK_TEST_MEDIA;
@@ -58,7 +61,7 @@ struct Sitting {
   explicit Sitting(const std::string& path, Sound sound = Sound::None)
       : clock(microseconds(sound == Sound::None ? 0 : 2000)),
         card(clock, sound == Sound::Heard),
-        play({path, {}, SoundMode::Stereo}, {clock, stored, card.factory()}) {
+        play({path, {}, SoundMode::Stereo}, {clock, stored(), card.factory()}) {
     const auto limit = SteadyClock::now() + seconds(10);
     while (play.opening() == Play::Opening::Underway && SteadyClock::now() < limit) {
       std::this_thread::sleep_for(microseconds(50));
@@ -287,7 +290,7 @@ TEST(Play, MayBeLeftAtAnyMoment) {
   for (int i = 0; i < 100; ++i) {
     test::TurnedClock clock;
     Card card(clock, false);
-    Play play({path, {}, SoundMode::Stereo}, {clock, stored, card.factory()});
+    Play play({path, {}, SoundMode::Stereo}, {clock, stored(), card.factory()});
     std::this_thread::sleep_for(microseconds(20 * i));
     if (play.opening() != Play::Opening::Open) continue;
     play.start(0);
