@@ -1,5 +1,6 @@
 #include "player/sound_decoder.h"
 
+#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -7,7 +8,6 @@ namespace tavek {
 namespace {
 
 constexpr std::chrono::milliseconds step{10};
-constexpr std::chrono::milliseconds endPatience{500};
 
 }  // namespace
 
@@ -28,15 +28,12 @@ void SoundDecoder::takeFrame(AVFrame& frame) {
   }
 }
 
-/// The device plays what it holds; then nobody hears anything. One that does not get on is not waited for.
+/// The device plays what it holds; then nobody hears anything. Some devices never say that they are empty.
 void SoundDecoder::endRound() {
-  const auto farthest = [&] {
-    return clock_.now() + std::chrono::microseconds(output_->delayUs()) + endPatience;
-  };
-  for (Clock::Time limit = farthest();
-       current() && output_->heard() && output_->delayUs() > 0 && clock_.now() < limit;) {
-    clock_.sleepFor(step);
-    if (waitWhilePaused()) limit = farthest();
+  const auto emptyAt = [&] { return clock_.now() + std::chrono::microseconds(output_->delayUs()); };
+  for (Clock::Time end = emptyAt(); current() && output_->heard() && clock_.now() < end;) {
+    clock_.sleepUntil(std::min(end, clock_.now() + step));
+    if (waitWhilePaused()) end = emptyAt();
   }
   exchange_.soundClock.silence(round_);
   if (current()) exchange_.soundIsOver(round_);

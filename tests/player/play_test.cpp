@@ -24,8 +24,11 @@ using std::chrono::seconds;
 using SteadyClock = std::chrono::steady_clock;
 
 /// Nothing is kept without a file.
-StateStore store{""};
-const Stored stored = store.parts();
+const Stored& stored() {
+  static StateStore store{""};
+  static const Stored parts = store.parts();
+  return parts;
+}
 
 std::string clip(const std::string& words, const std::string& extension) {
   const std::filesystem::path folder = TAVEK_TEST_MEDIA;
@@ -58,7 +61,7 @@ struct Sitting {
   explicit Sitting(const std::string& path, Sound sound = Sound::None)
       : clock(microseconds(sound == Sound::None ? 0 : 2000)),
         card(clock, sound == Sound::Heard),
-        play({path, {}, SoundMode::Stereo}, {clock, stored, card.factory()}) {
+        play({path, {}, SoundMode::Stereo}, {clock, stored(), card.factory()}) {
     const auto limit = SteadyClock::now() + seconds(10);
     while (play.opening() == Play::Opening::Underway && SteadyClock::now() < limit) {
       std::this_thread::sleep_for(microseconds(50));
@@ -170,6 +173,35 @@ TEST(Play, APauseLeavesThePaceAlone) {
   }
 }
 
+TEST(Play, GoesOnWhenTheDeviceGoes) {
+  Sitting sitting(withSound("3", "3"), Sound::Heard);
+  sitting.play.start(0);
+  sitting.run(seconds(1));
+  EXPECT_GT(sitting.play.heardUs(), 800'000);
+  sitting.card.fail({.refuses = true, .gone = true});
+  sitting.run(milliseconds(900));
+  EXPECT_EQ(sitting.play.heardUs(), 0);
+  EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
+  EXPECT_NEAR(sitting.playedSeconds, 3.0, 0.3);
+  EXPECT_EQ(sitting.play.error(), nullptr);
+}
+
+TEST(Play, FreesItsDeviceInAPauseAndLosesNoSound) {
+  Sitting sitting(withSound("3", "3"), Sound::Heard);
+  sitting.play.start(0);
+  sitting.run(seconds(1));
+  sitting.play.pause();
+  sitting.play.freeSoundDevice();
+  for (int i = 0; i < 20; ++i) sitting.clock.turn(milliseconds(50));
+  sitting.play.takeSoundDevice();
+  sitting.play.resume();
+  EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
+  EXPECT_EQ(sitting.card.timesOpened(), 2);
+  EXPECT_NEAR(sitting.playedSeconds, 3.0, 0.3);
+  constexpr double samples = 3.0 * 44100 * 2;
+  EXPECT_NEAR(static_cast<double>(sitting.card.heard().size()), samples, samples / 20);
+}
+
 TEST(Play, SeeksAnywhereAndPlaysOnToTheEnd) {
   Sitting sitting(film("24", "2"));
   sitting.play.start(1'000'000);
@@ -258,7 +290,7 @@ TEST(Play, MayBeLeftAtAnyMoment) {
   for (int i = 0; i < 100; ++i) {
     test::TurnedClock clock;
     Card card(clock, false);
-    Play play({path, {}, SoundMode::Stereo}, {clock, stored, card.factory()});
+    Play play({path, {}, SoundMode::Stereo}, {clock, stored(), card.factory()});
     std::this_thread::sleep_for(microseconds(20 * i));
     if (play.opening() != Play::Opening::Open) continue;
     play.start(0);
