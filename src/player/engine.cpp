@@ -55,8 +55,8 @@ StreamTime Engine::timeOf(AVRational timeBase) const {
 void Engine::openSound() try {
   const Demultiplexer& file = reader_->file();
   auto codec = std::make_unique<Codec>(file.audioParameters());
-  auto output =
-      std::make_unique<AudioOutput>(file.audioParameters(), item_.path, item_.soundMode, services_.stored);
+  auto output = std::make_unique<AudioOutput>(file.audioParameters(), item_.path, item_.soundMode,
+                                              services_.stored, services_.soundDevice, services_.clock);
   soundDecoder_ = std::make_unique<SoundDecoder>(std::move(codec), timeOf(file.audioTimeBase()),
                                                  std::move(output), services_.clock, exchange_);
   streams_.sound = file.audioStreamIndex();

@@ -45,6 +45,11 @@ Play::~Play() {
   picture_.reset();
   const auto limit = std::chrono::steady_clock::now() + endingLimit;
   const bool opened = opening() != Opening::Underway;
+  if (opened && sound() != nullptr) {
+    // What a pause holds back is not wanted any more.
+    if (paused()) sound()->flush();
+    sound()->interrupt();
+  }
   decodingPictures_.endBy(limit);
   const bool readingEnded = reading_.endBy(limit);
   if (decodingSound_.endBy(limit) && (opened || readingEnded)) engine_->endSound();
@@ -71,11 +76,13 @@ void Play::start(std::int64_t positionUs) {
 
 void Play::pause() {
   engine_->exchange().paused = true;
+  if (sound() != nullptr) sound()->hold();
   engine_->exchange().soundClock.pause(clock_.now());
 }
 
 void Play::resume() {
   engine_->exchange().paused = false;
+  if (sound() != nullptr) sound()->resume();
   due_.reset();
   positionAt_ = clock_.now();
   pacer_.resume();
@@ -89,6 +96,7 @@ void Play::requestSeek(std::int64_t positionUs) {
   due_.reset();
   picturesOver_ = false;
   pacer_.seek();
+  if (sound() != nullptr) sound()->flush();
   engine_->exchange().seek(positionUs_);
 }
 
@@ -219,15 +227,11 @@ AudioOutput* Play::sound() {
 }
 
 void Play::freeSoundDevice() {
-  if (sound() == nullptr) return;
-  sound()->flush();
-  sound()->close();
+  if (sound() != nullptr) sound()->close();
 }
 
 void Play::takeSoundDevice() {
-  if (sound() == nullptr) return;
-  sound()->reopen();
-  sound()->flush();
+  if (sound() != nullptr) sound()->reopen();
 }
 
 std::exception_ptr Play::error() const {

@@ -29,6 +29,7 @@ struct PlayItem {
 struct PlayServices {
   Clock& clock;
   const Stored& stored;
+  PcmDeviceFactory soundDevice;
 };
 
 /// One playback of one file: it opens, plays, pauses, seeks and gives pictures; it knows no screen. The main

@@ -1,6 +1,5 @@
 #include "player/sound_decoder.h"
 
-#include <algorithm>
 #include <chrono>
 #include <thread>
 
@@ -8,6 +7,7 @@ namespace tavek {
 namespace {
 
 constexpr std::chrono::milliseconds step{10};
+constexpr std::chrono::milliseconds endPatience{500};
 
 }  // namespace
 
@@ -17,28 +17,36 @@ void SoundDecoder::seek() {
 }
 
 void SoundDecoder::takeFrame(AVFrame& frame) {
-  holdWhilePaused();
+  waitWhilePaused();
   if (!current()) return;
   output_->write(&frame);
-  if (frame.sample_rate <= 0) return;
-  const std::int64_t lengthUs = std::int64_t{frame.nb_samples} * 1'000'000 / frame.sample_rate;
-  exchange_.soundClock.wrote(round_, positionUs(frame) + lengthUs, output_->delayUs(), clock_.now());
+  if (!output_->heard()) {
+    exchange_.soundClock.silence(round_);
+  } else if (frame.sample_rate > 0) {
+    const std::int64_t lengthUs = std::int64_t{frame.nb_samples} * 1'000'000 / frame.sample_rate;
+    exchange_.soundClock.wrote(round_, positionUs(frame) + lengthUs, output_->delayUs(), clock_.now());
+  }
 }
 
-/// The device plays what it holds; then nobody hears anything.
+/// The device plays what it holds; then nobody hears anything. One that does not get on is not waited for.
 void SoundDecoder::endRound() {
-  const Clock::Time heardOut = clock_.now() + std::chrono::microseconds(output_->delayUs());
-  while (current() && clock_.now() < heardOut) {
-    holdWhilePaused();
-    clock_.sleepUntil(std::min(heardOut, clock_.now() + step));
+  const auto farthest = [&] {
+    return clock_.now() + std::chrono::microseconds(output_->delayUs()) + endPatience;
+  };
+  for (Clock::Time limit = farthest();
+       current() && output_->heard() && output_->delayUs() > 0 && clock_.now() < limit;) {
+    clock_.sleepFor(step);
+    if (waitWhilePaused()) limit = farthest();
   }
   exchange_.soundClock.silence(round_);
-  exchange_.soundIsOver(round_);
+  if (current()) exchange_.soundIsOver(round_);
 }
 
-void SoundDecoder::holdWhilePaused() {
-  if (exchange_.paused) output_->flush();
+/// Without a device the sound must not go by in a pause. True if there was one.
+bool SoundDecoder::waitWhilePaused() {
+  if (!exchange_.paused) return false;
   while (exchange_.paused && current()) std::this_thread::sleep_for(step);
+  return true;
 }
 
 }  // namespace tavek

@@ -21,7 +21,7 @@ class SoundDecoder final : public StreamDecoder {
   void seek() override;
   void takeFrame(AVFrame& frame) override;
   void endRound() override;
-  void holdWhilePaused();
+  bool waitWhilePaused();
 
   const std::unique_ptr<AudioOutput> output_;
   Clock& clock_;

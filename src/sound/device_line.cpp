@@ -229,8 +229,11 @@ bool DeviceLine::standsStill(const State& state) const {
 DeviceLine::Pushed DeviceLine::push(std::span<const std::int16_t> samples, unsigned generation) {
   auto state = shared_->state.hold();
   const std::size_t limit = samplesOf(shared_->wish.rate / ringsPerSecond, state->opened.channels);
+  const unsigned flushes = state->flushes;
   while (!samples.empty()) {
     if (shared_->interrupted || stopSignalled) return Pushed::All;
+    // The rest belongs to what was dropped.
+    if (state->flushes != flushes) return Pushed::All;
     if (state->phase == Phase::Open && standsStill(*state)) {
       state->phase = Phase::Absent;
       state->absentSince = shared_->clock.now();
@@ -271,6 +274,7 @@ DeviceLine::Opened DeviceLine::opened() const {
 void DeviceLine::flush() {
   change([](State& state) {
     state.flushWanted = true;
+    ++state.flushes;
     state.ring.clear();
     state.deviceDelay = 0;
   });

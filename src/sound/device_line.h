@@ -84,6 +84,7 @@ class DeviceLine {
     bool held = false;
     bool holdWanted = false;  ///< the device has still to give back what it holds
     bool flushWanted = false;
+    unsigned flushes = 0;
     bool closeWanted = false;
     bool openWanted = true;
     bool ended = false;

@@ -7,6 +7,7 @@
 
 #include "rig/media.h"
 #include "state/state_store.h"
+#include "support/fake_device.h"
 #include "support/temp_folder.h"
 #include "support/turned_clock.h"
 
@@ -32,16 +33,32 @@ std::string clip(const std::string& words, const std::string& extension) {
   return rig::makeFile(words, extension, folder).string();
 }
 
-std::string film(const std::string& rate, const std::string& length, const std::string& more = "OUT") {
-  return clip("-f lavfi -i testsrc=s=16x16:r=" + rate + ":d=" + length + " -c:v ffv1 -g 10 " + more, "mkv");
+std::string film(const std::string& rate, const std::string& length, const std::string& sound = "") {
+  return clip("-f lavfi -i testsrc=s=16x16:r=" + rate + ":d=" + length + sound + " -c:v ffv1 -g 10 OUT",
+              "mkv");
 }
 
 /// FFmpeg's complaints about the damage would hide the test's own.
 const bool quiet = (av_log_set_level(AV_LOG_QUIET), true);
 
-/// An item on a clock that stands until the player sleeps.
+std::string withSound(const std::string& pictures, const std::string& sound) {
+  return film("24", pictures, " -f lavfi -i sine=d=" + sound + " -c:a pcm_s16le");
+}
+
+/// What an item's sound meets.
+enum class Sound { None, Unheard, Heard };
+
+/// A card that is there, or is not.
+struct Card : test::FakeSound {
+  Card(Clock& clock, bool present) : FakeSound(clock) { fail({.refuses = !present}); }
+};
+
+/// An item on a clock that stands until the player sleeps. The sound's threads get some real time each time.
 struct Sitting {
-  explicit Sitting(const std::string& path) : play({path, {}, SoundMode::Stereo}, {clock, stored}) {
+  explicit Sitting(const std::string& path, Sound sound = Sound::None)
+      : clock(microseconds(sound == Sound::None ? 0 : 2000)),
+        card(clock, sound == Sound::Heard),
+        play({path, {}, SoundMode::Stereo}, {clock, stored, card.factory()}) {
     const auto limit = SteadyClock::now() + seconds(10);
     while (play.opening() == Play::Opening::Underway && SteadyClock::now() < limit) {
       std::this_thread::sleep_for(microseconds(50));
@@ -73,6 +90,7 @@ struct Sitting {
   }
 
   test::TurnedClock clock;
+  Card card;
   Play play;
   int pictures = 0;
   double playedSeconds = 0;
@@ -80,44 +98,76 @@ struct Sitting {
 };
 
 TEST(Play, TakesItsTimeToTheEnd) {
+  const std::string song = clip("-f lavfi -i sine=d=3 OUT", "flac");
   const struct {
     const char* what;
     std::string path;
+    Sound sound;
     int pictures;
     double seconds;
   } cases[] = {
-      {"24 pictures a second", film("24", "2"), 48, 1.96},
-      {"5 pictures a second", film("5", "3"), 15, 2.8},
-      {"60 pictures a second", film("60", "2"), 120, 1.98},
+      {"24 pictures a second", film("24", "2"), Sound::None, 48, 1.96},
+      {"5 pictures a second", film("5", "3"), Sound::None, 15, 2.8},
+      {"60 pictures a second", film("60", "2"), Sound::None, 120, 1.98},
+      {"a film of one picture", film("24", "0.04"), Sound::None, 1, 0},
       {"a recording that starts at 5,000 s",
-       clip("-f lavfi -i testsrc=s=64x64:r=25:d=2 -c:v mpeg2video -output_ts_offset 5000 OUT", "ts"), 50,
-       1.96},
-      {"a film of one picture", film("24", "0.04"), 1, 0},
-      {"a song without a device", clip("-f lavfi -i sine=d=3 OUT", "flac"), 1, 3.0},
+       clip("-f lavfi -i testsrc=s=64x64:r=25:d=2 -c:v mpeg2video -output_ts_offset 5000 OUT", "ts"),
+       Sound::None, 50, 1.96},
+      {"film and sound", withSound("2", "2"), Sound::Heard, 48, 2.0},
+      {"film and sound without a device", withSound("2", "2"), Sound::Unheard, 48, 2.0},
+      {"sound that outlasts the pictures", withSound("1", "3"), Sound::Heard, 24, 3.0},
+      {"pictures that outlast the sound", withSound("3", "1"), Sound::Heard, 72, 2.96},
+      {"a sound that no device plays",
+       clip("-f lavfi -i testsrc=s=16x16:r=24:d=1 -f lavfi -i sine=d=1 -c:v ffv1 -c:a pcm_s16le -ar 1 OUT",
+            "avi"),
+       Sound::Heard, 24, 0.96},
+      {"a cover",
+       clip("-f lavfi -i sine=d=2 -f lavfi -i color=s=16x16:d=1:r=1 -c:v png -disposition:v:0 attached_pic "
+            "OUT",
+            "mp4"),
+       Sound::Heard, 1, 2.0},
+      {"a song", song, Sound::Heard, 1, 3.0},
+      {"a song without a device", song, Sound::Unheard, 1, 3.0},
   };
   for (const auto& c : cases) {
-    Sitting sitting(c.path);
+    Sitting sitting(c.path, c.sound);
     ASSERT_EQ(sitting.play.opening(), Play::Opening::Open) << c.what;
     sitting.play.start(0);
     EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended) << c.what;
     EXPECT_EQ(sitting.pictures, c.pictures) << c.what;
-    EXPECT_NEAR(sitting.playedSeconds, c.seconds, 0.05) << c.what;
-    EXPECT_NEAR(static_cast<double>(sitting.play.positionUs()), c.seconds * 1e6, 50'000) << c.what;
+    EXPECT_NEAR(sitting.playedSeconds, c.seconds, c.sound == Sound::None ? 0.05 : 0.3) << c.what;
+    EXPECT_NEAR(static_cast<double>(sitting.play.positionUs()), c.seconds * 1e6, 100'000) << c.what;
     EXPECT_LE(sitting.longestTurn, milliseconds(50)) << c.what;
+    EXPECT_EQ(sitting.play.heardUs(), 0) << c.what;
     EXPECT_EQ(sitting.play.error(), nullptr) << c.what;
   }
 }
 
-TEST(Play, APauseWithoutSoundLeavesThePaceAlone) {
-  Sitting sitting(film("24", "2"));
-  sitting.play.start(0);
-  sitting.run(seconds(1));
-  sitting.play.pause();
-  sitting.clock.turn(seconds(3));
-  sitting.play.resume();
-  EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
-  EXPECT_EQ(sitting.pictures, 48);
-  EXPECT_NEAR(sitting.playedSeconds, 1.96, 0.05);
+TEST(Play, APauseLeavesThePaceAlone) {
+  const struct {
+    const char* what;
+    std::string path;
+    Sound sound;
+    std::int64_t heardFromUs, heardToUs;
+  } cases[] = {
+      {"no sound", film("24", "3"), Sound::None, 0, 0},
+      {"sound without a device", withSound("3", "3"), Sound::Unheard, 0, 0},
+      {"sound", withSound("3", "3"), Sound::Heard, 800'000, 1'050'000},
+      {"sound that has ended", withSound("3", "0.5"), Sound::Heard, 0, 0},
+      {"a song", clip("-f lavfi -i sine=d=3 OUT", "flac"), Sound::Heard, 800'000, 1'050'000},
+  };
+  for (const auto& c : cases) {
+    Sitting sitting(c.path, c.sound);
+    sitting.play.start(0);
+    sitting.run(seconds(1));
+    sitting.play.pause();
+    for (int i = 0; i < 40; ++i) sitting.clock.turn(milliseconds(50));
+    EXPECT_GE(sitting.play.heardUs(), c.heardFromUs) << c.what;
+    EXPECT_LE(sitting.play.heardUs(), c.heardToUs) << c.what;
+    sitting.play.resume();
+    EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended) << c.what;
+    EXPECT_NEAR(sitting.playedSeconds, 3.0, c.sound == Sound::None ? 0.06 : 0.3) << c.what;
+  }
 }
 
 TEST(Play, SeeksAnywhereAndPlaysOnToTheEnd) {
@@ -207,7 +257,8 @@ TEST(Play, MayBeLeftAtAnyMoment) {
   const auto begun = SteadyClock::now();
   for (int i = 0; i < 100; ++i) {
     test::TurnedClock clock;
-    Play play({path, {}, SoundMode::Stereo}, {clock, stored});
+    Card card(clock, false);
+    Play play({path, {}, SoundMode::Stereo}, {clock, stored, card.factory()});
     std::this_thread::sleep_for(microseconds(20 * i));
     if (play.opening() != Play::Opening::Open) continue;
     play.start(0);

@@ -19,7 +19,10 @@ namespace {
 using namespace std::chrono;
 
 /// Nothing is kept under the empty key, so no file is touched.
-StateStore store{""};
+StateStore& store() {
+  static StateStore kept("");
+  return kept;
+}
 
 milliseconds timeOf(const auto& action) {
   const auto start = steady_clock::now();
@@ -37,7 +40,8 @@ class AudioOutputTest : public testing::Test {
  protected:
   std::unique_ptr<AudioOutput> open(const AVCodecParameters* parameters,
                                     SoundMode mode = SoundMode::Surround) {
-    return std::make_unique<AudioOutput>(parameters, "", mode, store.parts(), sound.factory(), steadyClock());
+    return std::make_unique<AudioOutput>(parameters, "", mode, store().parts(), sound.factory(),
+                                         steadyClock());
   }
   /// Blocks of 20 ms whose samples all have one value; the first sets the volume, so that it plays at 32760.
   void write(AudioOutput& output, int blocks, int value = 16000) {
@@ -71,7 +75,7 @@ TEST_F(AudioOutputTest, TheDeviceHearsTheSourceAtItsRate) {
     const auto parameters = test::parametersOf(c.layout, c.format, c.rate);
     const auto frames = static_cast<std::size_t>(c.rate / 50);
     {
-      AudioOutput output(parameters.get(), "", c.mode, store.parts(), own.factory(), steadyClock());
+      AudioOutput output(parameters.get(), "", c.mode, store().parts(), own.factory(), steadyClock());
       output.write(test::channelSteps(*parameters).get());
       output.write(test::channelSteps(*test::parametersOf("3.0", AV_SAMPLE_FMT_FLTP, c.rate)).get());
     }
@@ -102,7 +106,8 @@ TEST_F(AudioOutputTest, APauseLosesNoSoundAndASeekLeavesNone) {
     test::FakeSound own(steadyClock());
     std::size_t before = 0;
     {
-      AudioOutput output(stereo.get(), "", SoundMode::Surround, store.parts(), own.factory(), steadyClock());
+      AudioOutput output(stereo.get(), "", SoundMode::Surround, store().parts(), own.factory(),
+                         steadyClock());
       write(output, 20, 16000);
       EXPECT_TRUE(soon([&] { return output.heard() && own.heard().size() > 4800; }));
       output.hold();
@@ -135,7 +140,7 @@ void expectPaceWith(const test::FakeSound::Faults& fault, const std::string& wha
   const auto stereo = test::parametersOf("stereo");
   const auto frame = test::frameOf(*stereo, 16000);
   test::FakeSound sound(steadyClock());
-  auto output = std::make_unique<AudioOutput>(stereo.get(), "", SoundMode::Surround, store.parts(),
+  auto output = std::make_unique<AudioOutput>(stereo.get(), "", SoundMode::Surround, store().parts(),
                                               sound.factory(), steadyClock());
   const auto write = [&](int blocks) {
     while (blocks-- > 0) output->write(frame.get());

@@ -12,10 +12,13 @@
 namespace tavek::test {
 
 /// A clock that stands until the thread that made it sleeps, or turns it. Its sleep takes no real time but
-/// what the others need that it wakes. Another thread's sleep lasts until the clock gets there, but no longer
-/// than 50 ms of real time, so that no test hangs.
+/// what the others need that it wakes, and a `breath` for those that wait for something else. Another
+/// thread's sleep lasts until the clock gets there, but no longer than 50 ms of real time, so that no test
+/// hangs.
 class TurnedClock final : public Clock {
  public:
+  explicit TurnedClock(std::chrono::microseconds breath = {}) : breath_(breath) {}
+
   Time now() const override { return state_.hold()->now; }
 
   void sleepUntil(Time time) override {
@@ -39,12 +42,16 @@ class TurnedClock final : public Clock {
   };
 
   void turnTo(Time time) {
-    auto state = state_.hold();
-    state->now = std::max(state->now, time);
-    turned_.notify_all();
-    woken_.wait_for(state.lock(), longestSleep, [&] { return !state->sleeperIsDue(); });
+    {
+      auto state = state_.hold();
+      state->now = std::max(state->now, time);
+      turned_.notify_all();
+      woken_.wait_for(state.lock(), longestSleep, [&] { return !state->sleeperIsDue(); });
+    }
+    if (breath_.count() > 0) std::this_thread::sleep_for(breath_);
   }
 
+  const std::chrono::microseconds breath_;
   const std::thread::id owner_ = std::this_thread::get_id();
   Guarded<State> state_;
   std::condition_variable turned_;
