@@ -83,6 +83,8 @@ class DeviceLine::Worker {
       // It is tried again.
     }
     state.lock().lock();
+    // It was given back while it was being opened.
+    if (state->phase == Phase::Closed) return giveBack(state, std::move(device));
     const Clock::Time now = shared_->clock.now();
     if (!device) {
       state->phase = Phase::Absent;
@@ -113,7 +115,10 @@ class DeviceLine::Worker {
   bool closeDevice(HeldState& state) {
     if (state->phase != Phase::Closed) state->ring.clear();
     state->deviceDelay = 0;
-    std::unique_ptr<PcmDevice> device = std::move(device_);
+    return giveBack(state, std::move(device_));
+  }
+
+  bool giveBack(HeldState& state, std::unique_ptr<PcmDevice> device) {
     state.lock().unlock();
     device.reset();
     state.lock().lock();
@@ -153,10 +158,10 @@ class DeviceLine::Worker {
     if (taken < 0) return lose(state, now);
     if (taken > 0) state->movedAt = now;
     if (now - state->movedAt >= patience) return lose(state, now);
-    state->deviceDelay = delay;
     state->askedAt = now;
     const std::size_t gone = samplesOf(taken, device_->channels());
     if (!state->flushWanted) {
+      state->deviceDelay = delay;
       state->played.pushBackForgetting(std::span(slice_).first(gone));
       state->ring.popFront(gone);
     }
@@ -271,6 +276,7 @@ void DeviceLine::flush() {
     state.flushWanted = true;
     ++state.flushes;
     state.ring.clear();
+    state.deviceDelay = 0;
   });
 }
 
@@ -306,9 +312,11 @@ void DeviceLine::reopen() {
 }
 
 void DeviceLine::finish(bool drop) {
-  const auto left = drop ? microseconds(0) : delay();
+  auto left = delay();
   auto state = shared_->state.hold();
-  state->held = false;
+  // In a pause nothing sounds, so nothing has to end.
+  drop = drop || state->held;
+  if (drop) left = microseconds(0);
   state->ending = drop || state->phase != Phase::Open ? Ending::Drop : Ending::Drain;
   shared_->changed.notify_all();
   // By the machine's time: a device that plays does so by it.

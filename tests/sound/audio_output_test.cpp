@@ -217,6 +217,34 @@ TEST_F(AudioOutputTest, ADeviceThatComesBackMayHaveFewerChannels) {
   EXPECT_EQ(sound.heard().back(), sound.heard()[sound.heard().size() - 3]) << "frames of two";
 }
 
+TEST_F(AudioOutputTest, WhatIsGivenUpIsNotCountedPlayedOrTakenAgain) {
+  auto output = open(stereo.get());
+  write(*output, 20);
+  ASSERT_TRUE(soon([&] { return sound.heard().size() > 4800; }));
+  output->flush();
+  EXPECT_EQ(output->delayUs(), 0) << "what was flushed is not waited for";
+  write(*output, 10, -16000);
+  output->hold();
+  EXPECT_LT(timeOf([&] { output.reset(); }), 150ms);
+  EXPECT_LT(std::ranges::count(sound.heard(), -32760), 5 * 1920) << "a pause that ends the item stays silent";
+
+  sound.fail({.hangs = true});
+  output = open(stereo.get());
+  write(*output, 1);
+  output->close();
+  const int before = sound.timesOpened();
+  sound.fail({});
+  EXPECT_TRUE(soon([&] { return sound.timesOpened() > before; }));
+  EXPECT_FALSE(output->heard()) << "given back while it was being opened";
+  EXPECT_THAT(timeOf([&] { write(*output, 10); }), testing::AllOf(testing::Ge(150ms), testing::Lt(400ms)));
+  output->reopen();
+  EXPECT_TRUE(soon([&] {
+    write(*output, 1);
+    return output->heard();
+  }));
+  EXPECT_EQ(sound.timesOpened(), before + 2);
+}
+
 TEST_F(AudioOutputTest, TheMainThreadMayDoAnythingWhileTheAudioThreadWrites) {
   auto output = open(stereo.get());
   std::thread audio([&] { write(*output, 50); });
