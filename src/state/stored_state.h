@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -12,6 +13,8 @@
 #include "state/user_profile.h"
 
 namespace tavek {
+
+inline constexpr std::size_t wifiHistoryLimit = 16;
 
 /// What the shared state file holds.
 struct StoredState {

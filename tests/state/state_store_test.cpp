@@ -212,6 +212,8 @@ TEST_F(StateStoreTest, ChangesUsers) {
     users.renameUser(old, now);
   EXPECT_THAT(users.users(), ElementsAre("Dan", "Bob", "Cid"));
   EXPECT_EQ(users.activeUser() + *users.userMode("Dan"), "Dantv");
+  users.setPosition(in("tv/a"), 3, "Ann");
+  EXPECT_EQ(saved().profiles["Dan"].tv.seek, 3) << "of an item that was started before the rename";
   EXPECT_THAT(kept("persist.json"), HasSubstr("\n\t\t\t\"later\": 1\n"));
   for (const char* name : {"Zoe", "Bob", "Dan"}) users.removeUser(name);
   users.removeUser("Cid");
@@ -287,6 +289,7 @@ TEST_F(StateStoreTest, TakesInADiskThatComesLate) {
   const std::string text = kept("persist.json");
   fs::remove(stateFile());
   StateStore early{stateFile()};
+  early.parts().users.ensureRooms({in("music")});
   early.parts().users.setActiveUser("Alex");
   early.parts().users.setUserMode("Alex", "tv");
   for (const bool savedBefore : {false, true}) {
@@ -311,6 +314,8 @@ TEST_F(StateStoreTest, TwoProgramsLoseNothing) {
   other.users.markWatched(in("tv/2"), true, "Ann");
   other.users.setPosition(in("kids/x"), 6, "Ann");
   other.users.addUser("Cid");
+  other.settings.pushWifiHistory("home");
+  settings.pushWifiHistory("garden");
   store.flush();
   second.flush();
   users.renameUser("Ann", "Dan");
@@ -324,6 +329,7 @@ TEST_F(StateStoreTest, TwoProgramsLoseNothing) {
   EXPECT_THAT(now.profiles["Dan"].tv.watched, testing::IsSupersetOf({in("tv/2"), in("tv/3")}));
   EXPECT_EQ(now.profiles["Dan"].tv.seek, 5);
   EXPECT_EQ(now.profiles["Dan"].otherRooms["kids"].seek, 6);
+  EXPECT_THAT(now.wifiHistory, testing::UnorderedElementsAre("home", "garden"));
   EXPECT_EQ(now.fanartScanEpoch, 9);
 
   const FileLock third(in("persist.json.lock"));
