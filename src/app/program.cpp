@@ -58,11 +58,14 @@ void forceDriver(const std::string& name) {
   }
 }
 
-/// A debug start forgets the shared state, so its file goes before it is read. What is kept of the sound mode
-/// wins over the command line.
-void loadState(const Stored& stored, LaunchOptions& options) {
+/// A debug start forgets the shared state, so its file goes before it is read.
+void forgetState() {
   std::error_code ignored;
-  if (debugEnabled) std::filesystem::remove(stateFile(), ignored);
+  std::filesystem::remove(stateFile(), ignored);
+}
+
+/// What is kept of the sound mode wins over the command line.
+void useState(const Stored& stored, LaunchOptions& options) {
   stored.users.ensureRooms(listRoots());
   if (const auto mode = stored.settings.soundMode()) options.soundMode = static_cast<SoundMode>(*mode);
 }
@@ -82,9 +85,10 @@ int play(Display& display, const Stored& stored, const LaunchOptions& options) {
 }
 
 int runStored(LaunchOptions& options) {
+  if (debugEnabled) forgetState();
   StateStore store(stateFile());
   const Stored stored = store.parts();
-  loadState(stored, options);
+  useState(stored, options);
   Display display(0, 0, 1920, 1080, options.orientation, stored);
   const int status = play(display, stored, options);
   // Before the display goes, which takes its time.
