@@ -36,7 +36,7 @@ struct StoredState {
 
 /// From any text: what can't be found keeps its default. `changed` is set where a save would give the text
 /// another form. There is always a user.
-StoredState readStoredState(const std::string& text, bool& changed);
+StoredState readStoredState(const std::string& whole, bool& changed);
 /// The user who is named as the active one; empty text if the file says that there is none.
 std::optional<std::string> readActiveUser(const std::string& text);
 /// Two users if there is none, and an empty profile for each that has none.
