@@ -30,22 +30,20 @@ class LeftThreads {
   Guarded<std::vector<LeftThread>> threads_;
 };
 
-LeftThreads& leftThreads() {
-  static LeftThreads threads;
-  return threads;
-}
+/// Not made at the first use: what is made before it would outlive it.
+LeftThreads leftThreads;
 
 }  // namespace
 
 void leaveThread(std::thread thread, std::shared_ptr<const Flag> ended) {
-  leftThreads().add({std::move(thread), std::move(ended)});
-  leftThreads().joinEnded();
+  leftThreads.add({std::move(thread), std::move(ended)});
+  leftThreads.joinEnded();
 }
 
 bool joinLeftThreads(std::chrono::milliseconds limit) {
   using SystemClock = std::chrono::steady_clock;
   const auto end = SystemClock::now() + limit;
-  while (leftThreads().joinEnded() > 0) {
+  while (leftThreads.joinEnded() > 0) {
     if (SystemClock::now() >= end) return false;
     std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }

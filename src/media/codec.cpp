@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <iostream>
 #include <mutex>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -59,9 +60,15 @@ ffmpeg::CodecContextPtr tryOpen(const AVCodec& decoder, const AVCodecParameters&
   return context;
 }
 
+bool softwareHevcAllowed() {
+  const char* value = std::getenv("TAVEK_SOFTWARE_HEVC");
+  return value != nullptr && std::string_view(value) == "1";
+}
+
 ffmpeg::CodecContextPtr openSoftwareDecoder(const AVCodecParameters& parameters) {
-  // The box cannot decode HEVC in software at the speed of a film.
-  if (parameters.codec_id == AV_CODEC_ID_HEVC) throw ffmpeg::Error("No HEVC hardware decoder");
+  // The box cannot decode HEVC in software at the speed of a film; a faster machine may say that it can.
+  if (parameters.codec_id == AV_CODEC_ID_HEVC && !softwareHevcAllowed())
+    throw ffmpeg::Error("No HEVC hardware decoder");
   const AVCodec* decoder = avcodec_find_decoder(parameters.codec_id);
   if (decoder == nullptr) throw ffmpeg::Error("Unsupported codec");
   auto context = tryOpen(*decoder, parameters);
@@ -83,11 +90,11 @@ ffmpeg::CodecContextPtr openDecoder(const AVCodecParameters& parameters) {
   return context ? std::move(context) : openSoftwareDecoder(parameters);
 }
 
-/// FFmpeg's two ways to say "not now" are false, every other failure is thrown.
-bool taken(int result) {
-  if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return false;
+Decoded outcomeOf(int result) {
+  if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return Decoded::NotNow;
+  if (result == AVERROR_INVALIDDATA) return Decoded::Damaged;
   ffmpeg::throwIfNegative(result);
-  return true;
+  return Decoded::Done;
 }
 
 }  // namespace
@@ -103,12 +110,12 @@ Codec::Codec(const AVCodecParameters* parameters) {
   }
 }
 
-bool Codec::sendPacket(const AVPacket* packet) {
-  return taken(avcodec_send_packet(context_.get(), packet));
+Decoded Codec::sendPacket(const AVPacket* packet) {
+  return outcomeOf(avcodec_send_packet(context_.get(), packet));
 }
 
-bool Codec::receiveFrame(AVFrame* frame) {
-  return taken(avcodec_receive_frame(context_.get(), frame));
+Decoded Codec::receiveFrame(AVFrame* frame) {
+  return outcomeOf(avcodec_receive_frame(context_.get(), frame));
 }
 
 void Codec::flush() {

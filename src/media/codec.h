@@ -4,17 +4,24 @@
 
 namespace tavek {
 
+/// What became of a call of a decoder.
+enum class Decoded {
+  Done,
+  NotNow,   ///< frames have to be received first, or packets sent; or it is drained
+  Damaged,  ///< this piece of the stream makes no sense, the next one may
+};
+
 /// A decoder for one stream, hardware before software. Not locked: its user serialises the calls.
 class Codec {
  public:
   /// Throws ffmpeg::Error when nothing here can decode the stream. The parameters are copied.
   explicit Codec(const AVCodecParameters* parameters);
 
-  /// False: not taken, frames must be received first or the decoder is drained. Null starts the draining.
-  /// Throws ffmpeg::Error on any other failure.
-  bool sendPacket(const AVPacket* packet);
-  /// False: no frame is ready. Throws ffmpeg::Error on any other failure.
-  bool receiveFrame(AVFrame* frame);
+  /// A packet that is taken or damaged is done with. Null starts the draining. Throws ffmpeg::Error on a
+  /// failure of any other kind.
+  Decoded sendPacket(const AVPacket* packet);
+  /// The same.
+  Decoded receiveFrame(AVFrame* frame);
   /// Forgets all that was sent, as after a seek.
   void flush();
 

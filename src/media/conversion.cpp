@@ -1,9 +1,14 @@
 #include "media/conversion.h"
 
+#include <algorithm>
+#include <array>
 #include <stdexcept>
 #include <string>
 
+#include "media/colour.h"
+
 extern "C" {
+#include <libavutil/imgutils.h>
 #include <libavutil/opt.h>
 #include <libavutil/pixdesc.h>
 }
@@ -11,75 +16,139 @@ extern "C" {
 namespace tavek {
 namespace {
 
+constexpr AVPixelFormat screenFormat = AV_PIX_FMT_YUV420P;
+/// Rows of this alignment suit the vector code of the scaler and of the screen's upload.
+constexpr int rowAlignment = 32;
+
 struct FullRangeTwin {
   AVPixelFormat fullRange;
   AVPixelFormat plain;
 };
 
 // Formats that hide the range in the format; the scaler wants to be told both apart.
-constexpr FullRangeTwin fullRangeTwins[] = {
-    {AV_PIX_FMT_YUVJ420P, AV_PIX_FMT_YUV420P},
-    {AV_PIX_FMT_YUVJ422P, AV_PIX_FMT_YUV422P},
-    {AV_PIX_FMT_YUVJ444P, AV_PIX_FMT_YUV444P},
-    {AV_PIX_FMT_YUVJ440P, AV_PIX_FMT_YUV440P},
+constexpr std::array fullRangeTwins{
+    FullRangeTwin{AV_PIX_FMT_YUVJ420P, AV_PIX_FMT_YUV420P},
+    FullRangeTwin{AV_PIX_FMT_YUVJ422P, AV_PIX_FMT_YUV422P},
+    FullRangeTwin{AV_PIX_FMT_YUVJ444P, AV_PIX_FMT_YUV444P},
+    FullRangeTwin{AV_PIX_FMT_YUVJ440P, AV_PIX_FMT_YUV440P},
+    FullRangeTwin{AV_PIX_FMT_YUVJ411P, AV_PIX_FMT_YUV411P},
 };
 
-std::string nameOf(AVPixelFormat format) {
-  const char* name = av_get_pix_fmt_name(format);
+AVPixelFormat plainFormat(int format) {
+  const auto* twin = std::ranges::find(fullRangeTwins, format, &FullRangeTwin::fullRange);
+  return twin != fullRangeTwins.end() ? twin->plain : static_cast<AVPixelFormat>(format);
+}
+
+std::string nameOf(int format) {
+  const char* name = av_get_pix_fmt_name(static_cast<AVPixelFormat>(format));
   return name != nullptr ? name : "unknown";
 }
 
+struct Side {
+  int format;
+  AVColorSpace matrix;
+  bool fullRange;
+};
+
 /// The ranges are set before the scaler is initialised: it picks its inner loops then, and a range that it
-/// hears of later changes no pixel.
-ffmpeg::SwsContextPtr makeScaler(int width, int height, AVPixelFormat source, AVPixelFormat destination,
-                                 int flags) {
-  bool fullRange = false;
-  for (const FullRangeTwin& twin : fullRangeTwins) {
-    if (twin.fullRange != source) continue;
-    source = twin.plain;
-    fullRange = true;
-    break;
-  }
+/// hears of later changes no pixel. The matrices can only be told afterwards.
+ffmpeg::SwsContextPtr makeScaler(int width, int height, const Side& source, const Side& target, int flags) {
   ffmpeg::SwsContextPtr context(sws_alloc_context());
   if (!context) return nullptr;
   const struct {
     const char* name;
     int value;
-  } options[] = {{"srcw", width},  {"srch", height},     {"dstw", width},
-                 {"dsth", height}, {"sws_flags", flags}, {"src_range", fullRange ? 1 : 0},
-                 {"dst_range", 0}};
-  bool possible = av_opt_set_pixel_fmt(context.get(), "src_format", source, 0) >= 0 &&
-                  av_opt_set_pixel_fmt(context.get(), "dst_format", destination, 0) >= 0;
+  } options[] = {{"srcw", width},
+                 {"srch", height},
+                 {"dstw", width},
+                 {"dsth", height},
+                 {"sws_flags", flags},
+                 {"src_range", source.fullRange ? 1 : 0},
+                 {"dst_range", target.fullRange ? 1 : 0}};
+  bool possible = av_opt_set_pixel_fmt(context.get(), "src_format", plainFormat(source.format), 0) >= 0 &&
+                  av_opt_set_pixel_fmt(context.get(), "dst_format", plainFormat(target.format), 0) >= 0;
   for (const auto& [name, value] : options) {
     possible = possible && av_opt_set_int(context.get(), name, value, 0) >= 0;
   }
   if (!possible || sws_init_context(context.get(), nullptr, nullptr) < 0) return nullptr;
+  constexpr int unchanged = 1 << 16;
+  // A failure means that the formats have no matrix.
+  sws_setColorspaceDetails(context.get(), sws_getCoefficients(source.matrix), source.fullRange ? 1 : 0,
+                           sws_getCoefficients(target.matrix), target.fullRange ? 1 : 0, 0, unchanged,
+                           unchanged);
   return context;
+}
+
+ffmpeg::SwsContextPtr makeScalerOrThrow(int width, int height, const Side& source, const Side& target,
+                                        int flags) {
+  auto context = width > 0 && height > 0 ? makeScaler(width, height, source, target, flags) : nullptr;
+  if (!context) {
+    throw std::runtime_error("Conversion: failed SwsContext for " + nameOf(source.format) + " -> " +
+                             nameOf(target.format));
+  }
+  return context;
+}
+
+void scale(SwsContext* context, const AVFrame& source, AVFrame& destination) {
+  const int rows = sws_scale(context, source.data, source.linesize, 0, source.height, destination.data,
+                             destination.linesize);
+  if (rows <= 0) throw std::runtime_error("Conversion: sws_scale failed");
+}
+
+/// Where the screen knows the matrix there is no need to change it.
+AVColorSpace targetMatrixFor(AVColorSpace source) {
+  return source == AVCOL_SPC_SMPTE170M ? source : AVCOL_SPC_BT709;
+}
+
+ffmpeg::BufferPoolPtr makePool(int width, int height) {
+  const int bytes = av_image_get_buffer_size(screenFormat, width, height, rowAlignment);
+  // Some of the scaler's loops write a little beyond a row.
+  constexpr std::size_t padding = 64;
+  if (bytes <= 0) throw std::runtime_error("Conversion: no picture has that size");
+  return ffmpeg::BufferPoolPtr(av_buffer_pool_init(static_cast<std::size_t>(bytes) + padding, nullptr));
 }
 
 }  // namespace
 
-Conversion::Conversion(int width, int height, AVPixelFormat sourceFormat, AVPixelFormat destinationFormat,
-                       int scalerFlags)
-    : width_(width),
-      height_(height),
-      sourceFormat_(sourceFormat),
-      context_(makeScaler(width, height, sourceFormat, destinationFormat, scalerFlags)) {
-  if (!context_) {
-    throw std::runtime_error("Conversion: failed SwsContext for " + nameOf(sourceFormat) + " -> " +
-                             nameOf(destinationFormat));
-  }
+Conversion::Kind Conversion::kindOf(const AVFrame& frame) {
+  return {frame.width, frame.height, frame.format, matrixOf(frame), isFullRange(frame)};
 }
 
-void Conversion::convert(const AVFrame* source, AVFrame* destination) {
-  if (!context_ || source == nullptr || destination == nullptr) return;
-  const int rows = sws_scale(context_.get(), source->data, source->linesize, 0, height_, destination->data,
-                             destination->linesize);
-  if (rows <= 0) throw std::runtime_error("Conversion: sws_scale failed");
+Conversion::Conversion(const AVFrame& source, int scalerFlags)
+    : kind_(kindOf(source)),
+      targetMatrix_(targetMatrixFor(kind_.matrix)),
+      context_(makeScalerOrThrow(source.width, source.height, {kind_.format, kind_.matrix, kind_.fullRange},
+                                 {screenFormat, targetMatrix_, false}, scalerFlags)),
+      pool_(makePool(source.width, source.height)) {}
+
+bool Conversion::fits(const AVFrame& source) const {
+  return kindOf(source) == kind_;
 }
 
-bool Conversion::fits(int width, int height, AVPixelFormat sourceFormat) const {
-  return width == width_ && height == height_ && sourceFormat == sourceFormat_;
+ffmpeg::FramePtr Conversion::convert(const AVFrame& source) {
+  ffmpeg::FramePtr picture = ffmpeg::makeFrame();
+  if (!picture || av_frame_copy_props(picture.get(), &source) < 0)
+    throw std::runtime_error("Conversion: no memory for a picture");
+  picture->buf[0] = av_buffer_pool_get(pool_.get());
+  if (picture->buf[0] == nullptr) throw std::runtime_error("Conversion: no memory for a picture");
+  picture->width = source.width;
+  picture->height = source.height;
+  picture->format = screenFormat;
+  picture->colorspace = targetMatrix_;
+  picture->color_range = AVCOL_RANGE_MPEG;
+  av_image_fill_arrays(picture->data, picture->linesize, picture->buf[0]->data, screenFormat, source.width,
+                       source.height, rowAlignment);
+  scale(context_.get(), source, *picture);
+  return picture;
+}
+
+void convertOnce(const AVFrame& source, AVFrame& destination, int scalerFlags) {
+  const AVPixFmtDescriptor* target = av_pix_fmt_desc_get(static_cast<AVPixelFormat>(destination.format));
+  const bool rgb = target != nullptr && (target->flags & AV_PIX_FMT_FLAG_RGB) != 0;
+  const auto context =
+      makeScalerOrThrow(source.width, source.height, {source.format, matrixOf(source), isFullRange(source)},
+                        {destination.format, matrixOf(source), rgb}, scalerFlags);
+  scale(context.get(), source, destination);
 }
 
 }  // namespace tavek

@@ -4,23 +4,38 @@
 
 namespace tavek {
 
-/// Turns pictures of one size from one pixel format to another, always to limited range.
+/// Turns decoded frames of one kind into pictures that a screen can take: planar YUV 4:2:0 in limited range,
+/// in the matrix of the frame, or in BT.709 where no screen knows that.
 class Conversion {
  public:
-  /// Throws std::runtime_error when the scaler cannot do it. The flags are SWS_...
-  Conversion(int width, int height, AVPixelFormat sourceFormat, AVPixelFormat destinationFormat,
-             int scalerFlags);
+  /// For frames like this one. Throws std::runtime_error when the scaler cannot do it. The flags are SWS_...
+  Conversion(const AVFrame& source, int scalerFlags);
 
-  /// Both frames have their buffers; a null frame is passed over. Throws std::runtime_error.
-  void convert(const AVFrame* source, AVFrame* destination);
-  /// Made for such a source.
-  bool fits(int width, int height, AVPixelFormat sourceFormat) const;
+  /// Size, format and colours are those that it was made for.
+  bool fits(const AVFrame& source) const;
+  /// A picture with the source's properties, in a buffer that comes back when the picture goes. Throws
+  /// std::runtime_error.
+  ffmpeg::FramePtr convert(const AVFrame& source);
 
  private:
-  int width_;
-  int height_;
-  AVPixelFormat sourceFormat_;
+  struct Kind {
+    int width;
+    int height;
+    int format;
+    AVColorSpace matrix;
+    bool fullRange;
+    bool operator==(const Kind&) const = default;
+  };
+  static Kind kindOf(const AVFrame& frame);
+
+  Kind kind_;
+  AVColorSpace targetMatrix_;
   ffmpeg::SwsContextPtr context_;
+  ffmpeg::BufferPoolPtr pool_;
 };
+
+/// A picture in another pixel format, in full range if that is RGB: `destination` has its format, size and
+/// planes. Throws std::runtime_error.
+void convertOnce(const AVFrame& source, AVFrame& destination, int scalerFlags);
 
 }  // namespace tavek

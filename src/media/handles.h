@@ -5,6 +5,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/buffer.h>
 #include <libswscale/swscale.h>
 }
 
@@ -17,6 +18,12 @@ namespace tavek::ffmpeg {
 
 struct FormatContextDeleter {
   void operator()(AVFormatContext* context) const { avformat_close_input(&context); }
+};
+struct IoContextDeleter {
+  void operator()(AVIOContext* context) const { avio_closep(&context); }
+};
+struct BufferPoolDeleter {
+  void operator()(AVBufferPool* pool) const { av_buffer_pool_uninit(&pool); }
 };
 struct CodecContextDeleter {
   void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
@@ -32,6 +39,9 @@ struct SwsContextDeleter {
 };
 
 using FormatContextPtr = std::unique_ptr<AVFormatContext, FormatContextDeleter>;
+using IoContextPtr = std::unique_ptr<AVIOContext, IoContextDeleter>;
+/// Its buffers may outlive it.
+using BufferPoolPtr = std::unique_ptr<AVBufferPool, BufferPoolDeleter>;
 using CodecContextPtr = std::unique_ptr<AVCodecContext, CodecContextDeleter>;
 using PacketPtr = std::unique_ptr<AVPacket, PacketDeleter>;
 using FramePtr = std::unique_ptr<AVFrame, FrameDeleter>;

@@ -1,15 +1,14 @@
 #pragma once
 
-#include <chrono>
-#include <cstddef>
+#include <atomic>
 #include <cstdint>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "base/clock.h"
 #include "base/sound_mode.h"
-#include "sound/playback_device.h"
+#include "sound/device_line.h"
 #include "sound/resampler.h"
 #include "sound/shelf.h"
 #include "sound/volume.h"
@@ -23,33 +22,40 @@ extern "C" {
 namespace tavek {
 
 /// The last stage of one item's sound: decoded frames go in, in whatever format they have, and leave through
-/// ALSA as 16-bit samples at the stream's own rate, with the volume applied.
+/// a device as 16-bit samples at the stream's own rate, with the volume applied. Where no device can be had,
+/// or one is gone, the sound goes by unheard in the time that it would have taken.
 ///
-/// write and delayUs are called by the item's audio thread, everything else by the thread that owns the
-/// object. lock_ guards the device, the resampler and the filters, and is held while ALSA blocks. The volume
-/// takes no lock: its words are relaxed atomics.
+/// write is the item's audio thread's, everything else the owner's. Only write waits, and not for the device
+/// but for room before it. The volume takes no lock: its words are relaxed atomics.
 class AudioOutput {
  public:
-  /// The key is the item's path, under which its volume is kept; empty for a theme, which keeps none. Throws
-  /// std::runtime_error when no device can be had.
+  /// The key is the item's path, under which its volume is kept; empty for a theme, which keeps none. The
+  /// device is opened in the background. Throws std::runtime_error for sound that no device could play.
   AudioOutput(const AVCodecParameters* codecParameters, std::string key, SoundMode soundMode,
-              const Stored& stored);
-  /// Plays what is queued to its end, unless a signal has come.
+              const Stored& stored, PcmDeviceFactory factory, Clock& clock);
+  /// Plays what is queued to its end, unless a signal has come, but waits for no device that stands still.
   ~AudioOutput();
   AudioOutput(const AudioOutput&) = delete;
   AudioOutput& operator=(const AudioOutput&) = delete;
 
-  /// Blocks for as long as ALSA does. What no device takes is dropped in the time that it would have played,
-  /// so that an item without sound keeps its pace.
+  /// Waits until the frame is on its way to the device.
   void write(const AVFrame* frame);
-  /// Drops what is queued and leaves the device ready.
+  /// Ends a write that waits, and all that follow. Any thread.
+  void interrupt();
+
+  /// Drops what is queued.
   void flush();
-  /// Closes the device at once and keeps the object.
-  void close();
-  /// True if the device is open afterwards.
-  bool reopen();
-  /// The sound that is queued and not yet heard, in microseconds; 0 when that is not known.
-  std::int64_t delayUs();
+  /// The device falls silent at once; what it held comes first when it goes on.
+  void hold() { line_.hold(); }
+  void resume() { line_.resume(); }
+  /// Gives the device back, and takes it again.
+  void close() { line_.close(); }
+  void reopen() { line_.reopen(); }
+
+  /// Sound comes out of a device.
+  bool heard() const { return line_.heard(); }
+  /// The sound that is queued and not yet heard, in microseconds.
+  std::int64_t delayUs() const { return line_.delay().count(); }
 
   void adjustVolume(double deltaDb);
   void storeVolume() const;
@@ -57,28 +63,29 @@ class AudioOutput {
   double volumeDb() const { return volume_.volumeDb; }
 
  private:
-  int play(const AVFrame& frame);
-  snd_pcm_sframes_t unheardFrames(snd_pcm_t* pcm) const;
-  void wakeDevice();
+  bool prepareFor(unsigned generation);
   int renderBlock(const AVFrame& frame);
-  int sendBlock(int frames);
-  void waitFor(int frames);
+  void letPass(int frames);
 
   const Stored stored_;
-  std::string key_;
+  const std::string key_;
+  Clock& clock_;
   Volume volume_;
-  std::mutex lock_;
-  int outputRate_ = 48000;
-  PlaybackDevice device_;
-  std::optional<Resampler> resampler_;
+  int outputRate_;
   double trebleDb_ = 0;
   double bassDb_ = 0;
+  Flag interrupted_;
+  std::atomic<std::uint64_t> flushes_{0};
+  DeviceLine line_;
+
+  // The audio thread's.
+  DeviceLine::Opened device_;
+  std::uint64_t flushesSeen_ = 0;
+  std::optional<Resampler> resampler_;
   Shelf bass_;
   Shelf treble_;
   std::vector<std::int16_t> block_;
-  snd_pcm_sframes_t framesSinceStart_ = 0;             ///< taken by the device since it was prepared
-  std::chrono::steady_clock::time_point startedAt_;    ///< the write with which it began to play
-  std::chrono::steady_clock::time_point silentUntil_;  ///< when the last dropped sound would have ended
+  Clock::Time silentUntil_;  ///< when the last sound that went by unheard would have ended
 };
 
 }  // namespace tavek

@@ -58,8 +58,8 @@ SurfacePtr surfaceOf(const AVFrame& picture) {
   if (!surface || !rgb) return nullptr;
   rgb->data[0] = static_cast<std::uint8_t*>(surface->pixels);
   rgb->linesize[0] = surface->pitch;
-  Conversion(picture.width, picture.height, AV_PIX_FMT_YUV420P, AV_PIX_FMT_RGB24, SWS_BILINEAR)
-      .convert(&picture, rgb.get());
+  rgb->format = AV_PIX_FMT_RGB24;
+  convertOnce(picture, *rgb, SWS_BILINEAR);
   return surface;
 }
 

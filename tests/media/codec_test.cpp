@@ -34,6 +34,9 @@ TEST(Codec, FallsBackToSoftwareInSilenceButForHevc) {
   av_log_set_level(AV_LOG_INFO);
   EXPECT_EQ(opened(AV_CODEC_ID_H264), "[CODEC] opened decoder=h264 codec=h264 w=0 h=0\n");
   EXPECT_EQ(opened(AV_CODEC_ID_HEVC), "FFmpeg: No HEVC hardware decoder");
+  setenv("TAVEK_SOFTWARE_HEVC", "1", 1);
+  EXPECT_EQ(opened(AV_CODEC_ID_HEVC), "[CODEC] opened decoder=hevc codec=hevc w=0 h=0\n");
+  unsetenv("TAVEK_SOFTWARE_HEVC");
   EXPECT_EQ(av_log_get_level(), AV_LOG_INFO);
   EXPECT_EQ(opened(AV_CODEC_ID_NONE), "FFmpeg: Unsupported codec");
   EXPECT_THAT(opened(AV_CODEC_ID_PCM_S16LE), StartsWith("FFmpeg: Failed to open decoder"));

@@ -1,12 +1,18 @@
 #include "media/demultiplexer.h"
 
-#include <gtest/gtest.h>
+#include <algorithm>
+#include <fstream>
+#include <sys/stat.h>
+
+#include <gmock/gmock.h>
 
 #include "media/codec.h"
 #include "media/error.h"
 #include "support/temp_folder.h"
 
 namespace tavek {
+
+const Flag never;
 
 class MovieFile : public testing::Test {
  protected:
@@ -23,8 +29,8 @@ class MovieFile : public testing::Test {
         "-c:a flac -ac:a:0 2 -ac:a:1 6 -metadata:s:a:0 language=eng -metadata:s:a:1 language=fra");
   }
   /// Stands for a movie that can be opened with an empty text.
-  static std::string failure(const std::string& path) try {
-    Demultiplexer demuxer(path, {});
+  static std::string failure(const std::string& path, Pictures pictures = Pictures::Needed) try {
+    Demultiplexer demuxer(path, {}, pictures, never);
     return {};
   } catch (const ffmpeg::Error& error) {
     return error.what();
@@ -36,12 +42,103 @@ class MovieFile : public testing::Test {
 
 TEST_F(MovieFile, FailsToOpenWithItsReason) {
   EXPECT_EQ(failure("none.mkv"), "FFmpeg: No such file or directory [expr: ret] @ video/demultiplex:68");
-  EXPECT_EQ(failure(make("song.mp3", "-f lavfi -i sine=d=0.2")),
-            "FFmpeg: No video stream found in input file");
+  const std::string song = make("song.mp3", "-f lavfi -i sine=d=0.2");
+  EXPECT_EQ(failure(song), "FFmpeg: No video stream found in input file");
+  EXPECT_EQ(failure(song, Pictures::Optional), "");
+}
+
+TEST_F(MovieFile, ReachesNoOtherFileAndNoPipe) {
+  const std::string segment = make("segment.ts", "-f lavfi -i testsrc=s=64x48:r=10:d=1 -c:v mpeg2video");
+  const auto write = [&](const char* name, const std::string& text) {
+    std::ofstream(folder_.path() / name) << text;
+    return (folder_.path() / name).string();
+  };
+  const std::string list =
+      write("film.mkv", "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\n" + segment + "\n");
+  const std::string script = write("script.mkv", "ffconcat version 1.0\nfile segment.ts\n");
+  const std::string pipe = (folder_.path() / "pipe.mkv").string();
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(failure(segment), "");
+  EXPECT_THAT(failure(list), testing::StartsWith("FFmpeg: Invalid data found"));
+  EXPECT_THAT(failure(script), testing::StartsWith("FFmpeg: Invalid data found"));
+  EXPECT_EQ(failure(pipe), "FFmpeg: Invalid argument [expr: ret] @ video/demultiplex:68");
+  EXPECT_THAT(failure("concat:" + segment), testing::StartsWith("FFmpeg: No such file"));
+}
+
+TEST_F(MovieFile, EndsWhenItIsInterrupted) {
+  Flag interrupt;
+  Demultiplexer demuxer(makeMovie(), {}, Pictures::Needed, interrupt);
+  interrupt = true;
+  int packets = 0;
+  // What was read ahead may still come.
+  while (demuxer.readPacket(packet_.get())) {
+    av_packet_unref(packet_.get());
+    ++packets;
+  }
+  EXPECT_LT(packets, 60);
+}
+
+/// Positions count from the first moment of the file, and seeking counts so too.
+TEST_F(MovieFile, CountsFromItsFirstMoment) {
+  const struct {
+    const char* name;
+    const char* arguments;
+  } files[] = {
+      {"late.ts", "-f lavfi -i testsrc=s=64x48:r=10:d=4 -c:v mpeg2video -g 10 -output_ts_offset 5000"},
+      {"song.mp3", "-f lavfi -i sine=d=4"},
+      {"film.mp4", "-f lavfi -i testsrc=s=64x48:r=10:d=4 -c:v mpeg4 -g 10"},
+  };
+  for (const auto& file : files) {
+    Demultiplexer demuxer(make(file.name, file.arguments), {}, Pictures::Optional, never);
+    const bool song = demuxer.videoStreamIndex() < 0;
+    const AVRational timeBase = song ? demuxer.audioTimeBase() : demuxer.videoTimeBase();
+    const auto nextMs = [&] {
+      av_packet_unref(packet_.get());
+      return demuxer.readPacket(packet_.get()) ? demuxer.positionUs(packet_->pts, timeBase) / 1000 : -1;
+    };
+    EXPECT_NEAR(static_cast<double>(nextMs()), 0, 60) << file.name;
+    while (nextMs() >= 0) {
+    }
+    // The end of the file is no reason not to go back.
+    for (const int targetMs : {2500, 0, 3900}) {
+      EXPECT_TRUE(demuxer.seek(targetMs * 1000)) << file.name;
+      const auto found = static_cast<double>(nextMs());
+      EXPECT_GE(found, targetMs - 1100) << file.name << " to " << targetMs;
+      // A stream without an index is found to a picture.
+      EXPECT_LE(found, targetMs == 0 ? 60 : targetMs + 110) << file.name << " to " << targetMs;
+      EXPECT_TRUE(!song || found > targetMs - 100) << "the time stamps start anew";
+    }
+  }
+}
+
+TEST_F(MovieFile, TellsACoverFromPictures) {
+  const std::string cover = make("cover.jpg", "-f lavfi -i testsrc=s=64x48 -frames:v 1");
+  const std::string song =
+      make("covered.mp3", "-f lavfi -i sine=d=0.5 -i " + cover + " -map 0 -map 1 -c:v copy");
+  EXPECT_TRUE(Demultiplexer(song, {}, Pictures::Needed, never).pictureIsAttached());
+  EXPECT_FALSE(Demultiplexer(makeMovie(), {}, Pictures::Needed, never).pictureIsAttached());
+}
+
+/// One scrambled packet is told apart from a failure, and the decoder goes on behind it.
+TEST_F(MovieFile, TellsADamagedPacket) {
+  Demultiplexer demuxer(make("song.flac", "-f lavfi -i sine=d=1"), {}, Pictures::Optional, never);
+  Codec codec(demuxer.audioParameters());
+  const auto frame = ffmpeg::makeFrame();
+  int frames = 0;
+  int damaged = 0;
+  for (int number = 0; demuxer.readPacket(packet_.get()); av_packet_unref(packet_.get())) {
+    if (++number == 3) std::fill_n(packet_->data, packet_->size, std::uint8_t{0x5A});
+    damaged += codec.sendPacket(packet_.get()) == Decoded::Damaged ? 1 : 0;
+    for (Decoded outcome{}; (outcome = codec.receiveFrame(frame.get())) != Decoded::NotNow;) {
+      (outcome == Decoded::Done ? frames : damaged) += 1;
+    }
+  }
+  EXPECT_EQ(damaged, 1);
+  EXPECT_GE(frames, 8);
 }
 
 TEST_F(MovieFile, TellsOfItsStreams) {
-  const Demultiplexer demuxer(makeMovie(), "en");
+  const Demultiplexer demuxer(makeMovie(), "en", Pictures::Needed, never);
   EXPECT_EQ(demuxer.audioStreamIndex(), 2);
   EXPECT_EQ(av_cmp_q(demuxer.audioTimeBase(), {1, 1000}), 0);
   const MovieInfo info = demuxer.movieInfo();
@@ -50,13 +147,14 @@ TEST_F(MovieFile, TellsOfItsStreams) {
   EXPECT_DOUBLE_EQ(info.videoFramesPerSecond, 10);
   EXPECT_EQ(info.audioSampleRate, 44100);
   EXPECT_NEAR(static_cast<double>(info.durationUs), 2e6, 5e4);
-  const Demultiplexer silent(make("silent.avi", "-f lavfi -i testsrc=d=0.2 -c:v mpeg4"), "en");
+  const Demultiplexer silent(make("silent.avi", "-f lavfi -i testsrc=d=0.2 -c:v mpeg4"), "en",
+                             Pictures::Needed, never);
   EXPECT_EQ(silent.audioParameters(), nullptr);
   EXPECT_EQ(silent.movieInfo().audioCodecName, "");
 }
 
 TEST_F(MovieFile, SeeksToTheKeyFrameBefore) {
-  Demultiplexer demuxer(makeMovie(), {});
+  Demultiplexer demuxer(makeMovie(), {}, Pictures::Needed, never);
   const auto nextPictureMs = [&] {
     do {
       av_packet_unref(packet_.get());
@@ -71,23 +169,23 @@ TEST_F(MovieFile, SeeksToTheKeyFrameBefore) {
 }
 
 TEST_F(MovieFile, GivesEveryPictureToItsCodec) {
-  Demultiplexer demuxer(makeMovie(), {});
+  Demultiplexer demuxer(makeMovie(), {}, Pictures::Needed, never);
   Codec codec(demuxer.videoParameters());
   EXPECT_EQ(codec.width() * 1000 + codec.height(), 64048);
   const auto frame = ffmpeg::makeFrame();
   int pictures = 0;
   for (; demuxer.readPacket(packet_.get()); av_packet_unref(packet_.get())) {
     if (packet_->stream_index != demuxer.videoStreamIndex()) continue;
-    EXPECT_TRUE(codec.sendPacket(packet_.get()));
-    while (codec.receiveFrame(frame.get())) ++pictures;
+    EXPECT_EQ(codec.sendPacket(packet_.get()), Decoded::Done);
+    while (codec.receiveFrame(frame.get()) == Decoded::Done) ++pictures;
   }
-  EXPECT_TRUE(codec.sendPacket(nullptr));
-  while (codec.receiveFrame(frame.get())) ++pictures;
+  EXPECT_EQ(codec.sendPacket(nullptr), Decoded::Done);
+  while (codec.receiveFrame(frame.get()) == Decoded::Done) ++pictures;
   EXPECT_EQ(pictures, 20);
   EXPECT_EQ(codec.pixelFormat(), AV_PIX_FMT_YUV420P);
-  EXPECT_FALSE(codec.sendPacket(nullptr));
+  EXPECT_EQ(codec.sendPacket(nullptr), Decoded::NotNow);
   codec.flush();
-  EXPECT_TRUE(codec.sendPacket(nullptr));
+  EXPECT_EQ(codec.sendPacket(nullptr), Decoded::Done);
 }
 
 }  // namespace tavek

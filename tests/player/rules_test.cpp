@@ -1,12 +1,13 @@
-#include <optional>
-#include <string>
-#include <vector>
+#include <algorithm>
+#include <utility>
 
 #include <gtest/gtest.h>
 
+#include "player/pacer.h"
 #include "player/pacing.h"
 #include "player/playback_timer.h"
 #include "player/seek_rules.h"
+#include "support/turned_clock.h"
 
 namespace tavek {
 namespace {
@@ -28,7 +29,8 @@ TEST(Pacing, WaitsByIntervalAndAudio) {
       {"no step keeps it", {false, false, 40'000, 30'000}, 40'000, 0, 30'000, 30'000, false},
       {"a step back with none learned", {false, false, 40'000, 0}, 30'000, 0, 16'667, 16'667, false},
       {"a long gap is no interval", {false, false, 0, 30'000}, 1'000'001, 0, 30'000, 30'000, false},
-      {"slow streams wait 50 ms at most", {false, false, 0, 100'000}, 100'000, 0, 50'000, 100'000, false},
+      {"slow streams wait their interval", {false, false, 0, 100'000}, 100'000, 0, 100'000, 100'000, false},
+      {"and 20 longer when ahead", {false, false, 0, 100'000}, 100'000, 1, 120'000, 100'000, false},
       {"fast streams wait 8 ms at least", {false, false, 0, 4'000}, 4'000, 0, 8'000, 4'000, false},
       {"inside the band nothing is corrected",
        {false, false, 0, 40'000},
@@ -42,7 +44,8 @@ TEST(Pacing, WaitsByIntervalAndAudio) {
       {"far behind waits 20 less", {false, false, 0, 40'000}, 40'000, 900'000, 20'000, 40'000, false},
       {"behind at 60 a second", {false, false, 0, 16'667}, 16'667, 900'000, 8'000, 16'667, false},
       {"after a pause the interval is the default", {true, false, 7, 0}, 90'000, 0, 16'667, 16'667, true},
-      {"a pause and a seek", {true, true, 7, 40'000}, 90'000, 10'000, 36'667, 16'667, true},
+      {"a pause keeps a known interval", {true, false, 7, 40'000}, 90'000, 0, 40'000, 40'000, true},
+      {"a pause and a seek", {true, true, 7, 0}, 90'000, 10'000, 36'667, 16'667, true},
   };
   for (const auto& c : cases) {
     Pacing pacing = c.before;
@@ -51,7 +54,91 @@ TEST(Pacing, WaitsByIntervalAndAudio) {
     EXPECT_EQ(step.resetTimer, c.resets) << c.what;
     EXPECT_EQ(pacing.frameIntervalUs, c.interval) << c.what;
     EXPECT_EQ(pacing.lastPositionUs, c.pts) << c.what;
-    EXPECT_FALSE(pacing.resetClock) << c.what;
+    EXPECT_FALSE(pacing.resetClock || pacing.firstFrame) << c.what;
+  }
+}
+
+TEST(Pacing, LeavesOutWhatIsTooLate) {
+  const struct {
+    std::int64_t behindUs;
+    bool nextWaits, leftOutBefore;
+    bool leavesOut;
+  } cases[] = {
+      {80'000, true, false, false},  {80'001, true, false, true},     {80'001, false, false, false},
+      {80'001, true, true, false},   {500'000, true, true, false},    {500'001, true, true, true},
+      {500'001, false, true, false}, {10'000'000, true, true, false},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(leavesOut(c.behindUs, c.nextWaits, c.leftOutBefore), c.leavesOut)
+        << c.behindUs << " us behind, next waits: " << c.nextWaits
+        << ", left out before: " << c.leftOutBefore;
+  }
+}
+
+/// Pictures on a screen that holds each up to its next refresh, and a sound that goes its way.
+struct Showing {
+  int shown = 0;
+  int mostInARow = 0;              ///< left out
+  std::int64_t behindAtEndUs = 0;  ///< the sound, or the time that passed
+};
+
+Showing show(int pictures, int perSecond, int refreshes, std::int64_t soundAheadUs, bool heard) {
+  test::TurnedClock clock;
+  Pacer pacer(clock);
+  SoundClock sound;
+  const Clock::Time begun = clock.now();
+  const auto elapsedUs = [&] {
+    return std::chrono::duration_cast<std::chrono::microseconds>(clock.now() - begun).count();
+  };
+  Showing result;
+  int inARow = 0;
+  for (int n = 0; n < pictures; ++n) {
+    const std::int64_t soundUs = 1'000'000 + soundAheadUs + elapsedUs();
+    if (heard) sound.wrote(0, soundUs + 500'000, 500'000, clock.now());
+    const std::int64_t ptsUs = 1'000'000 + std::int64_t{n} * 1'000'000 / perSecond;
+    const auto due = pacer.due(ptsUs, sound, true);
+    if (!due) {
+      result.mostInARow = std::max(result.mostInARow, ++inARow);
+      continue;
+    }
+    inARow = 0;
+    clock.sleepUntil(*due);
+    const Clock::Time presentBegun = clock.now();
+    const std::int64_t refreshUs = 1'000'000 / refreshes;
+    clock.sleepFor(std::chrono::microseconds(refreshUs - elapsedUs() % refreshUs));
+    pacer.presented(presentBegun);
+    ++result.shown;
+    result.behindAtEndUs = 1'000'000 + soundAheadUs + elapsedUs() - ptsUs;
+  }
+  return result;
+}
+
+TEST(Pacer, KeepsUpWithTheSoundOnAScreenThatRefreshesSlowly) {
+  const struct {
+    const char* what;
+    int perSecond, refreshes;
+    std::int64_t soundAheadUs;
+    bool heard;
+    int fewestShown, mostShown;  ///< of ten seconds
+    int mostInARow;
+    std::int64_t mostBehindUs;
+  } cases[] = {
+      {"24 on 60", 24, 60, 0, true, 240, 240, 0, 30'000},
+      {"24 on 60 without sound", 24, 60, 0, false, 240, 240, 0, 50'000},
+      {"60 on 60", 60, 60, 0, true, 600, 600, 0, 80'000},
+      {"60 on 60, and the sound is 0.4 s ahead", 60, 60, 400'000, true, 575, 585, 1, 100'000},
+      {"60 on 60, and the sound is 0.7 s ahead", 60, 60, 700'000, true, 555, 570, 13, 100'000},
+      {"60 on 50", 60, 50, 0, true, 495, 510, 1, 100'000},
+      {"60 on 50 without sound", 60, 50, 0, false, 495, 510, 1, 120'000},
+      {"10 on 60", 10, 60, 0, true, 100, 100, 0, 30'000},
+  };
+  for (const auto& c : cases) {
+    const Showing result = show(10 * c.perSecond, c.perSecond, c.refreshes, c.soundAheadUs, c.heard);
+    EXPECT_GE(result.shown, c.fewestShown) << c.what;
+    EXPECT_LE(result.shown, c.mostShown) << c.what;
+    EXPECT_LE(result.mostInARow, c.mostInARow) << c.what;
+    EXPECT_LE(result.behindAtEndUs, c.mostBehindUs) << c.what;
+    EXPECT_GE(result.behindAtEndUs, -20'000) << c.what;
   }
 }
 

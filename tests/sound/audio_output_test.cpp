@@ -2,129 +2,26 @@
 
 #include <chrono>
 #include <cstring>
-#include <dlfcn.h>
-#include <fstream>
 #include <thread>
 
 #include <gmock/gmock.h>
 
+#include "base/background_job.h"
 #include "base/process_flags.h"
 #include "media/handles.h"
 #include "state/state_store.h"
-#include "support/temp_folder.h"
+#include "support/fake_device.h"
+#include "support/parameters.h"
 
 namespace tavek {
 namespace {
 
 using namespace std::chrono;
-using testing::ElementsAre;
-
-/// Stands before ALSA's null device: scripts what a device would say, and keeps what it would hear.
-struct ScriptedDevice {
-  int card = -1;                      ///< its ELD files are those of device 0
-  unsigned mostChannels = 6;          ///< more are refused
-  std::vector<unsigned> positions{};  ///< the device's channel map, or none
-  std::size_t refusedOpens = 0;       ///< so many attempts fail with refusal
-  int refusal = -EACCES;
-  long writeResult = 0;       ///< negative: every write fails with it
-  int startsAfter = 1 << 30;  ///< writes
-  std::vector<std::string> opened{};
-  unsigned channels = 0, rate = 0;
-  std::vector<std::int16_t> heard{};
-  int writes = 0;
-} device;
 
 /// Nothing is kept under the empty key, so no file is touched.
-StateStore store{""};
-
-/// A new device with this ELD file.
-void plugIn(ScriptedDevice scripted, const char* eld = "") {
-  static const test::TempFolder folder;
-  std::filesystem::create_directories(folder.path() / "card0");
-  std::ofstream(folder.path() / "card0" / "eld#0.0") << eld;
-  std::ofstream(folder.path() / "asound.conf") << "pcm.!default { type null }\n";
-  setenv("ALSA_CONFIG_PATH", (folder.path() / "asound.conf").c_str(), 1);
-  setenv("TAVEK_PROC_ASOUND", folder.path().c_str(), 1);
-  device = std::move(scripted);
-}
-
-template <typename Function>
-Function* real(Function* /*type*/, const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
-
-// The program's own definitions win over those of the shared library.
-extern "C" {
-int snd_pcm_open(snd_pcm_t** pcm, const char* name, snd_pcm_stream_t stream, int mode) {
-  device.opened.emplace_back(name);
-  if (device.opened.size() <= device.refusedOpens) return device.refusal;
-  return real(snd_pcm_open, "snd_pcm_open")(pcm, "default", stream, mode);
-}
-int snd_pcm_info_get_card(const snd_pcm_info_t*) {
-  return device.card;
-}
-int snd_pcm_set_params(snd_pcm_t* pcm, snd_pcm_format_t format, snd_pcm_access_t access, unsigned channels,
-                       unsigned rate, int resample, unsigned latency) {
-  if (channels > device.mostChannels) return -EINVAL;
-  device.channels = channels;
-  device.rate = rate;
-  return real(snd_pcm_set_params, "snd_pcm_set_params")(pcm, format, access, channels, rate, resample,
-                                                        latency);
-}
-snd_pcm_state_t snd_pcm_state(snd_pcm_t* pcm) {
-  return device.writes >= device.startsAfter ? SND_PCM_STATE_RUNNING
-                                             : real(snd_pcm_state, "snd_pcm_state")(pcm);
-}
-snd_pcm_chmap_t* snd_pcm_get_chmap(snd_pcm_t*) {
-  auto* map = static_cast<unsigned*>(std::calloc(device.positions.size() + 1, sizeof(unsigned)));
-  map[0] = static_cast<unsigned>(device.positions.size());
-  std::ranges::copy(device.positions, map + 1);
-  return reinterpret_cast<snd_pcm_chmap_t*>(map);
-}
-snd_pcm_sframes_t snd_pcm_writei(snd_pcm_t* pcm, const void* buffer, snd_pcm_uframes_t frames) {
-  ++device.writes;
-  if (device.writeResult < 0) return device.writeResult;
-  const auto* samples = static_cast<const std::int16_t*>(buffer);
-  device.heard.insert(device.heard.end(), samples, samples + frames * device.channels);
-  return real(snd_pcm_writei, "snd_pcm_writei")(pcm, buffer, frames);
-}
-}
-
-constexpr const char* noMonitor = "monitor_present 0\n";
-constexpr const char* stereoSink = "monitor_present 1\nsad0_channels 2\n";
-constexpr const char* quadSink = "monitor_present 1\nsad0_channels 4\n";
-constexpr const char* surroundSink = "monitor_present 1\nsad0_channels 8\n";
-
-using Parameters =
-    std::unique_ptr<AVCodecParameters, decltype([](auto* old) { avcodec_parameters_free(&old); })>;
-
-Parameters parametersOf(const char* layout, AVSampleFormat format = AV_SAMPLE_FMT_S16, int rate = 48000) {
-  Parameters parameters(avcodec_parameters_alloc());
-  av_channel_layout_from_string(&parameters->ch_layout, layout);
-  parameters->format = format;
-  parameters->sample_rate = rate;
-  return parameters;
-}
-
-/// 20 ms in which channel c stands still at 5000 x (c + 1).
-ffmpeg::FramePtr frameOf(const AVCodecParameters& parameters) {
-  auto frame = ffmpeg::makeFrame();
-  frame->format = parameters.format;
-  frame->sample_rate = parameters.sample_rate;
-  frame->nb_samples = parameters.sample_rate / 50;
-  av_channel_layout_copy(&frame->ch_layout, &parameters.ch_layout);
-  av_frame_get_buffer(frame.get(), 0);
-  const int channels = parameters.ch_layout.nb_channels;
-  const int size = av_get_bytes_per_sample(static_cast<AVSampleFormat>(parameters.format));
-  for (int i = 0; i < frame->nb_samples * channels; ++i) {
-    const auto whole = static_cast<std::int16_t>(5000 * (i % channels + 1));
-    const float real = static_cast<float>(5000 * (i % channels + 1)) / 32768.0F;
-    auto* place = parameters.format == AV_SAMPLE_FMT_FLTP
-                      ? frame->extended_data[i % channels] + i / channels * size
-                      : frame->extended_data[0] + i * size;
-    std::memcpy(place, size == 2 ? static_cast<const void*>(&whole) : &real, static_cast<std::size_t>(size));
-  }
-  return frame;
+StateStore& store() {
+  static StateStore kept("");
+  return kept;
 }
 
 milliseconds timeOf(const auto& action) {
@@ -133,117 +30,209 @@ milliseconds timeOf(const auto& action) {
   return duration_cast<milliseconds>(steady_clock::now() - start);
 }
 
-TEST(AudioOutput, ChannelsAreAgreedWithSinkAndDevice) {
-  using Row = std::tuple<const char*, int, unsigned, unsigned, unsigned>;
-  for (const auto& [eld, card, mostChannels, inSurround, inAuto] :
-       {Row{surroundSink, 0, 6, 6, 6}, Row{quadSink, 0, 6, 6, 2}, Row{stereoSink, 0, 6, 2, 2},
-        Row{noMonitor, 0, 6, 6, 6}, Row{noMonitor, 0, 4, 2, 2}, Row{surroundSink, -1, 6, 2, 2}}) {
-    for (const auto& [mode, channels] :
-         {std::pair{SoundMode::Surround, inSurround}, std::pair{SoundMode::Auto, inAuto},
-          std::pair{SoundMode::Stereo, 2U}}) {
-      plugIn({.card = card, .mostChannels = mostChannels}, eld);
-      const AudioOutput output(parametersOf("5.1").get(), "", mode, store.parts());
-      EXPECT_EQ(device.channels, channels)
-          << static_cast<int>(mode) << " " << card << " " << mostChannels << eld;
-    }
-  }
+bool soon(const auto& question) {
+  for (const auto end = steady_clock::now() + 10s; !question() && steady_clock::now() < end;)
+    std::this_thread::sleep_for(1ms);
+  return question();
 }
 
-TEST(AudioOutput, TheDeviceHearsTheSourceAtItsRateInItsOrder) {
+class AudioOutputTest : public testing::Test {
+ protected:
+  std::unique_ptr<AudioOutput> open(const AVCodecParameters* parameters,
+                                    SoundMode mode = SoundMode::Surround) {
+    return std::make_unique<AudioOutput>(parameters, "", mode, store().parts(), sound.factory(),
+                                         steadyClock());
+  }
+  /// Blocks of 20 ms whose samples all have one value; the first sets the volume, so that it plays at 32760.
+  void write(AudioOutput& output, int blocks, int value = 16000) {
+    for (int i = 0; i < blocks; ++i) output.write(test::frameOf(*stereo, value).get());
+  }
+
+  const test::Parameters stereo = test::parametersOf("stereo");
+  test::FakeSound sound{steadyClock()};
+};
+
+TEST_F(AudioOutputTest, TheDeviceHearsTheSourceAtItsRate) {
   // After the first volume, which lifts the peak to 32760 but no further than 12 dB.
-  using Row = std::tuple<const char*, AVSampleFormat, int, std::vector<unsigned>, std::vector<int>>;
-  const std::vector<unsigned> cardOrder = {SND_CHMAP_FL, SND_CHMAP_FR, SND_CHMAP_RL,
-                                           SND_CHMAP_RR, SND_CHMAP_FC, SND_CHMAP_LFE};
-  for (const auto& [source, format, rate, positions, frame] :
-       {Row{"mono", AV_SAMPLE_FMT_S16, 44100, {}, {14075, 14075}},
-        {"stereo", AV_SAMPLE_FMT_FLTP, 44100, {SND_CHMAP_FR, SND_CHMAP_FL}, {32760, 16380}},
-        {"5.1", AV_SAMPLE_FMT_FLT, 48000, cardOrder, {5460, 10920, 27300, 32760, 16380, 21840}},
-        {"5.1(side)", AV_SAMPLE_FMT_FLTP, 44100, {}, {5460, 10920, 16380, 21840, 27300, 32760}},
-        {"7.1", AV_SAMPLE_FMT_FLTP, 48000, {}, {27119, 32760}}}) {
-    plugIn({.card = 0, .positions = positions}, surroundSink);
-    const auto parameters = parametersOf(source, format, rate);
-    const auto size = frame.size() * static_cast<std::size_t>(rate / 50);
-    AudioOutput output(parameters.get(), "", SoundMode::Surround, store.parts());
-    output.write(frameOf(*parameters).get());
-    EXPECT_EQ(device.rate, static_cast<unsigned>(rate));
-    ASSERT_EQ(device.heard.size(), size) << source;
-    for (std::size_t i = 0; i < size; ++i) {
-      ASSERT_NEAR(device.heard[i], frame[i % frame.size()], 4) << source << " sample " << i;
-    }
-    output.write(frameOf(*parametersOf("3.0", AV_SAMPLE_FMT_FLTP, rate)).get());
-    EXPECT_EQ(device.heard.size(), 2 * size) << "a decoder may change its mind";
-  }
-}
-
-TEST(AudioOutput, DevicesAreTriedInOrderAndABusyOneIsAskedFiveTimes) {
-  const Parameters nameless(avcodec_parameters_alloc());
-  plugIn({.refusedOpens = 5, .refusal = -EBUSY});
-  EXPECT_GE(timeOf([&] { AudioOutput(nameless.get(), "", SoundMode::Auto, store.parts()); }), 480ms);
-  EXPECT_THAT(device.opened, ElementsAre("default", "default", "default", "default", "default", "dmix"));
-  EXPECT_EQ(device.rate, 48000U);
-
-  plugIn({.refusedOpens = 4});
-  EXPECT_THAT(
-      [&] { AudioOutput(nameless.get(), "", SoundMode::Surround, store.parts()); },
-      testing::ThrowsMessage<std::runtime_error>("AudioOutput: snd_pcm_open failed (Permission denied)"));
-  EXPECT_THAT(device.opened, ElementsAre("default", "dmix", "plug:default", "plughw:0,0"));
-}
-
-TEST(AudioOutput, AnItemWithoutADeviceKeepsItsPace) {
-  plugIn({});
-  const auto parameters = parametersOf("stereo");
-  AudioOutput output(parameters.get(), "", SoundMode::Surround, store.parts());
-  const auto frame = frameOf(*parameters);
-  const auto fiveBlocks = [&] {
-    for (int i = 0; i < 5; ++i) output.write(frame.get());
+  const struct {
+    const char* layout;
+    AVSampleFormat format;
+    int rate;
+    SoundMode mode;
+    int mostChannels;
+    std::vector<int> frame;
+  } cases[] = {
+      {"mono", AV_SAMPLE_FMT_S16, 44100, SoundMode::Surround, 6, {14075, 14075}},
+      {"5.1", AV_SAMPLE_FMT_FLT, 48000, SoundMode::Surround, 6, {5460, 10920, 16380, 21840, 27300, 32760}},
+      {"5.1(side)", AV_SAMPLE_FMT_FLTP, 44100, SoundMode::Auto, 6, {5460, 10920, 16380, 21840, 27300, 32760}},
+      {"7.1", AV_SAMPLE_FMT_FLTP, 48000, SoundMode::Surround, 6, {27119, 32760}},
+      {"5.1", AV_SAMPLE_FMT_FLTP, 48000, SoundMode::Stereo, 6, {26074, 32760}},
+      {"5.1", AV_SAMPLE_FMT_FLTP, 48000, SoundMode::Surround, 2, {26074, 32760}},
   };
-  for (const long failure : {-ENODEV, -EPIPE, 0}) {
-    device.writeResult = failure;
-    if (failure == 0) output.close();
-    EXPECT_THAT(timeOf(fiveBlocks), testing::AllOf(testing::Ge(95ms), testing::Lt(500ms))) << failure;
+  for (const auto& c : cases) {
+    test::FakeSound own(steadyClock());
+    own.setMostChannels(c.mostChannels);
+    const auto parameters = test::parametersOf(c.layout, c.format, c.rate);
+    const auto frames = static_cast<std::size_t>(c.rate / 50);
+    {
+      AudioOutput output(parameters.get(), "", c.mode, store().parts(), own.factory(), steadyClock());
+      output.write(test::channelSteps(*parameters).get());
+      output.write(test::channelSteps(*test::parametersOf("3.0", AV_SAMPLE_FMT_FLTP, c.rate)).get());
+    }
+    EXPECT_EQ(own.wish().rate, c.rate);
+    EXPECT_EQ(own.wish().strict, c.mode == SoundMode::Auto);
+    const auto heard = own.heard();
+    ASSERT_EQ(heard.size(), 2 * frames * c.frame.size()) << c.layout << ": a decoder may change its mind";
+    for (std::size_t i = 0; i < frames * c.frame.size(); ++i) {
+      ASSERT_NEAR(heard[i], c.frame[i % c.frame.size()], 4) << c.layout << " sample " << i;
+    }
   }
-  EXPECT_LT(device.writes, 500) << "a device that only claims to recover is left alone";
-  stopSignalled = true;
-  EXPECT_LT(timeOf(fiveBlocks), 50ms);
-  stopSignalled = false;
 }
 
-TEST(AudioOutput, AReopenedDeviceMayHaveFewerChannels) {
-  plugIn({.card = 0}, surroundSink);
-  const auto parameters = parametersOf("5.1", AV_SAMPLE_FMT_FLTP);
-  AudioOutput output(parameters.get(), "", SoundMode::Surround, store.parts());
-  output.close();
-  plugIn({.refusedOpens = 4});
-  EXPECT_FALSE(output.reopen());
-  EXPECT_TRUE(output.reopen());
-  output.write(frameOf(*parameters).get());
-  EXPECT_EQ(device.heard.size(), 2 * 960U);
+TEST_F(AudioOutputTest, NoDevicePlaysSomeRates) {
+  for (const int rate : {1, 3999, 768'001}) {
+    EXPECT_THROW(open(test::parametersOf("stereo", AV_SAMPLE_FMT_S16, rate).get()), std::runtime_error)
+        << rate;
+  }
+  for (const int rate : {0, 4000, 768'000}) {
+    EXPECT_NO_THROW(open(test::parametersOf("stereo", AV_SAMPLE_FMT_S16, rate).get())) << rate;
+  }
+  EXPECT_THROW(open(nullptr), std::runtime_error);
 }
 
-TEST(AudioOutput, TheMainThreadMayDoAnythingWhileTheAudioThreadWrites) {
-  plugIn({});
-  const auto parameters = parametersOf("5.1", AV_SAMPLE_FMT_FLTP);
-  AudioOutput output(parameters.get(), "", SoundMode::Surround, store.parts());
-  const auto frame = frameOf(*parameters);
-  output.write(frame.get());
-  EXPECT_EQ(output.delayUs(), 20000) << "it has not started yet";
-  output.flush();
-  EXPECT_EQ(output.delayUs(), 0);
-  device.startsAfter = device.writes + 25;
-  for (int i = 0; i < 30; ++i) output.write(frame.get());
-  EXPECT_NEAR(double(output.delayUs()), 500000, 30000) << "none plays faster than time goes by";
-  output.flush();
-  std::thread audio([&] {
-    for (int i = 0; i < 300; ++i) output.write(frame.get());
+/// What the device held when a pause came is heard after it; after a seek it is not.
+TEST_F(AudioOutputTest, APauseLosesNoSoundAndASeekLeavesNone) {
+  for (const bool seek : {false, true}) {
+    test::FakeSound own(steadyClock());
+    std::size_t before = 0;
+    {
+      AudioOutput output(stereo.get(), "", SoundMode::Surround, store().parts(), own.factory(),
+                         steadyClock());
+      write(output, 20, 16000);
+      EXPECT_TRUE(soon([&] { return output.heard() && own.heard().size() > 4800; }));
+      output.hold();
+      EXPECT_TRUE(soon([&] {
+        const auto heard = own.heard().size();
+        std::this_thread::sleep_for(30ms);
+        before = own.heard().size();
+        return heard == before;
+      })) << "the device falls silent at once";
+      EXPECT_LT(before, 30'000U);
+      EXPECT_NEAR(double(output.delayUs()), 400'000 - double(before) / 0.096, 3000);
+      if (seek) output.flush();
+      EXPECT_NEAR(double(output.delayUs()), seek ? 0 : 400'000 - double(before) / 0.096, 3000);
+      output.resume();
+      write(output, 1, -16000);
+    }
+    const auto heard = own.heard();
+    const auto old = static_cast<std::size_t>(std::ranges::count(heard, 32760));
+    EXPECT_EQ(heard.size() - old, 1920U);
+    if (seek) {
+      EXPECT_EQ(old, before);
+    } else {
+      EXPECT_NEAR(double(old), 20 * 1920, 200);
+    }
+  }
+}
+
+/// Whatever a device does, an item keeps its pace, and what comes back is heard again.
+void expectPaceWith(const test::FakeSound::Faults& fault, const std::string& what) {
+  const auto stereo = test::parametersOf("stereo");
+  const auto frame = test::frameOf(*stereo, 16000);
+  test::FakeSound sound(steadyClock());
+  auto output = std::make_unique<AudioOutput>(stereo.get(), "", SoundMode::Surround, store().parts(),
+                                              sound.factory(), steadyClock());
+  const auto write = [&](int blocks) {
+    while (blocks-- > 0) output->write(frame.get());
+  };
+  write(2);
+  EXPECT_TRUE(soon([&] { return output->heard(); })) << what;
+  sound.fail(fault);
+  // Two seconds until it counts as gone, and half a second that was queued.
+  write(150);
+  EXPECT_TRUE(fault.refuses || !output->heard()) << what;
+  EXPECT_THAT(timeOf([&] { write(10); }), testing::AllOf(testing::Ge(150ms), testing::Lt(400ms))) << what;
+  const auto quick = timeOf([&] {
+    output->hold();
+    output->flush();
+    output->close();
+    output->reopen();
+    output->adjustVolume(-1);
+    EXPECT_GE(output->delayUs(), 0);
   });
+  EXPECT_LT(quick, 50ms) << what;
+  sound.fail({});
+  output->resume();
+  EXPECT_TRUE(soon([&] {
+    write(5);
+    return output->heard();
+  })) << what;
+  sound.fail(fault);
+  EXPECT_LT(timeOf([&] { output.reset(); }), 1200ms) << what;
+  sound.fail({});
+  EXPECT_TRUE(soon([] { return joinLeftThreads(0ms); })) << what;
+}
+
+TEST_F(AudioOutputTest, AnItemKeepsItsPaceWithoutADevice) {
+  // All at once, since each takes its time.
+  std::thread threads[] = {
+      std::thread([] { expectPaceWith({.refuses = true}, "refuses"); }),
+      std::thread([] { expectPaceWith({.gone = true}, "gone"); }),
+      std::thread([] { expectPaceWith({.hangs = true}, "hangs"); }),
+      std::thread([] { expectPaceWith({.standsStill = true}, "stands still"); }),
+  };
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST_F(AudioOutputTest, TheEndWaitsForWhatIsHeardAndForNothingElse) {
+  auto playing = open(stereo.get());
+  write(*playing, 10);
+  playing.reset();
+  EXPECT_EQ(sound.heard().size(), 10 * 1920U) << "it plays what it holds";
+
+  auto hanging = open(stereo.get());
+  write(*hanging, 10);
+  sound.fail({.hangs = true});
+  std::thread audio([&] { write(*hanging, 500); });
+  std::this_thread::sleep_for(50ms);
+  hanging->interrupt();
+  EXPECT_LT(timeOf([&] { audio.join(); }), 200ms) << "a write that waits ends too";
+  stopSignalled = true;
+  EXPECT_LT(timeOf([&] { hanging.reset(); }), 300ms);
+  stopSignalled = false;
+  sound.fail({});
+  EXPECT_TRUE(joinLeftThreads(5000ms));
+}
+
+TEST_F(AudioOutputTest, ADeviceThatComesBackMayHaveFewerChannels) {
+  const auto parameters = test::parametersOf("5.1", AV_SAMPLE_FMT_FLTP);
+  auto output = open(parameters.get());
+  output->write(test::channelSteps(*parameters).get());
+  output->close();
+  sound.setMostChannels(2);
+  output->reopen();
+  output->write(test::channelSteps(*parameters).get());
+  output.reset();
+  EXPECT_EQ(sound.timesOpened(), 2);
+  EXPECT_EQ(sound.heard().back(), sound.heard()[sound.heard().size() - 3]) << "frames of two";
+}
+
+TEST_F(AudioOutputTest, TheMainThreadMayDoAnythingWhileTheAudioThreadWrites) {
+  auto output = open(stereo.get());
+  std::thread audio([&] { write(*output, 50); });
   for (int i = 0; i < 100; ++i) {
-    output.adjustVolume(i % 3 == 0 ? 1 : -1);
-    EXPECT_LE(output.volumeDb(), output.volumeCeilingDb() + 1e-9);
-    EXPECT_LE(output.delayUs(), 510000);
-    output.flush();
-    if (i % 10 == 0) output.close();
-    EXPECT_TRUE(output.reopen());
+    output->adjustVolume(i % 3 == 0 ? 1 : -1);
+    EXPECT_LE(output->volumeDb(), output->volumeCeilingDb() + 1e-9);
+    EXPECT_LE(output->delayUs(), 700'000);
+    if (i % 7 == 0) output->flush();
+    if (i % 10 == 0) output->hold();
+    if (i % 10 == 5) output->resume();
+    if (i % 20 == 0) output->close();
+    if (i % 20 == 3) output->reopen();
+    std::this_thread::sleep_for(2ms);
   }
+  output->resume();
+  output->reopen();
   audio.join();
 }
 

@@ -115,7 +115,7 @@ TEST(StoredState, Migrates) {
 }
 
 std::string sample(const char* name) {
-  return contentOf(std::filesystem::path(__FILE__).parent_path() / "../fuzz/corpus" / name);
+  return contentOf(std::filesystem::path(TAVEK_SAMPLES) / name);
 }
 
 TEST(StoredState, KeepsItsLayoutAndEveryName) {

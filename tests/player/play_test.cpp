@@ -1,0 +1,321 @@
+#include "player/play.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "rig/media.h"
+#include "state/state_store.h"
+#include "support/fake_device.h"
+#include "support/temp_folder.h"
+#include "support/turned_clock.h"
+
+extern "C" {
+#include <libavutil/log.h>
+}
+
+namespace tavek {
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using SteadyClock = std::chrono::steady_clock;
+
+/// Nothing is kept without a file.
+const Stored& stored() {
+  static StateStore store{""};
+  static const Stored parts = store.parts();
+  return parts;
+}
+
+std::string clip(const std::string& words, const std::string& extension) {
+  const std::filesystem::path folder = TAVEK_TEST_MEDIA;
+  std::filesystem::create_directories(folder);
+  return rig::makeFile(words, extension, folder).string();
+}
+
+std::string film(const std::string& rate, const std::string& length, const std::string& sound = "") {
+  return clip("-f lavfi -i testsrc=s=16x16:r=" + rate + ":d=" + length + sound + " -c:v ffv1 -g 10 OUT",
+              "mkv");
+}
+
+/// FFmpeg's complaints about the damage would hide the test's own.
+const bool quiet = (av_log_set_level(AV_LOG_QUIET), true);
+
+std::string withSound(const std::string& pictures, const std::string& sound) {
+  return film("24", pictures, " -f lavfi -i sine=d=" + sound + " -c:a pcm_s16le");
+}
+
+/// What an item's sound meets.
+enum class Sound { None, Unheard, Heard };
+
+/// A card that is there, or is not.
+struct Card : test::FakeSound {
+  Card(Clock& clock, bool present) : FakeSound(clock) { fail({.refuses = !present}); }
+};
+
+/// An item on a clock that stands until the player sleeps. The sound's threads get some real time each time.
+struct Sitting {
+  explicit Sitting(const std::string& path, Sound sound = Sound::None)
+      : clock(microseconds(sound == Sound::None ? 0 : 2000)),
+        card(clock, sound == Sound::Heard),
+        play({path, {}, SoundMode::Stereo}, {clock, stored(), card.factory()}) {
+    const auto limit = SteadyClock::now() + seconds(10);
+    while (play.opening() == Play::Opening::Underway && SteadyClock::now() < limit) {
+      std::this_thread::sleep_for(microseconds(50));
+    }
+  }
+
+  /// Goes round for so long on the clock, or to the end. What was seen adds up.
+  Play::Turn run(microseconds span) {
+    const auto begun = clock.now();
+    Play::Turn turn = Play::Turn::Wait;
+    while (turn != Play::Turn::Ended && clock.now() - begun < span) {
+      const auto before = clock.now();
+      turn = play.nextTurn();
+      longestTurn = std::max(longestTurn, std::chrono::duration_cast<microseconds>(clock.now() - before));
+      if (turn != Play::Turn::Picture) continue;
+      ++pictures;
+      play.presented();
+    }
+    playedSeconds += std::chrono::duration<double>(clock.now() - begun).count();
+    return turn;
+  }
+
+  /// What a worker or the opening said.
+  std::string failure() const try {
+    if (play.error()) std::rethrow_exception(play.error());
+    return "";
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+
+  test::TurnedClock clock;
+  Card card;
+  Play play;
+  int pictures = 0;
+  double playedSeconds = 0;
+  microseconds longestTurn{0};
+};
+
+TEST(Play, TakesItsTimeToTheEnd) {
+  const std::string song = clip("-f lavfi -i sine=d=3 OUT", "flac");
+  const struct {
+    const char* what;
+    std::string path;
+    Sound sound;
+    int pictures;
+    double seconds;
+  } cases[] = {
+      {"24 pictures a second", film("24", "2"), Sound::None, 48, 1.96},
+      {"5 pictures a second", film("5", "3"), Sound::None, 15, 2.8},
+      {"60 pictures a second", film("60", "2"), Sound::None, 120, 1.98},
+      {"a film of one picture", film("24", "0.04"), Sound::None, 1, 0},
+      {"a recording that starts at 5,000 s",
+       clip("-f lavfi -i testsrc=s=64x64:r=25:d=2 -c:v mpeg2video -output_ts_offset 5000 OUT", "ts"),
+       Sound::None, 50, 1.96},
+      {"film and sound", withSound("2", "2"), Sound::Heard, 48, 2.0},
+      {"film and sound without a device", withSound("2", "2"), Sound::Unheard, 48, 2.0},
+      {"sound that outlasts the pictures", withSound("1", "3"), Sound::Heard, 24, 3.0},
+      {"pictures that outlast the sound", withSound("3", "1"), Sound::Heard, 72, 2.96},
+      {"a sound that no device plays",
+       clip("-f lavfi -i testsrc=s=16x16:r=24:d=1 -f lavfi -i sine=d=1 -c:v ffv1 -c:a pcm_s16le -ar 1 OUT",
+            "avi"),
+       Sound::Heard, 24, 0.96},
+      {"a cover",
+       clip("-f lavfi -i sine=d=2 -f lavfi -i color=s=16x16:d=1:r=1 -c:v png -disposition:v:0 attached_pic "
+            "OUT",
+            "mp4"),
+       Sound::Heard, 1, 2.0},
+      {"a song", song, Sound::Heard, 1, 3.0},
+      {"a song without a device", song, Sound::Unheard, 1, 3.0},
+  };
+  for (const auto& c : cases) {
+    Sitting sitting(c.path, c.sound);
+    ASSERT_EQ(sitting.play.opening(), Play::Opening::Open) << c.what;
+    sitting.play.start(0);
+    EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended) << c.what;
+    EXPECT_EQ(sitting.pictures, c.pictures) << c.what;
+    EXPECT_NEAR(sitting.playedSeconds, c.seconds, c.sound == Sound::None ? 0.05 : 0.3) << c.what;
+    EXPECT_NEAR(static_cast<double>(sitting.play.positionUs()), c.seconds * 1e6, 100'000) << c.what;
+    EXPECT_LE(sitting.longestTurn, milliseconds(50)) << c.what;
+    EXPECT_EQ(sitting.play.heardUs(), 0) << c.what;
+    EXPECT_EQ(sitting.play.error(), nullptr) << c.what;
+  }
+}
+
+TEST(Play, APauseLeavesThePaceAlone) {
+  const struct {
+    const char* what;
+    std::string path;
+    Sound sound;
+    std::int64_t heardFromUs, heardToUs;
+  } cases[] = {
+      {"no sound", film("24", "3"), Sound::None, 0, 0},
+      {"sound without a device", withSound("3", "3"), Sound::Unheard, 0, 0},
+      {"sound", withSound("3", "3"), Sound::Heard, 800'000, 1'050'000},
+      {"sound that has ended", withSound("3", "0.5"), Sound::Heard, 0, 0},
+      {"a song", clip("-f lavfi -i sine=d=3 OUT", "flac"), Sound::Heard, 800'000, 1'050'000},
+  };
+  for (const auto& c : cases) {
+    Sitting sitting(c.path, c.sound);
+    sitting.play.start(0);
+    sitting.run(seconds(1));
+    sitting.play.pause();
+    for (int i = 0; i < 40; ++i) sitting.clock.turn(milliseconds(50));
+    EXPECT_GE(sitting.play.heardUs(), c.heardFromUs) << c.what;
+    EXPECT_LE(sitting.play.heardUs(), c.heardToUs) << c.what;
+    sitting.play.resume();
+    EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended) << c.what;
+    EXPECT_NEAR(sitting.playedSeconds, 3.0, c.sound == Sound::None ? 0.06 : 0.3) << c.what;
+  }
+}
+
+TEST(Play, GoesOnWhenTheDeviceGoes) {
+  Sitting sitting(withSound("3", "3"), Sound::Heard);
+  sitting.play.start(0);
+  sitting.run(seconds(1));
+  EXPECT_GT(sitting.play.heardUs(), 800'000);
+  sitting.card.fail({.refuses = true, .gone = true});
+  sitting.run(milliseconds(900));
+  EXPECT_EQ(sitting.play.heardUs(), 0);
+  EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
+  EXPECT_NEAR(sitting.playedSeconds, 3.0, 0.3);
+  EXPECT_EQ(sitting.play.error(), nullptr);
+}
+
+TEST(Play, FreesItsDeviceInAPauseAndLosesNoSound) {
+  Sitting sitting(withSound("3", "3"), Sound::Heard);
+  sitting.play.start(0);
+  sitting.run(seconds(1));
+  sitting.play.pause();
+  sitting.play.freeSoundDevice();
+  for (int i = 0; i < 20; ++i) sitting.clock.turn(milliseconds(50));
+  sitting.play.takeSoundDevice();
+  sitting.play.resume();
+  EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
+  EXPECT_EQ(sitting.card.timesOpened(), 2);
+  EXPECT_NEAR(sitting.playedSeconds, 3.0, 0.3);
+  constexpr double samples = 3.0 * 44100 * 2;
+  EXPECT_NEAR(static_cast<double>(sitting.card.heard().size()), samples, samples / 20);
+}
+
+TEST(Play, SeeksAnywhereAndPlaysOnToTheEnd) {
+  Sitting sitting(film("24", "2"));
+  sitting.play.start(1'000'000);
+  for (const std::int64_t target : {1'900'000, 0, 1'999'999, 1'200'000, 1'990'000}) {
+    sitting.play.requestSeek(target);
+    EXPECT_EQ(sitting.play.positionUs(), target);
+    EXPECT_EQ(sitting.run(milliseconds(60)), Play::Turn::Picture) << target;
+    // The key frame before the target is at most ten pictures away.
+    EXPECT_NEAR(static_cast<double>(sitting.play.positionUs()), static_cast<double>(target), 450'000)
+        << target;
+  }
+  // The end is met, and its place is still good for a seek.
+  EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
+  sitting.play.requestSeek(0);
+  EXPECT_EQ(sitting.run(milliseconds(60)), Play::Turn::Picture);
+  EXPECT_LT(sitting.play.positionUs(), 100'000);
+}
+
+/// Fourteen seconds in which these pictures cannot be decoded.
+std::string damagedFilm(const std::filesystem::path& folder, int first, int last) {
+  std::ifstream whole(clip("-f lavfi -i testsrc=s=16x16:r=24:d=14 -c:v magicyuv OUT", "mkv"),
+                      std::ios::binary);
+  std::string bytes(std::istreambuf_iterator<char>(whole), {});
+  // Each picture begins with the word, and so does the header's name of the codec.
+  std::size_t at = 0;
+  for (int n = -1; (at = bytes.find("MAGY", at)) != std::string::npos; ++n, ++at) {
+    if (n >= first && n <= last) bytes[at] = '?';
+  }
+  const std::filesystem::path file = folder / (std::to_string(first) + ".mkv");
+  std::ofstream(file, std::ios::binary) << bytes;
+  return file.string();
+}
+
+TEST(Play, GetsOverDamage) {
+  const test::TempFolder folder;
+  const struct {
+    const char* what;
+    std::string path;
+    int fewestPictures, mostPictures;
+    std::string error;
+  } cases[] = {
+      {"one picture", damagedFilm(folder.path(), 20, 20), 335, 335, ""},
+      {"nine seconds of pictures", damagedFilm(folder.path(), 48, 263), 120, 120, ""},
+      {"eleven seconds of pictures", damagedFilm(folder.path(), 47, 310), 0, 48,
+       "FFmpeg: Invalid data found when processing input"},
+      {"all", damagedFilm(folder.path(), 0, 335), 0, 0, "FFmpeg: Invalid data found when processing input"},
+  };
+  for (const auto& c : cases) {
+    Sitting sitting(c.path);
+    ASSERT_EQ(sitting.play.opening(), Play::Opening::Open) << c.what;
+    sitting.play.start(0);
+    EXPECT_EQ(sitting.run(seconds(60)), Play::Turn::Ended) << c.what;
+    EXPECT_GE(sitting.pictures, c.fewestPictures) << c.what;
+    EXPECT_LE(sitting.pictures, c.mostPictures) << c.what;
+    EXPECT_EQ(sitting.failure(), c.error) << c.what;
+  }
+}
+
+TEST(Play, FailsAsAnItem) {
+  const struct {
+    const char* what;
+    std::string path;
+    Play::Opening opening;
+  } cases[] = {
+      {"no file", "/none.mkv", Play::Opening::Failed},
+      {"no medium", "/etc/passwd", Play::Opening::Failed},
+      {"pixels that nothing converts",
+       clip("-f rawvideo -pix_fmt uyyvyy411 -s 16x16 -i /dev/zero -frames:v 9 -c copy -tag:v Y411 OUT",
+            "avi"),
+       Play::Opening::Open},
+  };
+  for (const auto& c : cases) {
+    Sitting sitting(c.path);
+    ASSERT_EQ(sitting.play.opening(), c.opening) << c.what;
+    if (c.opening == Play::Opening::Open) {
+      sitting.play.start(0);
+      EXPECT_EQ(sitting.run(seconds(10)), Play::Turn::Ended) << c.what;
+    }
+    EXPECT_NE(sitting.failure(), "") << c.what;
+  }
+}
+
+TEST(Play, MayBeLeftAtAnyMoment) {
+  const std::string path = film("24", "2");
+  const auto begun = SteadyClock::now();
+  for (int i = 0; i < 100; ++i) {
+    test::TurnedClock clock;
+    Card card(clock, false);
+    Play play({path, {}, SoundMode::Stereo}, {clock, stored(), card.factory()});
+    std::this_thread::sleep_for(microseconds(20 * i));
+    if (play.opening() != Play::Opening::Open) continue;
+    play.start(0);
+    for (int turn = 0; turn < i % 10; ++turn) play.nextTurn();
+    if (i % 2 == 0) play.requestSeek(1'000'000);
+  }
+  EXPECT_LT(SteadyClock::now() - begun, seconds(5));
+}
+
+TEST(Play, ASeekInAPauseShowsItsPicture) {
+  Sitting sitting(film("24", "2"));
+  sitting.play.start(0);
+  sitting.run(milliseconds(200));
+  sitting.play.pause();
+  EXPECT_FALSE(sitting.play.takeNewest());
+  const std::uint64_t before = sitting.play.pictureSerial();
+  sitting.play.requestSeek(1'250'000);
+  const auto limit = SteadyClock::now() + seconds(5);
+  while (!sitting.play.takeNewest() && SteadyClock::now() < limit) {
+    std::this_thread::sleep_for(microseconds(100));
+  }
+  EXPECT_GT(sitting.play.pictureSerial(), before);
+  EXPECT_EQ(sitting.play.positionUs(), 1'250'000);
+  EXPECT_FALSE(sitting.play.takeNewest()) << "one picture is enough for a place";
+}
+
+}  // namespace
+}  // namespace tavek
