@@ -27,11 +27,6 @@ using Clock = std::chrono::steady_clock;
 constexpr int screenful = 11;
 constexpr int posterHeight = 240;
 
-StateStore& store() {
-  static StateStore kept(stateFile());
-  return kept;
-}
-
 double milliseconds(const std::function<void()>& action) {
   const Clock::time_point begin = Clock::now();
   action();
@@ -180,8 +175,8 @@ void measurePasses(Display& display, const char* what, bool keys) {
   std::printf("\n");
 }
 
-void measureStrip(const char* room, const char* what) {
-  Display display(0, 0, 3840, 2160, Orientation::OrientationAuto, store().parts());
+void measureStrip(const Stored& stored, const char* room, const char* what) {
+  Display display(0, 0, 3840, 2160, Orientation::OrientationAuto, stored);
   if (!display.usable()) return;
   display.setVideoPlaying(false);
   display.selectRoomForPath(mediaRoot() / room);
@@ -205,14 +200,15 @@ int main() {
   setenv("SDL_RENDER_DRIVER", "software", 0);
   bench::makeLibrary(root);
   bench::measureListing();
+  StateStore store(stateFile());
   {
-    Display display(0, 0, 1920, 1080, Orientation::OrientationAuto, bench::store().parts());
+    Display display(0, 0, 1920, 1080, Orientation::OrientationAuto, store.parts());
     if (!display.usable()) return 1;
     bench::measureFirstScreen(display, "movies");
     bench::measureFirstScreen(display, "tv");
     bench::measureMemory(display);
   }
-  bench::measureStrip("movies", "4K, room of 10000");
-  bench::measureStrip("tv/Show 00000/Season 1", "4K, with a label");
+  bench::measureStrip(store.parts(), "movies", "4K, room of 10000");
+  bench::measureStrip(store.parts(), "tv/Show 00000/Season 1", "4K, with a label");
   return 0;
 }

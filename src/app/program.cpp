@@ -83,6 +83,13 @@ int play(const LaunchOptions& options, StateStore& state) {
   return status;
 }
 
+int runStored(LaunchOptions& options) {
+  StateStore state(stateFile());
+  const LastResort lastResort(state);
+  loadState(state, options);
+  return play(options, state);
+}
+
 }  // namespace
 
 int runProgram(int argc, const char* const* argv) {
@@ -97,10 +104,7 @@ int runProgram(int argc, const char* const* argv) {
   if (debugEnabled) std::filesystem::remove(stateFile(), ignored);
   tmdbConsoleEnabled = fanartConsoleEnabled = debugEnabled;
 
-  StateStore state(stateFile());
-  const LastResort lastResort(state);
-  loadState(state, line.options);
-  const int status = play(line.options, state);
+  const int status = runStored(line.options);
   // What hangs in a dead disk can't be joined, and must not be torn down under its feet.
   if (!joinLeftThreads(std::chrono::milliseconds(300))) std::_Exit(status);
   return status;

@@ -34,7 +34,7 @@ struct PlaybackFile {
 };
 
 /// From any text, as far as it can be found.
-PlaybackFile parsePlayback(const std::string& text);
+PlaybackFile parsePlayback(const std::string& whole);
 /// What of it has a value, rendered, in the order of the file.
 std::vector<JsonMember> playbackMembers(const PlaybackFile& playback);
 

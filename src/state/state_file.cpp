@@ -29,24 +29,17 @@ std::string damageOf(const std::string& text) {
 
 }  // namespace
 
-/// Under the lock, so that nobody sees the state of before.
-void StateFile::load() {
-  const auto memory = memory_.hold();
-  if (memory->loaded) return;
-  memory->loaded = true;
+bool StateFile::load() {
   const SmallFile file = readSmallFile(file_);
-  memory->state = memory->base = readStoredState(file.text, memory->unsaved);
+  bool changed = file.found == FileFound::Missing;
+  const auto memory = memory_.hold();
+  memory->state = memory->base = readStoredState(file.text, changed);
   memory->damaged = damageOf(file.text);
   if (file.found == FileFound::Read) memory->stamp = file.stamp;
-  if (file.found == FileFound::Missing) memory->unsaved = true;
-}
-
-bool StateFile::loadedUnsaved() {
-  return std::exchange(memory_.hold()->unsaved, false);
+  return changed;
 }
 
 bool StateFile::takeUp(bool& changed) {
-  load();
   const auto known = std::as_const(memory_).hold()->stamp;
   const SmallFile file = readSmallFile(file_, known);
   if (file.found != FileFound::Read) return file.found != FileFound::Unreadable;

@@ -13,15 +13,12 @@ class StateMemory {
   /// see(const StoredState&); nobody changes it meanwhile.
   template <typename See>
   auto look(See see) {
-    auto seen = file_.look(see);
-    if (file_.loadedUnsaved()) saves_.request(Save::AtRest);
-    return seen;
+    return file_.look(see);
   }
   /// apply(StoredState&); a save follows if it gives true.
   template <typename Apply>
   void change(Save when, Apply apply) {
     if (file_.change(apply)) saves_.request(when);
-    if (file_.loadedUnsaved()) saves_.request(Save::AtRest);
   }
   /// Takes up what was changed in the file from outside.
   void reread() {

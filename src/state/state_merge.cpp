@@ -18,6 +18,17 @@ void addMissing(std::vector<JsonMember>& theirs, const std::vector<JsonMember>& 
   }
 }
 
+/// Ours are the latest.
+void mergeWifiHistory(const StoredState& base, const StoredState& ours, StoredState& theirs) {
+  if (ours.wifiHistory == base.wifiHistory) return;
+  std::vector<std::string> history = ours.wifiHistory;
+  for (const std::string& name : theirs.wifiHistory) {
+    if (std::ranges::find(history, name) == history.end()) history.push_back(name);
+  }
+  if (history.size() > wifiHistoryLimit) history.resize(wifiHistoryLimit);
+  theirs.wifiHistory = std::move(history);
+}
+
 void mergeRoom(const RoomState& base, const RoomState& ours, RoomState& theirs, bool theirsIsWhole) {
   // A position means nothing without what it is of.
   if (ours.playing != base.playing || ours.seek != base.seek) {
@@ -41,6 +52,15 @@ void mergeProfile(const UserProfile& base, const UserProfile& ours, UserProfile&
   if (!theirsIsWhole) addMissing(theirs.unknown, ours.unknown);
 }
 
+/// A room that was only made ready for a user is no change.
+bool isChanged(const UserProfile& base, const UserProfile& ours) {
+  bool changed = ours.mode != base.mode;
+  forEachRoom(ours, [&](std::string_view name, const RoomState& room) {
+    if (room != roomStateOf(base, name)) changed = true;
+  });
+  return changed;
+}
+
 void mergeUsers(const StoredState& base, const StoredState& ours, StoredState& theirs, bool theirsIsWhole) {
   std::erase_if(theirs.userNames, [&](const std::string& name) {
     return isUser(base, name) && !isUser(ours, name) && theirs.profiles.erase(name) > 0;
@@ -48,12 +68,11 @@ void mergeUsers(const StoredState& base, const StoredState& ours, StoredState& t
   for (const std::string& name : ours.userNames) {
     const auto profile = ours.profiles.find(name);
     if (profile == ours.profiles.end()) continue;
-    const auto old = base.profiles.find(name);
-    const bool changed = old == base.profiles.end() || old->second != profile->second;
+    const auto found = base.profiles.find(name);
+    const UserProfile old = found != base.profiles.end() ? found->second : UserProfile();
     if (isUser(theirs, name)) {
-      mergeProfile(old == base.profiles.end() ? UserProfile() : old->second, profile->second,
-                   theirs.profiles[name], theirsIsWhole);
-    } else if (changed || !theirsIsWhole) {
+      mergeProfile(old, profile->second, theirs.profiles[name], theirsIsWhole);
+    } else if (!isUser(base, name) || isChanged(old, profile->second) || !theirsIsWhole) {
       theirs.userNames.push_back(name);
       theirs.profiles[name] = profile->second;
     }
@@ -84,7 +103,7 @@ StoredState mergeStates(StoredState base, const StoredState& ours, StoredState t
   take(theirs.fanartScanEpoch, base.fanartScanEpoch, ours.fanartScanEpoch);
   take(theirs.soundMode, base.soundMode, ours.soundMode);
   take(theirs.settingsTab, base.settingsTab, ours.settingsTab);
-  take(theirs.wifiHistory, base.wifiHistory, ours.wifiHistory);
+  mergeWifiHistory(base, ours, theirs);
   if (!theirsIsWhole) addMissing(theirs.unknown, ours.unknown);
   mergeUsers(base, ours, theirs, theirsIsWhole);
   mergeActiveUser(base, ours, theirs);

@@ -24,6 +24,8 @@ StateStore::StateStore(std::filesystem::path file)
       memory_(*file_, saves_),
       playback_(*files_, saves_),
       settings_(memory_),
-      users_(memory_, playback_, notes_) {}
+      users_(memory_, playback_, notes_) {
+  if (file_->load()) saves_.request(Save::AtRest);
+}
 
 }  // namespace tavek

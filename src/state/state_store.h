@@ -8,9 +8,9 @@
 
 namespace tavek {
 
-/// The owner of all that the program remembers: of the shared state file, which is read at the first call,
-/// and of the playback.json files beside the media. Changes are in memory at once; one thread saves behind
-/// them. Nothing throws and nothing is reported: a save that fails leaves the old file, and is tried again.
+/// The owner of all that the program remembers: of the shared state file, which is read at once, and of the
+/// playback.json files beside the media. Changes are in memory at once; one thread saves behind them. Nothing
+/// throws and nothing is reported: a save that fails leaves the old file, and is tried again.
 class StateStore {
  public:
   explicit StateStore(std::filesystem::path file);

@@ -1,11 +1,9 @@
 #include "state/stored_settings.h"
 
-#include <cstddef>
+#include <utility>
 
 namespace tavek {
 namespace {
-
-constexpr std::size_t wifiHistoryLimit = 16;
 
 template <typename Value>
 Value valueOf(StateMemory& memory, Value StoredState::*member) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <map>
@@ -12,6 +13,8 @@
 #include "state/user_profile.h"
 
 namespace tavek {
+
+inline constexpr std::size_t wifiHistoryLimit = 16;
 
 /// What the shared state file holds.
 struct StoredState {
@@ -33,7 +36,7 @@ struct StoredState {
 
 /// From any text: what can't be found keeps its default. `changed` is set where a save would give the text
 /// another form. There is always a user.
-StoredState readStoredState(const std::string& text, bool& changed);
+StoredState readStoredState(const std::string& whole, bool& changed);
 /// The user who is named as the active one; empty text if the file says that there is none.
 std::optional<std::string> readActiveUser(const std::string& text);
 /// Two users if there is none, and an empty profile for each that has none.

@@ -22,6 +22,10 @@ std::string loginName() {
 
 std::string userOrActive(const StoredState& state, const std::string& user) {
   std::string name = user.empty() ? activeName(state) : user;
+  // An item that was started before a rename still tells the old name.
+  for (const auto& [old, now] : state.renamedUsers) {
+    if (name == old && !isUser(state, name)) name = now;
+  }
   if (name.empty()) name = loginName();
   return name.empty() ? "Alex" : name;
 }

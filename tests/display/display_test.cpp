@@ -18,11 +18,6 @@ namespace {
 constexpr int width = 640;
 constexpr int height = 360;
 
-StateStore& store() {
-  static StateStore kept(stateFile());
-  return kept;
-}
-
 /// A grey picture with a white upper left quarter.
 class Picture {
  public:
@@ -45,10 +40,9 @@ class Picture {
 
 class DisplayTest : public testing::Test {
  protected:
-  static std::unique_ptr<Display> make(Orientation orientation = Orientation::OrientationAuto) {
+  std::unique_ptr<Display> make(Orientation orientation = Orientation::OrientationAuto) {
     test::useOffscreenDriver();
-    auto display =
-        std::make_unique<Display>(0, 0, width, height, orientation, store().parts(), steadyClock());
+    auto display = std::make_unique<Display>(0, 0, width, height, orientation, store.parts(), steadyClock());
     // A stamp of 0 means none, and SDL's clock starts with the display.
     SDL_Delay(2);
     return display;
@@ -62,6 +56,8 @@ class DisplayTest : public testing::Test {
     event.key.keysym.sym = key;
     SDL_PushEvent(&event);
   }
+
+  StateStore store{stateFile()};
 };
 
 TEST_F(DisplayTest, ShowsThePictureInItsProportions) {
@@ -139,7 +135,7 @@ TEST_F(DisplayTest, AnswersKeysAndPausesOverThePicture) {
 TEST_F(DisplayTest, WithoutAScreenEveryCallIsHarmless) {
   SDL_setenv("SDL_VIDEODRIVER", "nothing", 1);
   testing::internal::CaptureStderr();
-  Display display(0, 0, width, height, Orientation::OrientationAuto, store().parts(), steadyClock());
+  Display display(0, 0, width, height, Orientation::OrientationAuto, store.parts(), steadyClock());
   const std::string told = testing::internal::GetCapturedStderr();
   EXPECT_NE(told.find("SDL_Init"), std::string::npos);
   EXPECT_NE(told.find("WINDOW Exception: "), std::string::npos);

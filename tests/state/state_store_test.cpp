@@ -56,9 +56,10 @@ std::string get(const std::string& name) {
 /// A store over a library that holds two users and nothing else.
 class StateStoreTest : public testing::Test {
  protected:
-  StateStoreTest() {
+  static fs::path freshFile() {
     for (const auto& entry : fs::directory_iterator(mediaRoot())) fs::remove_all(entry.path());
     put("persist.json", R"({"users":{"Ann":{"mode":"tv","later":1},"Bob":{}},"later":2})");
+    return stateFile();
   }
   /// What another run finds.
   StoredState saved() { return stateOf(kept("persist.json")); }
@@ -67,7 +68,7 @@ class StateStoreTest : public testing::Test {
     store.flush(std::chrono::seconds(5));
     return get(name);
   }
-  StateStore store{stateFile()};
+  StateStore store{freshFile()};
   StoredSettings& settings = store.parts().settings;
   StoredUsers& users = store.parts().users;
   FolderPlayback& playback = store.parts().playback;
@@ -212,6 +213,8 @@ TEST_F(StateStoreTest, ChangesUsers) {
     users.renameUser(old, now);
   EXPECT_THAT(users.users(), ElementsAre("Dan", "Bob", "Cid"));
   EXPECT_EQ(users.activeUser() + *users.userMode("Dan"), "Dantv");
+  users.setPosition(in("tv/a"), 3, "Ann");
+  EXPECT_EQ(saved().profiles["Dan"].tv.seek, 3) << "of an item that was started before the rename";
   EXPECT_THAT(kept("persist.json"), HasSubstr("\n\t\t\t\"later\": 1\n"));
   for (const char* name : {"Zoe", "Bob", "Dan"}) users.removeUser(name);
   users.removeUser("Cid");
@@ -224,8 +227,11 @@ TEST_F(StateStoreTest, ChangesUsers) {
 
 TEST_F(StateStoreTest, SavesWhenThereIsSomethingToSay) {
   put("persist.json", "");
-  users.addUser("Ann");
-  EXPECT_EQ(kept("persist.json"), "");
+  StateStore empty{stateFile()};
+  empty.parts().users.addUser("Ann");
+  EXPECT_TRUE(empty.flush());
+  EXPECT_EQ(get("persist.json"), "") << "nothing yet";
+
   store.holdWrites(true);
   settings.setTmdbScan(5, "");
   std::this_thread::sleep_for(std::chrono::milliseconds(400));
@@ -237,7 +243,7 @@ TEST_F(StateStoreTest, SavesWhenThereIsSomethingToSay) {
   settings.setSoundMode(7);
   EXPECT_EQ(saved().soundMode, 0) << "the end does not wait";
   users.ensureRooms({in("New"), in("Series")});
-  EXPECT_EQ(saved().profiles["Maria"].otherRooms.size(), 1U);
+  EXPECT_EQ(saved().profiles["Bob"].otherRooms.size(), 1U);
   fs::remove(stateFile());
   fs::create_directories(stateFile());
   settings.setFanartScan(6);
@@ -287,6 +293,7 @@ TEST_F(StateStoreTest, TakesInADiskThatComesLate) {
   const std::string text = kept("persist.json");
   fs::remove(stateFile());
   StateStore early{stateFile()};
+  early.parts().users.ensureRooms({in("music")});
   early.parts().users.setActiveUser("Alex");
   early.parts().users.setUserMode("Alex", "tv");
   for (const bool savedBefore : {false, true}) {
@@ -311,6 +318,8 @@ TEST_F(StateStoreTest, TwoProgramsLoseNothing) {
   other.users.markWatched(in("tv/2"), true, "Ann");
   other.users.setPosition(in("kids/x"), 6, "Ann");
   other.users.addUser("Cid");
+  other.settings.pushWifiHistory("home");
+  settings.pushWifiHistory("garden");
   store.flush();
   second.flush();
   users.renameUser("Ann", "Dan");
@@ -324,6 +333,7 @@ TEST_F(StateStoreTest, TwoProgramsLoseNothing) {
   EXPECT_THAT(now.profiles["Dan"].tv.watched, testing::IsSupersetOf({in("tv/2"), in("tv/3")}));
   EXPECT_EQ(now.profiles["Dan"].tv.seek, 5);
   EXPECT_EQ(now.profiles["Dan"].otherRooms["kids"].seek, 6);
+  EXPECT_THAT(now.wifiHistory, testing::UnorderedElementsAre("home", "garden"));
   EXPECT_EQ(now.fanartScanEpoch, 9);
 
   const FileLock third(in("persist.json.lock"));
@@ -369,11 +379,12 @@ TEST_F(StateStoreTest, AFullDiskAtTheFirstStartLeavesNoEmptyFile) {
   getrlimit(RLIMIT_FSIZE, &limit);
   const rlimit full{0, limit.rlim_max};
   setrlimit(RLIMIT_FSIZE, &full);
-  users.users();
-  EXPECT_FALSE(store.flush());
+  StateStore first{stateFile()};
+  EXPECT_FALSE(first.flush());
   setrlimit(RLIMIT_FSIZE, &limit);
   EXPECT_FALSE(fs::exists(stateFile()));
-  EXPECT_EQ(kept("persist.json"), "{}\n");
+  EXPECT_TRUE(first.flush());
+  EXPECT_EQ(get("persist.json"), "{}\n");
 }
 
 TEST_F(StateStoreTest, RemovesWhatDeadWritersLeft) {
