@@ -6,7 +6,7 @@
 
 namespace tavek {
 
-void tellFailed(const std::string& path, const ffmpeg::Error& error) {
+void tellFailed(const std::string& path, const std::exception& error) {
   std::cerr << console::boldRed << "Failed to open " << path << ": " << error.what() << console::reset
             << std::endl;
 }

@@ -1,12 +1,11 @@
 #pragma once
 
+#include <exception>
 #include <string>
-
-#include "media/error.h"
 
 namespace tavek {
 
 /// The line on stderr for an item that could not be played.
-void tellFailed(const std::string& path, const ffmpeg::Error& error);
+void tellFailed(const std::string& path, const std::exception& error);
 
 }  // namespace tavek

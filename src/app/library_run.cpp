@@ -1,11 +1,12 @@
 #include "app/library_run.h"
 
 #include <algorithm>
+#include <exception>
 #include <filesystem>
-#include <iomanip>
 #include <iostream>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/failed_item.h"
@@ -13,10 +14,8 @@
 #include "base/console.h"
 #include "base/process_flags.h"
 #include "display/display.h"
-#include "library/file_types.h"
-#include "library/folder_walk.h"
-#include "library/media_paths.h"
-#include "player/playback_timer.h"
+#include "library/media_list.h"
+#include "viewing/await.h"
 #include "viewing/item_loop.h"
 
 namespace tavek {
@@ -24,35 +23,33 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::int64_t pauseMs = 250;
+constexpr std::chrono::milliseconds pauseTime{250};
 
-std::vector<std::string> mediaOf(const fs::path& room) {
-  const auto plays = classifyFolder(room) == MediaKind::Music ? isAudioFile : isVideoFile;
+/// What the disk tells of a room that was chosen.
+struct RoomPlan {
   std::vector<std::string> files;
-  walkBelow(room, [&](const fs::recursive_directory_iterator& entry) {
-    if (plays(entry->path()) && isRegularFile(*entry)) files.push_back(entry->path().string());
-    return true;
+  std::optional<std::string> start;  ///< the stored item, unless it can't be read
+};
+
+std::optional<RoomPlan> planRoom(const fs::path& room, const PlayContext& context) {
+  BackgroundJob<RoomPlan> job;
+  job.start([room, users = &context.stored.users](JobSide<RoomPlan>& side) {
+    RoomPlan plan{listMedia(room, side.stop()), {}};
+    const auto stored = users->resumeTarget(room);
+    if (stored && !stored->empty()) plan.start = stored->string();
+    side.post(std::move(plan));
   });
-  std::ranges::sort(files);
-  return files;
+  return awaitOnScreen(context.display, context.clock, job);
 }
 
-std::optional<std::string> startItem(const fs::path& room, const std::vector<std::string>& files,
-                                     StoredUsers& users) {
-  const auto target = users.resumeTarget(room);
-  if (target && !target->empty()) return target->string();
-  if (files.empty()) return {};
-  users.setPlaying(files.front(), "");
-  return files.front();
+void complain(const char* what, const std::string& path) {
+  std::cerr << console::boldRed << what << path << console::reset << std::endl;
 }
 
 /// Where the start item stands among the files; the first one if it is not there.
 std::size_t placeOf(const std::string& start, const std::vector<std::string>& files) {
   const auto found = std::ranges::find(files, fs::path(start).lexically_normal().string());
   if (found != files.end()) return static_cast<std::size_t>(found - files.begin());
-  const auto complain = [](const char* what, const std::string& path) {
-    std::cerr << console::boldRed << what << path << console::reset << std::endl;
-  };
   complain("Persisted start video not found in library: ", start);
   std::error_code ignored;
   if (fs::is_regular_file(start, ignored)) {
@@ -61,41 +58,48 @@ std::size_t placeOf(const std::string& start, const std::vector<std::string>& fi
   return 0;
 }
 
+/// Every file of the room once, from the one to start with; empty with nothing to play.
+std::vector<std::string> queueOf(RoomPlan plan, const PlayContext& context) {
+  if (!plan.start) {
+    if (!plan.files.empty()) context.stored.users.setPlaying(plan.files.front(), "");
+    return std::move(plan.files);
+  }
+  if (plan.files.empty()) return {*plan.start};
+  std::ranges::rotate(plan.files,
+                      plan.files.begin() + static_cast<std::ptrdiff_t>(placeOf(*plan.start, plan.files)));
+  return std::move(plan.files);
+}
+
 /// Plays the chosen room. Returns after an item that ended as the viewer wanted, or when nothing plays.
 void playRoom(const fs::path& room, const PlayContext& context, SoundMode& soundMode) {
-  std::vector<std::string> files = mediaOf(room);
-  const std::optional<std::string> start = startItem(room, files, context.stored.users);
-  if (!start) {
-    std::cerr << "No persisted video for user \"" << context.stored.users.activeUser() << "\" under " << room
-              << std::endl;
-    return sleepMilliseconds(pauseMs);
-  }
+  auto plan = planRoom(room, context);
+  if (!plan) return;
+  const std::vector<std::string> files = queueOf(std::move(*plan), context);
   if (files.empty()) {
-    files.push_back(*start);
-  } else {
-    std::rotate(files.begin(), files.begin() + static_cast<std::ptrdiff_t>(placeOf(*start, files)),
-                files.end());
+    std::cerr << "No persisted video for user \"" << context.stored.users.activeUser() << "\" under "
+              << room.string() << std::endl;
   }
   for (const std::string& file : files) {
     try {
       soundMode = playFromPath(context, file, soundMode);
       return;
-    } catch (const ffmpeg::Error& error) {
+    } catch (const std::exception& error) {
       tellFailed(file, error);
       context.stored.users.clearPlaying(room);
     }
     if (quitRequested || stopSignalled) return;
   }
-  sleepMilliseconds(pauseMs);
+  context.clock.sleepFor(pauseTime);
 }
 
 }  // namespace
 
-void runLibrary(Display& display, const Stored& stored, const LaunchOptions& options) {
-  const PlayContext context{.display = &display, .stored = stored, .language = options.language};
+void runLibrary(const PlayContext& context, const LaunchOptions& options) {
+  Display& display = context.display;
   SoundMode soundMode = options.soundMode;
   while (!quitRequested && !stopSignalled) {
-    display.goHome(true);
+    // After an item that was left by the home key the screen is on its way home already.
+    if (!display.atHome()) display.goHome(true);
     display.runChooser();
     display.leaveHome();
     display.discardInput();

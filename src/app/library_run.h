@@ -2,12 +2,11 @@
 
 namespace tavek {
 
-class Display;
 struct LaunchOptions;
-struct Stored;
+struct PlayContext;
 
 /// Home screen, then playback of the room that was chosen, and home again, until the viewer or a signal ends
 /// it.
-void runLibrary(Display& display, const Stored& stored, const LaunchOptions& options);
+void runLibrary(const PlayContext& context, const LaunchOptions& options);
 
 }  // namespace tavek

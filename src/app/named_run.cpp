@@ -8,17 +8,16 @@
 
 namespace tavek {
 
-void playNamedFiles(Display& display, const Stored& stored, const LaunchOptions& options) {
-  const PlayContext context{.display = &display, .stored = stored, .language = options.language};
+void playNamedFiles(const PlayContext& context, const LaunchOptions& options) {
   SoundMode soundMode = options.soundMode;
-  display.leaveHome();
+  context.display.leaveHome();
   for (const std::string& path : options.videoPaths) {
     if (stopSignalled) quitRequested = true;
     if (quitRequested) return;
     if (path.empty()) continue;
     try {
       soundMode = playFromPath(context, path, soundMode);
-    } catch (const ffmpeg::Error& error) {
+    } catch (const std::exception& error) {
       tellFailed(path, error);
     }
   }

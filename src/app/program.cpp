@@ -1,6 +1,5 @@
 #include "app/program.h"
 
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
@@ -8,18 +7,21 @@
 #include <system_error>
 
 #include <SDL.h>
-#include <curl/curl.h>
 
+#include "app/last_resort.h"
 #include "app/library_run.h"
 #include "app/named_run.h"
 #include "app/options.h"
 #include "base/background_job.h"
+#include "base/clock.h"
 #include "base/console.h"
 #include "base/paths.h"
 #include "base/process_flags.h"
 #include "display/display.h"
 #include "library/media_paths.h"
+#include "sound/alsa_device.h"
 #include "state/state_store.h"
+#include "viewing/item_loop.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -31,15 +33,6 @@ namespace {
 void onSignal(int) {
   stopSignalled = true;
   quitRequested = true;
-}
-
-void prepareLibraries() {
-  if (curl_global_init(CURL_GLOBAL_ALL) == CURLE_OK) {
-    std::atexit(curl_global_cleanup);
-  } else {
-    std::cerr << "Warning: curl_global_init failed" << std::endl;
-  }
-  av_log_set_level(AV_LOG_ERROR);
 }
 
 void catchSignals() {
@@ -58,37 +51,35 @@ void forceDriver(const std::string& name) {
   }
 }
 
-/// A debug start forgets the shared state, so its file goes before it is read. What is kept of the sound mode
-/// wins over the command line.
-void loadState(const Stored& stored, LaunchOptions& options) {
-  std::error_code ignored;
-  if (debugEnabled) std::filesystem::remove(stateFile(), ignored);
+/// What is kept of the sound mode wins over the command line.
+void loadState(StateStore& state, LaunchOptions& options) {
+  const Stored stored = state.parts();
   stored.users.ensureRooms(listRoots());
   if (const auto mode = stored.settings.soundMode()) options.soundMode = static_cast<SoundMode>(*mode);
 }
 
 /// With nothing to play and no screen to choose on, the service manager has to start the program again.
-int play(Display& display, const Stored& stored, const LaunchOptions& options) {
+int play(const LaunchOptions& options, StateStore& state) {
+  const Stored stored = state.parts();
+  Display display(0, 0, 1920, 1080, options.orientation, stored, steadyClock());
+  const PlayContext context{.display = display,
+                            .stored = stored,
+                            .clock = steadyClock(),
+                            .language = options.language,
+                            .soundDevice = alsaDeviceFactory()};
   display.goHome(true);
+  int status = EXIT_SUCCESS;
   if (!options.videoPaths.empty()) {
-    playNamedFiles(display, stored, options);
+    playNamedFiles(context, options);
   } else if (display.usable()) {
-    runLibrary(display, stored, options);
+    runLibrary(context, options);
   } else {
     std::cerr << "tavek has no screen to show its library on." << std::endl;
-    return EXIT_FAILURE;
+    status = EXIT_FAILURE;
   }
-  return EXIT_SUCCESS;
-}
-
-int runStored(LaunchOptions& options) {
-  StateStore store(stateFile());
-  const Stored stored = store.parts();
-  loadState(stored, options);
-  Display display(0, 0, 1920, 1080, options.orientation, stored);
-  const int status = play(display, stored, options);
-  // Before the display goes, which takes its time.
-  store.flush();
+  // While the screen still stands: a slow disk must not be met by a television that has gone dark.
+  state.holdWrites(false);
+  state.flush();
   return status;
 }
 
@@ -96,14 +87,21 @@ int runStored(LaunchOptions& options) {
 
 int runProgram(int argc, const char* const* argv) {
   catchSignals();
-  prepareLibraries();
+  av_log_set_level(AV_LOG_ERROR);
   ParsedLine line = readCommandLine(argc, argv);
   if (line.exitStatus) return *line.exitStatus;
   if (line.options.videoDriver) forceDriver(*line.options.videoDriver);
   if (stopSignalled) return EXIT_SUCCESS;
+  // A debug start forgets the shared state, so its file goes before it is read.
+  std::error_code ignored;
+  if (debugEnabled) std::filesystem::remove(stateFile(), ignored);
   tmdbConsoleEnabled = fanartConsoleEnabled = debugEnabled;
-  const int status = runStored(line.options);
-  // A thread that a dead disk holds is left behind.
+
+  StateStore state(stateFile());
+  const LastResort lastResort(state);
+  loadState(state, line.options);
+  const int status = play(line.options, state);
+  // What hangs in a dead disk can't be joined, and must not be torn down under its feet.
   if (!joinLeftThreads(std::chrono::milliseconds(300))) std::_Exit(status);
   return status;
 }

@@ -1,8 +1,14 @@
 #include "base/console.h"
 
+#include <cstdlib>
 #include <iostream>
 
 namespace tavek::console {
+
+bool seekDebugWanted() {
+  const char* value = std::getenv("TAVEK_SEEK_DEBUG");
+  return value != nullptr && std::string_view(value) == "1";
+}
 
 void logTmdb(std::string_view text) {
   std::cout << "[TMDB] " << text << std::endl;

@@ -30,6 +30,9 @@ inline constexpr const char* boldMagenta = "\033[1m\033[38;2;255;0;255m";
 inline constexpr const char* boldCyan = "\033[1m\033[38;2;0;255;255m";
 inline constexpr const char* boldOrange = "\033[1m\033[38;2;255;128;0m";
 
+/// TAVEK_SEEK_DEBUG is "1": what a resume does to a file is told.
+bool seekDebugWanted();
+
 /// One line of the TMDB scanner on stdout; the caller has tested tmdbConsoleEnabled.
 void logTmdb(std::string_view text);
 /// One line of the fan-art scanner on stdout; the caller has tested fanartConsoleEnabled.

@@ -7,9 +7,10 @@
 
 namespace tavek {
 
-Display::Display(int x, int y, int width, int height, Orientation orientation, const Stored& stored)
-    : stored_(stored), picture_(orientation), screen_({x, y, width, height}, picture_) {
-  noteActivity(SDL_GetTicks64());
+Display::Display(int x, int y, int width, int height, Orientation orientation, const Stored& stored,
+                 Clock& clock)
+    : stored_(stored), clock_(clock), picture_(orientation), screen_({x, y, width, height}, picture_) {
+  noteActivity(clock_.ticksMs());
 }
 
 Display::~Display() {
@@ -22,7 +23,7 @@ Display::~Display() {
 }
 
 NavCode Display::pollInput() {
-  const Uint64 now = SDL_GetTicks64();
+  const Uint64 now = clock_.ticksMs();
   finishFolderChange(now);
   keys_.updateFocus(flags_);
   if (keys_.releaseLost(flags_)) return NavCode::SeekCommit;
@@ -48,7 +49,7 @@ NavCode Display::pumpEvents() {
 }
 
 NavCode Display::handleEvent(const SDL_Event& event) {
-  const Uint64 now = SDL_GetTicks64();
+  const Uint64 now = clock_.ticksMs();
   const KeyResult result = keys_.handle(event, flags_, now);
   if (result.active) noteActivity(now);
   const NavCode code = apply(result, now);
@@ -115,7 +116,7 @@ void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) 
 FrameContext Display::frameContext() const {
   FrameContext frame{.renderer = screen_.renderer(), .baseFont = screen_.baseFont()};
   SDL_GetWindowSize(screen_.window(), &frame.width, &frame.height);
-  frame.nowMs = SDL_GetTicks64();
+  frame.nowMs = clock_.ticksMs();
   return frame;
 }
 
@@ -155,7 +156,7 @@ void Display::alignWithItem(const std::filesystem::path& path) {
 }
 
 void Display::setVideoPlaying(bool playing) {
-  const Uint64 now = SDL_GetTicks64();
+  const Uint64 now = clock_.ticksMs();
   if (playing != flags_.videoPlaying) noteActivity(now);
   flags_.videoPlaying = playing;
   if (playing) {
@@ -173,28 +174,28 @@ void Display::setVideoPlaying(bool playing) {
 
 void Display::setVideoPaused(bool paused) {
   if (paused == flags_.videoPaused) return;
-  const Uint64 now = SDL_GetTicks64();
+  const Uint64 now = clock_.ticksMs();
   flags_.videoPaused = paused;
   pauseIcon_.setPaused(paused, now);
   noteActivity(now);
 }
 
 void Display::startVideoFadeIn() {
-  picture_.fadeIn.start(SDL_GetTicks64());
+  picture_.fadeIn.start(clock_.ticksMs());
 }
 
 void Display::startVideoFadeOut() {
-  picture_.fadeOut.start(SDL_GetTicks64());
+  picture_.fadeOut.start(clock_.ticksMs());
   clearLogo_.setSuppressed(true);
 }
 
 void Display::showSeekBar() {
-  seekBar_.show(SDL_GetTicks64());
+  seekBar_.show(clock_.ticksMs());
   dropStrip();
 }
 
 void Display::showVolume(int percent, double gainDb, double minDb, double maxDb) {
-  volumeBar_.show(percent, gainDb, minDb, maxDb, SDL_GetTicks64());
+  volumeBar_.show(percent, gainDb, minDb, maxDb, clock_.ticksMs());
 }
 
 void Display::loadClearLogo() {

@@ -8,6 +8,7 @@
 
 #include <SDL.h>
 
+#include "base/clock.h"
 #include "base/orientation.h"
 #include "display/chooser.h"
 #include "display/clear_logo.h"
@@ -34,7 +35,7 @@ namespace tavek {
 class Display {
  public:
   /// The wished place and size of the window. Failure is told on stderr and leaves usable() false.
-  Display(int x, int y, int width, int height, Orientation orientation, const Stored& stored);
+  Display(int x, int y, int width, int height, Orientation orientation, const Stored& stored, Clock& clock);
   ~Display();
   Display(const Display&) = delete;
   Display& operator=(const Display&) = delete;
@@ -88,7 +89,7 @@ class Display {
   const Poster* watchedToggleTarget() const;
 
   // Words to the viewer.
-  void showStatus(const std::string& text) { statusLines_.showStatus(text, SDL_GetTicks64()); }
+  void showStatus(const std::string& text) { statusLines_.showStatus(text, clock_.ticksMs()); }
   /// Stands above the strip until the next step in it.
   void showError(const std::string& text) { statusLines_.showError(text); }
   void clearError() { statusLines_.clearError(); }
@@ -100,6 +101,8 @@ class Display {
   /// Back to the top level: nothing of the item is left on the screen but its picture. `refresh` lists the
   /// room of the active user if no posters are there.
   void goHome(bool refresh);
+  /// The home screen has the screen, or is on its way there.
+  bool atHome() const { return flags_.homeMode; }
   /// The home screen's loop, until a user with a room was chosen or the program is to end.
   void runChooser();
   /// An item takes the screen.
@@ -151,6 +154,7 @@ class Display {
   FrameContext frameContext() const;
 
   const Stored stored_;
+  Clock& clock_;
   VideoPicture picture_;
   Screen screen_;
   SeekBar seekBar_;

@@ -16,7 +16,7 @@ constexpr Uint32 passMs = 16;
 }  // namespace
 
 void Display::goHome(bool refresh) {
-  const Uint64 now = SDL_GetTicks64();
+  const Uint64 now = clock_.ticksMs();
   closeChooser();
   dropStrip();
   setVideoPlaying(false);
@@ -44,7 +44,8 @@ void Display::goHome(bool refresh) {
 }
 
 void Display::runChooser() {
-  openChooser();
+  // What was pressed on the way home counts.
+  if (!flags_.chooserOpen) openChooser();
   while (usable() && flags_.chooserOpen && !quitRequested) {
     pollInput();
     presentChooser();

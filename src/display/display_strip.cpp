@@ -43,13 +43,13 @@ void Display::showStrip() {
   letterBar_.arm();
   if (flags_.homeMode || (selectedPoster() == nullptr && !posters_.list().empty())) posters_.selectPoster(0);
   flags_.strip = {
-      .visible = true, .open = true, .sliding = true, .slidingIn = true, .slideAt = SDL_GetTicks64()};
+      .visible = true, .open = true, .sliding = true, .slidingIn = true, .slideAt = clock_.ticksMs()};
   updateHoldWrites();
 }
 
 void Display::hideStrip() {
   if (!flags_.strip.shown()) return;
-  flags_.strip = {.visible = true, .sliding = true, .slideAt = SDL_GetTicks64()};
+  flags_.strip = {.visible = true, .sliding = true, .slideAt = clock_.ticksMs()};
   letterBar_.reset();
   updateHoldWrites();
 }

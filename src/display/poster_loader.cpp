@@ -10,7 +10,7 @@
 #include "display/toolkit/fonts.h"
 #include "library/episode_still.h"
 #include "library/file_types.h"
-#include "library/folder_walk.h"
+#include "library/media_list.h"
 #include "library/usable_file.h"
 #include "state/json_write.h"
 
@@ -21,15 +21,6 @@ namespace fs = std::filesystem;
 
 /// To be read from the sofa when the tile is drawn at half its height.
 constexpr int nameSize = 40;
-
-bool hasMedia(const fs::path& folder) {
-  bool found = false;
-  walkBelow(folder, [&](const fs::recursive_directory_iterator& entry) {
-    found = (isVideoFile(entry->path()) || isAudioFile(entry->path())) && isRegularFile(*entry);
-    return !found;
-  });
-  return found;
-}
 
 SurfacePtr loadTile(const fs::path& image) {
   SurfacePtr tile = loadImage(image);
@@ -96,7 +87,7 @@ void PosterLoader::restore(PosterBacklog backlog) {
 
 void PosterLoader::loadPosters(const fs::path& folder, JobSide<Message>& side) {
   const ThreadStorage storage;
-  if (!hasMedia(folder)) return;
+  if (!holdsMedia(folder, side.stop())) return;
   PosterListing listing = listPosters(folder, side.stop());
   side.post(listing.posters.size());
   if (debugEnabled) {

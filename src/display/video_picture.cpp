@@ -16,6 +16,18 @@ double progress(const PictureFade& fade, Uint64 nowMs) {
   return std::min(static_cast<double>(nowMs - fade.startMs) / static_cast<double>(pictureFadeMs), 1.0);
 }
 
+SDL_YUV_CONVERSION_MODE conversionModeOf(PictureColours colours) {
+  switch (colours) {
+    case PictureColours::Bt601:
+      return SDL_YUV_CONVERSION_BT601;
+    case PictureColours::Bt601Full:
+      return SDL_YUV_CONVERSION_JPEG;
+    case PictureColours::Bt709:
+      return SDL_YUV_CONVERSION_BT709;
+  }
+  return SDL_YUV_CONVERSION_BT601;
+}
+
 }  // namespace
 
 double PictureFade::fadeIn(Uint64 nowMs) {
@@ -39,8 +51,8 @@ bool VideoPicture::create(SDL_Renderer* renderer, int width, int height) {
   width_ = width;
   height_ = height;
   serial_ = 0;
-  SDL_GetTextureScaleMode(texture_.get(), &scaleMode_);
-  return texture_ != nullptr;
+  // Asking the scale mode of none would hide the reason of the failure.
+  return texture_ && SDL_GetTextureScaleMode(texture_.get(), &scaleMode_) == 0;
 }
 
 bool VideoPicture::upload(SDL_Renderer* renderer, const PictureView& picture) {
@@ -50,6 +62,8 @@ bool VideoPicture::upload(SDL_Renderer* renderer, const PictureView& picture) {
     return false;
   }
   if (fits && picture.serial != 0 && picture.serial == serial_) return true;
+  // SDL reads the mode when it converts, in software at the upload, else at the drawing.
+  SDL_SetYUVConversionMode(conversionModeOf(picture.colours));
   const auto& [y, u, v] = picture.planes;
   const auto& [yPitch, uPitch, vPitch] = picture.pitches;
   if (SDL_UpdateYUVTexture(texture_.get(), nullptr, y, yPitch, u, uPitch, v, vPitch) != 0) {

@@ -9,6 +9,7 @@
 #include "base/text.h"
 #include "library/episode_name.h"
 #include "library/file_types.h"
+#include "library/folder_walk.h"
 #include "library/media_paths.h"
 
 namespace tavek {
@@ -21,11 +22,6 @@ struct EpisodeEntry {
   SeasonEpisode number;
   std::string nameKey;  ///< the lower-cased stem
 };
-
-bool isRegular(const fs::directory_entry& entry) {
-  std::error_code ignored;
-  return entry.is_regular_file(ignored);
-}
 
 bool samePath(const fs::path& a, const fs::path& b) {
   std::error_code ignored;
@@ -42,16 +38,16 @@ fs::path scanFolderOf(const fs::path& path, const fs::path& root) {
   return root;
 }
 
-std::vector<EpisodeEntry> episodesUnder(const fs::path& folder) {
+std::vector<EpisodeEntry> episodesUnder(const fs::path& folder, const Flag& stop) {
   std::vector<EpisodeEntry> episodes;
-  std::error_code error;
-  fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
-  for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+  walkBelow(folder, [&](const fs::recursive_directory_iterator& entry) {
     const std::string stem = entry->path().stem().string();
-    if (!isRegular(*entry) || !isVideoFile(entry->path())) continue;
-    if (const auto number = parseSeasonEpisode(stem))
+    const auto number = parseSeasonEpisode(stem);
+    if (number && isVideoFile(entry->path()) && isRegularFile(*entry)) {
       episodes.push_back({entry->path(), *number, toLower(stem)});
-  }
+    }
+    return !stop;
+  });
   const auto order = [](const EpisodeEntry& e) {
     return std::tie(e.number.season, e.number.episode, e.nameKey);
   };
@@ -60,8 +56,9 @@ std::vector<EpisodeEntry> episodesUnder(const fs::path& folder) {
   return episodes;
 }
 
-std::optional<fs::path> nextEpisode(const fs::path& path, const fs::path& root, SeasonEpisode number) {
-  const std::vector<EpisodeEntry> episodes = episodesUnder(scanFolderOf(path, root));
+std::optional<fs::path> nextEpisode(const fs::path& path, const fs::path& root, SeasonEpisode number,
+                                    const Flag& stop) {
+  const std::vector<EpisodeEntry> episodes = episodesUnder(scanFolderOf(path, root), stop);
   auto current = std::find_if(episodes.begin(), episodes.end(),
                               [&](const EpisodeEntry& e) { return samePath(e.path, path); });
   if (current == episodes.end()) {
@@ -73,13 +70,12 @@ std::optional<fs::path> nextEpisode(const fs::path& path, const fs::path& root, 
   return current->path;
 }
 
-std::optional<fs::path> nextTrack(const fs::path& path) {
+std::optional<fs::path> nextTrack(const fs::path& path, const Flag& stop) {
   std::vector<fs::path> tracks;
-  std::error_code error;
-  fs::directory_iterator entry(path.parent_path(), fs::directory_options::skip_permission_denied, error);
-  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-    if (isRegular(*entry) && isAudioFile(entry->path())) tracks.push_back(entry->path());
-  }
+  walkIn(path.parent_path(), [&](const fs::directory_entry& entry) {
+    if (isAudioFile(entry.path()) && isRegularFile(entry)) tracks.push_back(entry.path());
+    return !stop;
+  });
   std::stable_sort(tracks.begin(), tracks.end(), trackLess);
   auto current =
       std::find_if(tracks.begin(), tracks.end(), [&](const fs::path& t) { return samePath(t, path); });
@@ -89,12 +85,12 @@ std::optional<fs::path> nextTrack(const fs::path& path) {
 
 }  // namespace
 
-std::optional<fs::path> nextItemAfter(const fs::path& path) {
+std::optional<fs::path> nextItemAfter(const fs::path& path, const Flag& stop) {
   const std::optional<fs::path> root = seriesRootOf(path);
-  if (!root) return nextTrack(path);
+  if (!root) return nextTrack(path, stop);
   const auto number = parseSeasonEpisode(path.stem().string());
   if (!number || !isInside(path, *root)) return {};
-  return nextEpisode(path, *root, *number);
+  return nextEpisode(path, *root, *number, stop);
 }
 
 }  // namespace tavek

@@ -3,10 +3,12 @@
 #include <filesystem>
 #include <optional>
 
+#include "base/process_flags.h"
+
 namespace tavek {
 
 /// What plays after `path` has ended by itself: the next episode of its series folder, or the next track of
-/// its folder; no value after the last. Reads the disk, skips what it may not enter.
-std::optional<std::filesystem::path> nextItemAfter(const std::filesystem::path& path);
+/// its folder; no value after the last. Walks the disk until `stop` is set, skips what it may not enter.
+std::optional<std::filesystem::path> nextItemAfter(const std::filesystem::path& path, const Flag& stop);
 
 }  // namespace tavek

@@ -9,7 +9,7 @@ namespace tavek {
 
 namespace fs = std::filesystem;
 
-std::optional<fs::path> findVideoForPoster(const fs::path& poster, const fs::path& limit) {
+std::optional<fs::path> findVideoForPoster(const fs::path& poster, const fs::path& limit, const Flag& stop) {
   const std::string key = posterKeyOf(poster);
   const fs::path folder = poster.parent_path();
   if (key.empty() || (!limit.empty() && !isInside(folder, limit))) return {};
@@ -18,7 +18,7 @@ std::optional<fs::path> findVideoForPoster(const fs::path& poster, const fs::pat
     const fs::path& file = entry->path();
     if (isVideoFile(file) && normalizeTitle(file.stem().string()) == key && isRegularFile(*entry))
       video = file;
-    return !video;
+    return !video && !stop;
   });
   return video;
 }

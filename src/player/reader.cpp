@@ -1,9 +1,7 @@
 #include "player/reader.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <iostream>
-#include <string_view>
 #include <utility>
 
 #include "base/console.h"
@@ -11,18 +9,10 @@
 #include "media/error.h"
 
 namespace tavek {
-namespace {
-
-bool seekDebugWanted() {
-  const char* value = std::getenv("TAVEK_SEEK_DEBUG");
-  return value != nullptr && std::string_view(value) == "1";
-}
-
-}  // namespace
 
 Reader::Reader(const PlayItem& item, Exchange& exchange)
     : path_(item.path),
-      seekDebug_(seekDebugWanted()),
+      seekDebug_(console::seekDebugWanted()),
       exchange_(exchange),
       file_(item.path, item.language, isAudioFile(item.path) ? Pictures::Optional : Pictures::Needed,
             exchange.closed()) {}

@@ -1,38 +1,39 @@
 #include "viewing/item_loop.h"
 
+#include <exception>
 #include <utility>
 
 #include "base/process_flags.h"
 #include "display/display.h"
-#include "media/error.h"
-#include "player/playback_timer.h"
-#include "viewing/play.h"
-#include "viewing/selected_item.h"
+#include "viewing/await.h"
+#include "viewing/selection.h"
+#include "viewing/viewing.h"
 
 namespace tavek {
 namespace {
 
-constexpr std::int64_t passMs = 16;
+constexpr std::chrono::milliseconds passTime{16};
 
 /// The viewer's next choice after one from the strip that did not play. None leaves the run of items.
-std::optional<std::string> chooseAnother(Display& display, const std::string& path,
-                                         const ffmpeg::Error& error) {
+std::optional<std::string> chooseAnother(const PlayContext& context, const std::string& path,
+                                         const std::exception& error) {
+  Display& display = context.display;
   display.showError("Failed to open: " + path + " (" + error.what() + ")");
   // The selection stays on the choice that failed.
   display.alignWithItem(path);
   display.showStrip();
+  Selection selection(Selection::Loading::ErrorLine);
   while (!quitRequested && !stopSignalled) {
     const NavCode code = display.pollInput();
     if (code == NavCode::Quit) quitRequested = true;
     if (code == NavCode::Quit || code == NavCode::ClosePosters || code == NavCode::GoHome) return {};
-    if (code == NavCode::PlaySelection) {
-      if (auto item = selectedItem(display, Console::Silent)) {
-        display.clearError();
-        return item->string();
-      }
+    if (code == NavCode::PlaySelection) selection.ask(display);
+    if (auto item = selection.poll(display)) {
+      display.clearError();
+      return item->string();
     }
     display.presentBlank();
-    sleepMilliseconds(passMs);
+    context.clock.sleepFor(passTime);
   }
   return {};
 }
@@ -47,15 +48,15 @@ SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode s
       break;
     }
     try {
-      ItemPlay play(context.display, path, context.language, soundMode, context.stored);
-      play.run();
-      if (quitRequested || !play.nextPath()) break;
-      path = play.nextPath()->string();
-      if (context.display != nullptr) dismissed = context.display->takeErrorDismissed();
-    } catch (const ffmpeg::Error& error) {
+      Viewing viewing(context, path, soundMode);
+      viewing.run();
+      if (quitRequested || !viewing.nextPath()) break;
+      path = viewing.nextPath()->string();
+      dismissed = context.display.takeErrorDismissed();
+    } catch (const std::exception& error) {
       // Only a choice from the strip leads back to it.
-      if (context.display == nullptr || !dismissed) throw;
-      path = chooseAnother(*context.display, path, error).value_or("");
+      if (!dismissed) throw;
+      path = chooseAnother(context, path, error).value_or("");
     }
   }
   return soundMode;

@@ -3,23 +3,27 @@
 #include <optional>
 #include <string>
 
+#include "base/clock.h"
 #include "base/sound_mode.h"
+#include "sound/pcm_device.h"
 #include "state/stored.h"
 
 namespace tavek {
 
 class Display;
 
-/// What every item of a run shares; the display may be null.
+/// What every item of a run shares.
 struct PlayContext {
-  Display* display = nullptr;
-  Stored stored;
+  Display& display;
+  const Stored& stored;
+  Clock& clock;
   std::optional<std::string> language;
+  PcmDeviceFactory soundDevice;
 };
 
 /// Plays the item and whatever follows it by itself, until one ends without a successor. Never holds two
 /// items: the audio device of one is free before the next one opens. Gives the sound mode to use from then
-/// on; throws ffmpeg::Error for an item that cannot be opened or fails on the way.
+/// on; throws a std::exception for an item that cannot be opened or fails on the way.
 SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode soundMode);
 
 }  // namespace tavek

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/clock.h"
 #include "base/paths.h"
 #include "base/process_flags.h"
 #include "display/picture_place.h"
@@ -46,7 +47,8 @@ class DisplayTest : public testing::Test {
  protected:
   static std::unique_ptr<Display> make(Orientation orientation = Orientation::OrientationAuto) {
     test::useOffscreenDriver();
-    auto display = std::make_unique<Display>(0, 0, width, height, orientation, store().parts());
+    auto display =
+        std::make_unique<Display>(0, 0, width, height, orientation, store().parts(), steadyClock());
     // A stamp of 0 means none, and SDL's clock starts with the display.
     SDL_Delay(2);
     return display;
@@ -137,7 +139,7 @@ TEST_F(DisplayTest, AnswersKeysAndPausesOverThePicture) {
 TEST_F(DisplayTest, WithoutAScreenEveryCallIsHarmless) {
   SDL_setenv("SDL_VIDEODRIVER", "nothing", 1);
   testing::internal::CaptureStderr();
-  Display display(0, 0, width, height, Orientation::OrientationAuto, store().parts());
+  Display display(0, 0, width, height, Orientation::OrientationAuto, store().parts(), steadyClock());
   const std::string told = testing::internal::GetCapturedStderr();
   EXPECT_NE(told.find("SDL_Init"), std::string::npos);
   EXPECT_NE(told.find("WINDOW Exception: "), std::string::npos);

@@ -40,7 +40,7 @@ TEST(NextItem, FollowsEpisodesAndTracks) {
       {"music/Gone/1 One.flac", ""},
   };
   for (const auto& c : cases) {
-    const auto next = nextItemAfter(root / c.current);
+    const auto next = nextItemAfter(root / c.current, Flag());
     EXPECT_EQ(next ? next->string() : "", *c.next != '\0' ? (root / c.next).string() : "") << c.current;
   }
 }

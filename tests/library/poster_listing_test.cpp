@@ -33,8 +33,9 @@ std::string list(const std::string& folder) {
     text += path + " > " + media + " (" + key.raw + ')' + (image != path ? image : "") + label + '\n';
     // One tile by itself, from the disk.
     EXPECT_EQ(posterTitleKey(path), key.raw);
-    EXPECT_TRUE(kind != ListingKind::Videos || findVideoForPoster(path, root).value_or("") == media) << path;
-    EXPECT_FALSE(findVideoForPoster(path, root + "/x"));
+    EXPECT_TRUE(kind != ListingKind::Videos || findVideoForPoster(path, root, Flag()).value_or("") == media)
+        << path;
+    EXPECT_FALSE(findVideoForPoster(path, root + "/x", Flag()));
   }
   for (std::size_t at = 0; (at = text.find(root)) != std::string::npos;) text.erase(at, root.size() + 1);
   stop = true;

@@ -1,0 +1,369 @@
+#include "viewing/viewing.h"
+
+#include <algorithm>
+#include <array>
+#include <exception>
+#include <iostream>
+#include <utility>
+
+#include "base/console.h"
+#include "base/paths.h"
+#include "base/process_flags.h"
+#include "base/text.h"
+#include "display/display.h"
+#include "library/file_types.h"
+#include "library/media_paths.h"
+#include "library/next_item.h"
+#include "media/colour.h"
+#include "player/movie_text.h"
+#include "player/seek_rules.h"
+#include "state/stored.h"
+#include "viewing/await.h"
+#include "viewing/item_rules.h"
+#include "viewing/snapshot.h"
+
+namespace tavek {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds startGuard{1000};
+constexpr milliseconds settleTime{50};
+constexpr milliseconds fadeTime{500};
+constexpr milliseconds standingPass{10};
+
+struct CodeRequest {
+  NavCode code;
+  ItemRequest request;
+};
+
+constexpr std::array codeRequests{
+    CodeRequest{NavCode::TogglePause, ItemRequest::TogglePause},
+    CodeRequest{NavCode::SeekForward, ItemRequest::SeekForward},
+    CodeRequest{NavCode::SeekBackward, ItemRequest::SeekBackward},
+    CodeRequest{NavCode::SeekCommit, ItemRequest::SeekCommit},
+    CodeRequest{NavCode::OpenPosters, ItemRequest::OpenPosters},
+    CodeRequest{NavCode::ClosePosters, ItemRequest::ClosePosters},
+    CodeRequest{NavCode::PlaySelection, ItemRequest::PlaySelection},
+    CodeRequest{NavCode::Quit, ItemRequest::Leave},
+    CodeRequest{NavCode::GoHome, ItemRequest::GoHome},
+    CodeRequest{NavCode::PreviousItem, ItemRequest::PreviousItem},
+    CodeRequest{NavCode::NextItem, ItemRequest::Leave},
+};
+
+std::string fullPath(const std::string& path) {
+  const std::filesystem::path given(path);
+  return (given.is_absolute() ? given : mediaRoot() / given).lexically_normal().string();
+}
+
+double sampleAspectOf(const AVFrame& frame) {
+  const AVRational aspect = frame.sample_aspect_ratio;
+  return aspect.num > 0 && aspect.den > 0 ? static_cast<double>(aspect.num) / aspect.den : 1.0;
+}
+
+PictureView viewOf(const AVFrame& frame, std::uint64_t serial) {
+  return {.planes = {frame.data[0], frame.data[1], frame.data[2]},
+          .pitches = {frame.linesize[0], frame.linesize[1], frame.linesize[2]},
+          .width = frame.width,
+          .height = frame.height,
+          .serial = serial,
+          .colours = screenColoursOf(frame).value_or(PictureColours::Bt709),
+          .sampleAspect = sampleAspectOf(frame)};
+}
+
+std::int64_t wholeMilliseconds(Clock::Time::duration span) {
+  return std::chrono::duration_cast<milliseconds>(span).count();
+}
+
+}  // namespace
+
+Viewing::Viewing(const PlayContext& context, const std::string& path, SoundMode soundMode)
+    : context_(context),
+      display_(context.display),
+      clock_(context.clock),
+      path_(fullPath(path)),
+      user_(context.stored.users.activeUser()),
+      isAvi_(lowerExtension(path_) == ".avi"),
+      play_({path_, context.language, soundMode}, {context.clock, context.stored, context.soundDevice}),
+      startedAt_(clock_.now()),
+      stateSince_(startedAt_) {}
+
+void Viewing::run() {
+  while (state_ != ItemState::Finished) pass();
+  const std::exception_ptr error = ended_ ? play_.error() : nullptr;
+  if (error) std::rethrow_exception(error);
+  if (!opened_) return;
+  storeEnd();
+  chooseNext();
+}
+
+void Viewing::pass() {
+  const NavCode code = display_.pollInput();
+  if (quitRequested || stopSignalled) return serve(ItemRequest::Leave);
+  serveCode(code);
+  // A page over the item asks for its pause by itself: no key, and beside one.
+  if (display_.takePauseToggle()) serve(ItemRequest::TogglePause);
+  serveTimes(code);
+  serveSelection();
+  repeatVolume();
+  if (state_ == ItemState::Finished) return;
+  if (state_ == ItemState::Starting) return waitForFile();
+  runs(state_) ? showTurn() : showStanding();
+}
+
+// --- Requests ---
+
+void Viewing::serveCode(NavCode code) {
+  // The key that has started the item must not pause it.
+  if (code == NavCode::None || (code == NavCode::TogglePause && clock_.now() < startGuardUntil_)) return;
+  const auto* known = std::ranges::find(codeRequests, code, &CodeRequest::code);
+  if (known != codeRequests.end()) return serve(known->request);
+  if (state_ == ItemState::Starting || state_ == ItemState::Ending) return;
+  serveVolume(code);
+  if (state_ == ItemState::Paused) return;
+  if (code == NavCode::Wake) display_.showSeekBar();
+  if (code == NavCode::Snapshot && !runs(state_)) takeSnapshot();
+}
+
+void Viewing::serveVolume(NavCode code) {
+  const Clock::Time now = clock_.now();
+  switch (code) {
+    case NavCode::VolumeUpPress:
+    case NavCode::VolumeDownPress:
+      volume_.press(code == NavCode::VolumeUpPress ? 1.0 : -1.0, play_.sound(), now);
+      showVolumeBar();
+      break;
+    case NavCode::VolumeUpRelease:
+    case NavCode::VolumeDownRelease:
+      volume_.release(play_.sound());
+      break;
+    default:
+      break;
+  }
+}
+
+void Viewing::serveTimes(NavCode code) {
+  const Clock::Time now = clock_.now();
+  if (seek_ && code == NavCode::None && now - seek_->lastAt >= milliseconds(seekReleaseMs))
+    serve(ItemRequest::SeekCommit);
+  if (state_ == ItemState::Settling && now - stateSince_ >= settleTime) serve(ItemRequest::Settled);
+  if (state_ == ItemState::Ending && now - stateSince_ >= fadeTime) serve(ItemRequest::FadedOut);
+}
+
+void Viewing::serveSelection() {
+  auto item = selection_.poll(display_);
+  if (!item || state_ == ItemState::Finished) return;
+  serve(ItemRequest::Selected);
+  if (state_ != ItemState::Finished) return;
+  nextPath_ = std::move(item);
+  display_.clearError();
+  display_.dismissError();
+}
+
+ItemFacts Viewing::facts() const {
+  return {.musicRoom = musicRoom_,
+          .marksEpisode = display_.watchedToggleTarget() != nullptr,
+          .stripShown = display_.stripShown(),
+          .seriesItem = seriesRootOf(path_).has_value(),
+          .pastStart = opened_ && play_.positionUs() > 500'000};
+}
+
+// --- Steps ---
+
+void Viewing::serve(ItemRequest request) {
+  const ItemStep step = stepOf(state_, request, facts());
+  if (request == ItemRequest::StreamEnded && step.next == ItemState::Finished) ended_ = true;
+  steerPlayer(step.acts, request);
+  enter(step.next);
+  steerScreen(step.acts);
+}
+
+void Viewing::enter(ItemState next) {
+  if (next == state_) return;
+  state_ = next;
+  stateSince_ = clock_.now();
+  if (next != ItemState::Seeking && next != ItemState::SeekingInPause) seek_.reset();
+  if (next == ItemState::Finished && !opened_) return;
+  display_.setVideoPlaying(runs(next));
+  display_.setVideoPaused(pausedByViewer(next));
+}
+
+void Viewing::steerPlayer(ItemActs acts, ItemRequest request) {
+  if (acts.has(ItemAct::HideStrip)) display_.hideStrip();
+  if (acts.has(ItemAct::StorePosition)) storePosition();
+  if (acts.has(ItemAct::Start)) begin();
+  if (acts.has(ItemAct::Pause)) play_.pause();
+  if (acts.has(ItemAct::FreeSoundDevice)) play_.freeSoundDevice();
+  if (acts.has(ItemAct::Resume)) {
+    play_.takeSoundDevice();
+    play_.resume();
+  }
+  if (acts.has(ItemAct::Seek)) seekStep(request == ItemRequest::SeekForward ? +1 : -1);
+  if (acts.has(ItemAct::SeekToStart)) play_.requestSeek(0);
+}
+
+void Viewing::steerScreen(ItemActs acts) {
+  if (acts.has(ItemAct::Start)) display_.startVideoFadeIn();
+  if (acts.has(ItemAct::FadeOut)) display_.startVideoFadeOut();
+  if (acts.has(ItemAct::OpenStrip)) {
+    display_.openRoomOf(path_);
+    display_.alignWithItem(path_);
+    display_.showStrip();
+  }
+  if (acts.has(ItemAct::ShowSeekBar)) display_.showSeekBar();
+  if (acts.has(ItemAct::SwitchWatched)) switchWatched();
+  if (acts.has(ItemAct::Resolve)) selection_.ask(display_);
+}
+
+/// The item goes on the screen.
+void Viewing::begin() {
+  opened_ = true;
+  const MovieInfo info = play_.movieInfo();
+  if (debugEnabled) {
+    std::cout << "[play] now playing: " << path_ << (play_.audioOnly() ? " (audio)" : " (video)")
+              << std::endl;
+  }
+  context_.stored.notes.setFrameSize(path_, info.videoWidth, info.videoHeight);
+  if (movieDetailEnabled) std::cout << movieText(path_, info) << std::flush;
+  if (isAvi_) storeBoundary(info.videoFramesPerSecond);
+  display_.setDuration(play_.durationUs());
+  display_.alignWithItem(path_);
+  display_.leaveHome();
+  display_.selectRoomForPath(path_);
+  musicRoom_ = display_.roomKind() == MediaKind::Music;
+  play_.start(startPosition());
+  startGuardUntil_ = clock_.now() + startGuard;
+}
+
+void Viewing::seekStep(int direction) {
+  const Clock::Time now = clock_.now();
+  if (seek_ && now - seek_->lastAt < milliseconds(seekRepeatGateMs)) return;
+  if (!seek_) seek_ = {now, now};
+  seek_->lastAt = now;
+  const std::int64_t step = seekStepUs(wholeMilliseconds(now - seek_->startedAt));
+  play_.requestSeek(wrapPosition(play_.positionUs() + direction * step, play_.durationUs()));
+}
+
+// --- The screen ---
+
+/// A file that opens at once leaves the screen as it was; a slow disk must not keep it so.
+void Viewing::waitForFile() {
+  switch (play_.opening()) {
+    case Play::Opening::Underway:
+      return liveOn(display_, clock_, startedAt_);
+    case Play::Opening::Open:
+      return serve(ItemRequest::Opened);
+    case Play::Opening::Failed:
+      return serve(ItemRequest::StreamEnded);
+  }
+}
+
+void Viewing::showTurn() {
+  switch (play_.nextTurn()) {
+    case Play::Turn::Picture:
+      show();
+      play_.presented();
+      break;
+    case Play::Turn::Wait:
+      show();
+      break;
+    case Play::Turn::Ended:
+      serve(ItemRequest::StreamEnded);
+      break;
+  }
+  // The file would not go there, so what was kept leads nowhere.
+  if (play_.takeSeekFailed()) context_.stored.users.setPosition(path_, 0, user_);
+}
+
+void Viewing::showStanding() {
+  if (state_ == ItemState::SeekingInPause) play_.takeNewest();
+  show();
+  clock_.sleepFor(standingPass);
+}
+
+void Viewing::show() {
+  const AVFrame* picture = play_.picture();
+  if (picture == nullptr) return display_.presentBlank();
+  display_.presentFrame(viewOf(*picture, play_.pictureSerial()), play_.positionUs());
+}
+
+void Viewing::repeatVolume() {
+  if (opened_ && volume_.repeat(play_.sound(), clock_.now()) && runs(state_)) showVolumeBar();
+}
+
+void Viewing::showVolumeBar() {
+  const AudioOutput* output = play_.sound();
+  if (output == nullptr) return;
+  const double ceiling = output->volumeCeilingDb();
+  const double volume = output->volumeDb();
+  display_.showVolume(volumePercent(volume, ceiling), volume, -60.0, std::max(ceiling, -60.0));
+}
+
+void Viewing::takeSnapshot() {
+  if (play_.picture() == nullptr) return;
+  const std::shared_ptr<AVFrame> picture(av_frame_clone(play_.picture()), ffmpeg::FrameDeleter());
+  if (picture) snapshot_.start([picture](JobSide<std::monostate>&) { saveSnapshot(*picture); });
+}
+
+/// On the strip the pause key switches the mark of the selected episode, whose tile always knows its file.
+void Viewing::switchWatched() {
+  const Poster* poster = display_.watchedToggleTarget();
+  if (poster == nullptr || !isVideoFile(poster->media)) return;
+  StoredUsers& users = context_.stored.users;
+  users.markWatched(poster->media, !users.isWatched(poster->media), "");
+  display_.refreshWatchedBits();
+}
+
+// --- What is kept, and what follows ---
+
+std::int64_t Viewing::startPosition() {
+  const ResumeStep resume =
+      resumeStep(isAvi_, context_.stored.users.resumePosition(path_), play_.durationUs());
+  if (resume.dropStored) context_.stored.users.setPosition(path_, 0, user_);
+  if (!resume.seekUs) return 0;
+  if (console::seekDebugWanted()) {
+    std::cout << "[RESUME] seek request=" << *resume.seekUs << "us path=" << path_ << std::endl;
+  }
+  return *resume.seekUs;
+}
+
+void Viewing::storeBoundary(double framesPerSecond) {
+  FolderPlayback& playback = context_.stored.playback;
+  if (playback.playbackBoundary(path_).value_or(0) >= 1) return;
+  playback.setPlaybackBoundary(path_, boundaryForRate(framesPerSecond));
+}
+
+void Viewing::storePosition() {
+  if (opened_) context_.stored.users.setPosition(path_, savedPosition(), user_);
+}
+
+void Viewing::storeEnd() {
+  StoredUsers& users = context_.stored.users;
+  users.setPlaying(path_, user_);
+  if (const auto position = endPositionUs(isAvi_, savedPosition(), play_.durationUs())) {
+    users.setPosition(path_, *position, user_);
+  }
+  if (!watched()) return;
+  users.markWatched(path_, true, user_);
+  display_.refreshWatchedBits();
+}
+
+std::int64_t Viewing::savedPosition() const {
+  return savedPositionUs(play_.positionUs(), play_.heardUs());
+}
+
+bool Viewing::watched() const {
+  return countsAsWatched(play_.positionUs(), play_.durationUs());
+}
+
+/// Music goes on by itself; a film does not.
+void Viewing::chooseNext() {
+  if (nextPath_ || !ended_ || !isAudioFile(path_)) return;
+  using Next = std::optional<std::filesystem::path>;
+  BackgroundJob<Next> job;
+  job.start([path = path_](JobSide<Next>& side) { side.post(nextItemAfter(path, side.stop())); });
+  nextPath_ = awaitOnScreen(display_, clock_, job).value_or(std::nullopt);
+  if (!nextPath_ && watched() && musicRoom_) nextPath_.emplace();
+}
+
+}  // namespace tavek
