@@ -39,8 +39,8 @@ struct QueueLimits {
 };
 
 /// A bounded blocking queue of owned FFmpeg objects between two threads of the playback engine.
-/// Any thread may call any operation. A queue goes from open to finished (end of input) and from either to
-/// closed (tear-down), and is never reopened. What is inside goes when it is closed: a decoder may wait for
+/// Any thread may call any operation. A closed queue is never
+/// opened again. What is inside goes when it is closed: a decoder may wait for
 /// its pictures to come back. Every wait looks at stopSignalled at least each 50 ms, so a signal handler
 /// needs no wake-up.
 template <typename Element>
@@ -54,8 +54,8 @@ class MediaQueue {
   bool push(Element& element) {
     std::unique_lock held(lock_);
     const std::size_t bytes = bytesIn(element);
-    waitWhile(held, notFull_, [&] { return !finished_ && fullWhileLocked(bytes); });
-    if (closed_ || finished_) return false;
+    waitWhile(held, notFull_, [&] { return fullWhileLocked(bytes); });
+    if (closed_) return false;
     bytes_ += bytes;
     items_.push_back(std::move(element));
     notEmpty_.notify_one();
@@ -65,7 +65,7 @@ class MediaQueue {
   /// Blocks while the queue is empty. False means that nothing comes any more.
   bool pop(Element& element) {
     std::unique_lock held(lock_);
-    waitWhile(held, notEmpty_, [this] { return items_.empty() && !finished_; });
+    waitWhile(held, notEmpty_, [this] { return items_.empty(); });
     return takeFrontWhileLocked(element);
   }
 
@@ -77,14 +77,7 @@ class MediaQueue {
     return takeFrontWhileLocked(element);
   }
 
-  /// As pop, but gives false at once where pop would block.
-  bool tryPop(Element& element) {
-    const std::lock_guard held(lock_);
-    if (stopSignalled) closed_ = true;
-    return takeFrontWhileLocked(element);
-  }
-
-  /// Destroys what is inside; closed and finished stay as they are.
+  /// Destroys what is inside; a closed queue stays closed.
   void clear() {
     std::deque<Element> dropped;
     {
@@ -104,12 +97,6 @@ class MediaQueue {
   bool empty() const {
     const std::lock_guard held(lock_);
     return items_.empty();
-  }
-
-  /// No more elements will come; what is inside can still be taken.
-  void finish() {
-    finished_ = true;
-    notEmpty_.notify_all();
   }
 
  private:
@@ -146,7 +133,6 @@ class MediaQueue {
   std::condition_variable notEmpty_;
   // Set without the lock too; the 50 ms of each wait cover the wake-up that this can miss.
   std::atomic<bool> closed_{false};
-  std::atomic<bool> finished_{false};
 };
 
 using PacketQueue = MediaQueue<Tagged<ffmpeg::PacketPtr>>;

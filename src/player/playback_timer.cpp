@@ -1,8 +1,6 @@
 #include "player/playback_timer.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <ctime>
 
 namespace tavek {
 namespace {
@@ -12,21 +10,6 @@ std::int64_t wholeMicroseconds(PlaybackTimer::Clock::duration span) {
 }
 
 }  // namespace
-
-void sleepMicroseconds(std::int64_t us) {
-  if (us <= 0) return;
-  timespec left{static_cast<time_t>(us / 1'000'000), static_cast<long>(us % 1'000'000) * 1000};
-  while (nanosleep(&left, &left) != 0 && errno == EINTR) {
-  }
-}
-
-void sleepMilliseconds(std::int64_t ms) {
-  sleepMicroseconds(ms * 1000);
-}
-
-void PlaybackTimer::waitFor(std::int64_t durationUs) {
-  if (durationUs > 0) sleepMicroseconds(advance(Clock::now(), durationUs));
-}
 
 std::int64_t PlaybackTimer::advance(Clock::time_point now, std::int64_t durationUs) {
   const auto duration = std::chrono::microseconds(durationUs);

@@ -86,11 +86,7 @@ class DeviceLine::Worker {
     // It was given back while it was being opened.
     if (state->phase == Phase::Closed) return giveBack(state, std::move(device));
     const Clock::Time now = shared_->clock.now();
-    if (!device) {
-      state->phase = Phase::Absent;
-      state->absentSince = now;
-      return true;
-    }
+    if (!device) return lose(state, now);
     device_ = std::move(device);
     const int channels = device_->channels();
     const bool sameKind = state->opened.generation > 0 && state->opened.channels == channels &&

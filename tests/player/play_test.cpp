@@ -63,9 +63,13 @@ struct Sitting {
         card(clock, sound == Sound::Heard),
         play({path, {}, SoundMode::Stereo}, {clock, stored(), card.factory()}) {
     const auto limit = SteadyClock::now() + seconds(10);
-    while (play.opening() == Play::Opening::Underway && SteadyClock::now() < limit) {
-      std::this_thread::sleep_for(microseconds(50));
-    }
+    const auto ready = [&] {
+      if (play.opening() == Play::Opening::Underway) return false;
+      const bool waitsForCard =
+          sound == Sound::Heard && play.opening() == Play::Opening::Open && play.sound();
+      return !waitsForCard || card.timesOpened() > 0;
+    };
+    while (!ready() && SteadyClock::now() < limit) std::this_thread::sleep_for(microseconds(50));
   }
 
   /// Goes round for so long on the clock, or to the end. What was seen adds up.

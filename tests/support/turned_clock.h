@@ -25,6 +25,7 @@ class TurnedClock final : public Clock {
     if (std::this_thread::get_id() == owner_) return turnTo(time);
     auto state = state_.hold();
     const auto sleeper = state->sleepers.insert(time);
+    asleep_.notify_all();
     turned_.wait_for(state.lock(), longestSleep, [&] { return state->now >= time; });
     state->sleepers.erase(sleeper);
     woken_.notify_all();
@@ -44,9 +45,12 @@ class TurnedClock final : public Clock {
   void turnTo(Time time) {
     {
       auto state = state_.hold();
+      const std::size_t sleepers = state->sleepers.size();
       state->now = std::max(state->now, time);
       turned_.notify_all();
       woken_.wait_for(state.lock(), longestSleep, [&] { return !state->sleeperIsDue(); });
+      // Who sleeps step by step is to be asleep again before the next turn, or it would miss that.
+      asleep_.wait_for(state.lock(), longestSleep / 5, [&] { return state->sleepers.size() >= sleepers; });
     }
     if (breath_.count() > 0) std::this_thread::sleep_for(breath_);
   }
@@ -56,6 +60,7 @@ class TurnedClock final : public Clock {
   Guarded<State> state_;
   std::condition_variable turned_;
   std::condition_variable woken_;
+  std::condition_variable asleep_;
 };
 
 }  // namespace tavek::test
