@@ -78,7 +78,6 @@ int play(const LaunchOptions& options, StateStore& state) {
     status = EXIT_FAILURE;
   }
   // While the screen still stands: a slow disk must not be met by a television that has gone dark.
-  state.holdWrites(false);
   state.flush();
   return status;
 }
@@ -106,7 +105,7 @@ int runProgram(int argc, const char* const* argv) {
 
   const int status = runStored(line.options);
   // What hangs in a dead disk can't be joined, and must not be torn down under its feet.
-  if (!joinLeftThreads(std::chrono::milliseconds(300))) std::_Exit(status);
+  if (!joinLeftThreads(std::chrono::milliseconds(100))) std::_Exit(status);
   return status;
 }
 

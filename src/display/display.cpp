@@ -18,8 +18,8 @@ Display::~Display() {
   picture_.destroy();
   clearLogo_.drop();
   posters_.clear();
-  // And the fonts of a loader before the library of fonts.
-  joinLeftThreads(std::chrono::milliseconds(1000));
+  // A loader that hangs in a dead disk holds a font, whose library has to stay until the process ends.
+  if (!joinLeftThreads(std::chrono::milliseconds(100))) screen_.keepLibraries();
 }
 
 NavCode Display::pollInput() {

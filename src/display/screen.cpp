@@ -93,6 +93,7 @@ Screen::~Screen() {
   baseFont_.reset();
   closeFonts();
   SDL_ShowCursor(SDL_ENABLE);
+  if (keepsLibraries_) return;
   SDL_QuitSubSystem(SDL_INIT_EVENTS);
   SDL_QuitSubSystem(SDL_INIT_TIMER);
   SDL_QuitSubSystem(SDL_INIT_VIDEO);

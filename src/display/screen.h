@@ -20,6 +20,9 @@ class Screen {
   Screen(const Screen&) = delete;
   Screen& operator=(const Screen&) = delete;
 
+  /// Leaves SDL and its libraries up when this goes.
+  void keepLibraries() { keepsLibraries_ = true; }
+
   SDL_Window* window() const { return window_.get(); }
   SDL_Renderer* renderer() const { return renderer_.get(); }
   TTF_Font* baseFont() const { return baseFont_.get(); }
@@ -32,6 +35,7 @@ class Screen {
   const char* createGlContext();
   void openBaseFont();
 
+  bool keepsLibraries_ = false;
   WindowPtr window_;
   RendererPtr renderer_;
   GlContextPtr glContext_;

@@ -102,6 +102,31 @@ TEST_F(Endings, FilmGoesOnWithoutItsFileAndItsDevice) {
   EXPECT_GE(watch.number(), 117);
 }
 
+TEST_F(Endings, FilmAndKeysGoOnWhileTheSoundServerStandsStill) {
+  add("film.mkv", {.seconds = 30});
+  start({"film.mkv"});
+  ASSERT_TRUE(waitForNumber(48));
+  stage.sound.stop();
+  const int stopped = watch.number();
+  ASSERT_TRUE(waitForNumber(stopped + 72, 1 << 16, sanitized ? 10 : 4)) << "the picture goes on";
+  stage.screen.press("XF86AudioPlay");
+  rig::let(0.3);
+  const int paused = watch.number();
+  rig::let(0.3);
+  EXPECT_EQ(watch.number(), paused) << "keys are served";
+  stage.screen.press("XF86AudioPlay");
+  stage.sound.goOn();
+  const double back = rig::now();
+  EXPECT_TRUE(rig::waitUntil(sanitized ? 15 : 6, [&] {
+    return stage.sound.recording(back + 0.7).level() > -20;
+  })) << "sound comes back";
+  stage.sound.stop();
+  rig::let(0.3);
+  program->signal(SIGTERM);
+  expectEnd(sanitized ? 3 : 1);
+  stage.sound.goOn();
+}
+
 TEST_F(Endings, FilmPlaysWithNoDeviceAtAll) {
   add("film.mkv", {.seconds = 2});
   rig::writeText(film("none.conf"), "");

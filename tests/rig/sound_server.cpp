@@ -108,6 +108,14 @@ void SoundServer::vanish() {
   server_->signal(SIGKILL);
 }
 
+void SoundServer::stop() {
+  server_->signal(SIGSTOP);
+}
+
+void SoundServer::goOn() {
+  server_->signal(SIGCONT);
+}
+
 void SoundServer::readSamples(int pipe) {
   std::int16_t block[recordRate / 100];
   for (ssize_t bytes = 0; (bytes = read(pipe, block, sizeof block)) > 0;) {

@@ -40,6 +40,9 @@ class SoundServer {
   Recording recording(double since = 0) const;
   /// Kills the server, as when a device is pulled out.
   void vanish();
+  /// It answers nobody any more, until it goes on.
+  void stop();
+  void goOn();
 
  private:
   void readSamples(int pipe);
