@@ -2,8 +2,8 @@
 #include <algorithm>
 
 #include "display/display.h"
-#include "display/strip_layout.h"
-#include "display/strip_view.h"
+#include "display/strip/strip_layout.h"
+#include "display/strip/strip_view.h"
 #include "library/file_types.h"
 #include "library/media_paths.h"
 

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "display/strip_state.h"
+#include "display/strip/strip_state.h"
 #include "library/media_kind.h"
 
 namespace tavek {

@@ -3,8 +3,8 @@
 #include <SDL.h>
 
 #include "display/focus.h"
-#include "display/held_keys.h"
-#include "display/nav_code.h"
+#include "display/toolkit/held_keys.h"
+#include "display/toolkit/nav_code.h"
 
 namespace tavek {
 

@@ -10,8 +10,8 @@
 
 #include "base/console.h"
 #include "base/paths.h"
+#include "display/playback/video_picture.h"
 #include "display/toolkit/fonts.h"
-#include "display/video_picture.h"
 
 namespace tavek {
 namespace {

@@ -9,7 +9,7 @@
 #include "base/background_job.h"
 #include "base/clock.h"
 #include "base/sound_mode.h"
-#include "display/nav_code.h"
+#include "display/toolkit/nav_code.h"
 #include "player/play.h"
 #include "viewing/held_volume.h"
 #include "viewing/item_loop.h"

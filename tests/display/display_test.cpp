@@ -8,7 +8,7 @@
 #include "base/clock.h"
 #include "base/paths.h"
 #include "base/process_flags.h"
-#include "display/picture_place.h"
+#include "display/playback/picture_place.h"
 #include "state/state_store.h"
 #include "support/offscreen.h"
 

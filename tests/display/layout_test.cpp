@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include "display/chooser_layout.h"
-#include "display/letter_bar.h"
-#include "display/rooms.h"
-#include "display/strip_layout.h"
+#include "display/home/chooser_layout.h"
+#include "display/home/rooms.h"
+#include "display/strip/letter_bar.h"
+#include "display/strip/strip_layout.h"
 #include "support/media_root.h"
 #include "support/offscreen.h"
 

@@ -8,13 +8,13 @@
 #include <SDL_image.h>
 #include <gtest/gtest.h>
 
-#include "display/clear_logo.h"
-#include "display/fade.h"
-#include "display/pause_icon.h"
-#include "display/seek_bar.h"
-#include "display/time_text.h"
+#include "display/playback/clear_logo.h"
+#include "display/playback/pause_icon.h"
+#include "display/playback/seek_bar.h"
+#include "display/playback/volume_bar.h"
 #include "display/toolkit/colour.h"
-#include "display/volume_bar.h"
+#include "display/toolkit/fade.h"
+#include "display/toolkit/time_text.h"
 #include "support/media_root.h"
 #include "support/offscreen.h"
 

@@ -1,4 +1,4 @@
-#include "display/posters.h"
+#include "display/strip/posters.h"
 
 #include <fstream>
 #include <thread>
@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "base/process_flags.h"
-#include "display/image_file.h"
+#include "display/toolkit/image_file.h"
 #include "state/state_store.h"
 #include "support/media_root.h"
 #include "support/offscreen.h"

@@ -1,4 +1,4 @@
-#include "display/letter_bar.h"
+#include "display/strip/letter_bar.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,12 +1,12 @@
-#include "display/seek_bar.h"
+#include "display/playback/seek_bar.h"
 
 #include <algorithm>
 #include <string>
 
-#include "display/time_text.h"
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/shapes.h"
 #include "display/toolkit/text.h"
+#include "display/toolkit/time_text.h"
 
 namespace tavek {
 namespace {

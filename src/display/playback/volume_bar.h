@@ -4,7 +4,7 @@
 
 #include <SDL.h>
 
-#include "display/frame_context.h"
+#include "display/toolkit/frame_context.h"
 
 namespace tavek {
 

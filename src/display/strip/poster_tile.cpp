@@ -1,4 +1,4 @@
-#include "display/poster_tile.h"
+#include "display/strip/poster_tile.h"
 
 #include <algorithm>
 #include <cmath>

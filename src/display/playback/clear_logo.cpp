@@ -1,4 +1,4 @@
-#include "display/clear_logo.h"
+#include "display/playback/clear_logo.h"
 
 #include <algorithm>
 #include <system_error>
@@ -6,9 +6,9 @@
 #include <SDL_image.h>
 
 #include "base/text.h"
-#include "display/image_file.h"
 #include "display/toolkit/colour.h"
 #include "display/toolkit/fonts.h"
+#include "display/toolkit/image_file.h"
 #include "display/toolkit/text.h"
 #include "library/episode_name.h"
 #include "library/media_paths.h"

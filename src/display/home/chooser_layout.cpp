@@ -1,4 +1,4 @@
-#include "display/chooser_layout.h"
+#include "display/home/chooser_layout.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "display/chooser.h"
+#include "display/home/chooser.h"
 
 #include <algorithm>
 #include <utility>

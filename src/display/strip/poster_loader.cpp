@@ -1,13 +1,13 @@
-#include "display/poster_loader.h"
+#include "display/strip/poster_loader.h"
 
 #include <iomanip>
 #include <iostream>
 #include <utility>
 
 #include "base/process_flags.h"
-#include "display/image_file.h"
-#include "display/poster_tile.h"
+#include "display/strip/poster_tile.h"
 #include "display/toolkit/fonts.h"
+#include "display/toolkit/image_file.h"
 #include "library/episode_still.h"
 #include "library/file_types.h"
 #include "library/media_list.h"

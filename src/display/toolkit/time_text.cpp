@@ -1,4 +1,4 @@
-#include "display/time_text.h"
+#include "display/toolkit/time_text.h"
 
 #include <algorithm>
 

@@ -5,8 +5,8 @@
 #include <SDL.h>
 
 #include "base/orientation.h"
-#include "display/frame_context.h"
-#include "display/picture_view.h"
+#include "display/playback/picture_view.h"
+#include "display/toolkit/frame_context.h"
 #include "display/toolkit/sdl_handles.h"
 
 namespace tavek {

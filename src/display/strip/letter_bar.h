@@ -6,7 +6,7 @@
 
 #include <SDL.h>
 
-#include "display/frame_context.h"
+#include "display/toolkit/frame_context.h"
 
 namespace tavek {
 

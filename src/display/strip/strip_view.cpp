@@ -1,12 +1,12 @@
-#include "display/strip_view.h"
+#include "display/strip/strip_view.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <span>
 
-#include "display/fade.h"
-#include "display/strip_layout.h"
+#include "display/strip/strip_layout.h"
+#include "display/toolkit/fade.h"
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/shapes.h"
 #include "display/toolkit/text.h"

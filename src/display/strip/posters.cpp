@@ -1,10 +1,10 @@
-#include "display/posters.h"
+#include "display/strip/posters.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "base/text.h"
-#include "display/strip_layout.h"
+#include "display/strip/strip_layout.h"
 #include "library/episode_name.h"
 #include "library/file_types.h"
 #include "library/media_paths.h"

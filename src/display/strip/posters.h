@@ -8,7 +8,7 @@
 
 #include <SDL.h>
 
-#include "display/poster_loader.h"
+#include "display/strip/poster_loader.h"
 #include "display/toolkit/sdl_handles.h"
 #include "library/match_key.h"
 #include "state/stored_users.h"

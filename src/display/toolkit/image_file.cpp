@@ -1,4 +1,4 @@
-#include "display/image_file.h"
+#include "display/toolkit/image_file.h"
 
 #include <algorithm>
 #include <array>

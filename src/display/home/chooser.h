@@ -7,9 +7,9 @@
 
 #include <SDL.h>
 
-#include "display/chooser_layout.h"
-#include "display/frame_context.h"
+#include "display/home/chooser_layout.h"
 #include "display/toolkit/colour.h"
+#include "display/toolkit/frame_context.h"
 #include "display/toolkit/shapes.h"
 
 namespace tavek {

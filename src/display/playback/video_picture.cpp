@@ -1,9 +1,9 @@
-#include "display/video_picture.h"
+#include "display/playback/video_picture.h"
 
 #include <algorithm>
 #include <iostream>
 
-#include "display/picture_place.h"
+#include "display/playback/picture_place.h"
 
 namespace tavek {
 namespace {

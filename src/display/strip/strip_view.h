@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "display/frame_context.h"
-#include "display/posters.h"
-#include "display/strip_state.h"
+#include "display/strip/posters.h"
+#include "display/strip/strip_state.h"
+#include "display/toolkit/frame_context.h"
 
 namespace tavek {
 

@@ -1,4 +1,4 @@
-#include "display/volume_bar.h"
+#include "display/playback/volume_bar.h"
 
 #include <algorithm>
 #include <cmath>

@@ -8,7 +8,7 @@
 
 #include <SDL.h>
 
-#include "display/strip_state.h"
+#include "display/strip/strip_state.h"
 
 /// Where the posters of the strip lie, and what its labels say. Pixels; times are SDL_GetTicks64
 /// milliseconds.

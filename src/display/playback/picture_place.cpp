@@ -1,4 +1,4 @@
-#include "display/picture_place.h"
+#include "display/playback/picture_place.h"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "display/rooms.h"
+#include "display/home/rooms.h"
 
 #include <algorithm>
 #include <array>

@@ -7,8 +7,8 @@
 
 #include <SDL.h>
 
-#include "display/fade.h"
-#include "display/frame_context.h"
+#include "display/toolkit/fade.h"
+#include "display/toolkit/frame_context.h"
 #include "display/toolkit/sdl_handles.h"
 
 namespace tavek {

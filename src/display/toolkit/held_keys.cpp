@@ -1,4 +1,4 @@
-#include "display/held_keys.h"
+#include "display/toolkit/held_keys.h"
 
 namespace tavek {
 namespace {

@@ -1,4 +1,4 @@
-#include "display/strip_layout.h"
+#include "display/strip/strip_layout.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "display/pause_icon.h"
+#include "display/playback/pause_icon.h"
 
 #include <algorithm>
 

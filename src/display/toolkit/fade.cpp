@@ -1,4 +1,4 @@
-#include "display/fade.h"
+#include "display/toolkit/fade.h"
 
 #include <algorithm>
 
