@@ -69,8 +69,24 @@ std::size_t roomFor(const Folders& rooms, const std::string& hint, std::size_t c
 }
 
 void Rooms::reload() {
+  if (listing_.running()) return;
+  listing_.start([](JobSide<Folders>& side) {
+    Folders rooms = listRoots();
+    // The answers are kept, so that asking for them later does not touch the disk.
+    for (const fs::path& room : rooms) classifyFolder(room);
+    side.post(std::move(rooms));
+  });
+}
+
+bool Rooms::poll() {
+  auto folders = listing_.take();
+  if (folders) take(std::move(*folders));
+  return folders.has_value();
+}
+
+void Rooms::take(Folders folders) {
   const fs::path selected = index_ < folders_.size() ? folders_[index_] : fs::path();
-  folders_ = listRoots();
+  folders_ = std::move(folders);
   const auto same = std::ranges::find(folders_, selected);
   index_ = static_cast<std::size_t>(same - folders_.begin());
   if (index_ >= folders_.size()) index_ = roomFor(folders_, "", index_);
