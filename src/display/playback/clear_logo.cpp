@@ -10,6 +10,7 @@
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/image_file.h"
 #include "display/toolkit/text.h"
+#include "display/toolkit/texture.h"
 #include "library/episode_name.h"
 #include "library/media_paths.h"
 #include "library/usable_file.h"
@@ -122,7 +123,7 @@ void ClearLogo::draw(const FrameContext& frame, const ClearLogoInput& input, con
   SDL_GetTextureAlphaMod(texture_.get(), &before);
   SDL_SetTextureBlendMode(texture_.get(), SDL_BLENDMODE_BLEND);
   SDL_SetTextureAlphaMod(texture_.get(), alpha);
-  SDL_RenderCopy(frame.renderer, texture_.get(), nullptr, &place);
+  copyTexture(frame.renderer, texture_.get(), place);
   SDL_SetTextureAlphaMod(texture_.get(), before);
   drawEpisodeLine(frame, place, alpha, currentVideo);
 }
