@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 /// A folder of the walked tree.
 struct Folder {
   std::size_t parent = 0;
-  std::string name;  ///< trimmed, in lower case
+  std::string name;  ///< trimmed and folded
   bool holdsImages = false;
   bool holdsVideos = false;         ///< at any depth
   std::string_view firstVideoStem;  ///< of the videos directly in it
@@ -92,14 +92,14 @@ class FilmTree {
     if ((!image && !isVideoExtension(extension)) || !entry.isRegularFile()) return;
     std::vector<TreeFile>& files = image ? images_ : videos_;
     const FileText& text = files.emplace_back(TreeFile{std::move(file), folder, {}}).text;
-    if (folders_[folder].name.empty()) folders_[folder].name = trim(toLower(text.folderName()));
+    if (folders_[folder].name.empty()) folders_[folder].name = trim(foldCase(text.folderName()));
     if (!image) files.back().normalisedStem = normalizeTitle(text.stem());
   }
 
   /// Once all files have their places, since texts are kept by reference here.
   void enterVideo(const TreeFile& video) {
     Folder& folder = folders_[video.folder];
-    titles_.insert(titleWithYear(toLower(video.text.stem()), folder.name));
+    titles_.insert(titleWithYear(foldCase(video.text.stem()), folder.name));
     if (folder.firstVideoStem.empty()) folder.firstVideoStem = video.text.stem();
     for (std::size_t above = video.folder;; above = folders_[above].parent) {
       folders_[above].holdsVideos = true;

@@ -1,6 +1,7 @@
 #include "library/match_key.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/text.h"
 #include "library/episode_name.h"
@@ -74,8 +75,11 @@ bool namesEpisode(std::string_view query) {
 }  // namespace
 
 MatchKey makeMatchKey(std::string_view text) {
-  MatchKey key{std::string(text), {}, {}, {}};
-  for (const char c : toLower(text)) {
+  std::string folded = foldCase(text);
+  const bool whole = losesLetters(folded);
+  const std::string letters = whole ? baseLetters(folded) : folded;
+  MatchKey key{whole ? std::move(folded) : std::string(text), {}, {}, {}, whole};
+  for (const char c : letters) {
     const bool digit = isAsciiDigit(c);
     const bool letter = c >= 'a' && c <= 'z';
     if (digit || letter) key.alnum += c;
@@ -86,7 +90,7 @@ MatchKey makeMatchKey(std::string_view text) {
 }
 
 std::string titleKeyOf(std::string_view name, const fs::path& folder) {
-  return titleWithYear(name, trim(toLower(folder.filename().string())));
+  return titleWithYear(name, trim(foldCase(folder.filename().string())));
 }
 
 std::string posterTitleKey(const fs::path& path) {
@@ -98,7 +102,7 @@ std::string posterTitleKey(const fs::path& path) {
     const std::string video = seriesDepth(folder) == 1 ? std::string() : firstVideoStem(folder);
     title = titleOfFolder(folderName, video);
   }
-  return titleWithYear(title, trim(toLower(folderName)));
+  return titleWithYear(title, trim(foldCase(folderName)));
 }
 
 MatchKey matchKeyOf(const fs::path& path) {
@@ -106,12 +110,12 @@ MatchKey matchKeyOf(const fs::path& path) {
 }
 
 std::string titleOfStem(std::string_view stem) {
-  std::string title = withoutPosterSuffix(toLower(stem));
+  std::string title = withoutPosterSuffix(foldCase(stem));
   return isGenericPosterName(title) ? std::string() : title;
 }
 
 std::string titleOfFolder(std::string_view folderName, std::string_view firstVideoStem) {
-  return firstVideoStem.empty() ? withoutPosterSuffix(toLower(folderName)) : toLower(firstVideoStem);
+  return firstVideoStem.empty() ? withoutPosterSuffix(foldCase(folderName)) : foldCase(firstVideoStem);
 }
 
 std::string titleWithYear(std::string_view name, std::string_view folderName) {
@@ -144,9 +148,17 @@ std::string stripYear(std::string_view text) {
   return trim(title);
 }
 
+KeyMatch matchKeys(const MatchKey& a, const MatchKey& b) {
+  if (!a.raw.empty() && a.raw == b.raw) return KeyMatch::Exact;
+  if (a.whole || b.whole) return shareStart(a.raw, b.raw) ? KeyMatch::Generous : KeyMatch::None;
+  if (!a.alnum.empty() && a.alnum == b.alnum) return KeyMatch::Exact;
+  const bool generous = shareStart(a.alnum, b.alnum) || (!a.digits.empty() && a.digits == b.digits) ||
+                        oneHoldsOther(a.alpha, b.alpha);
+  return generous ? KeyMatch::Generous : KeyMatch::None;
+}
+
 bool keysMatch(const MatchKey& a, const MatchKey& b) {
-  return (!a.raw.empty() && a.raw == b.raw) || shareStart(a.alnum, b.alnum) ||
-         (!a.digits.empty() && a.digits == b.digits) || oneHoldsOther(a.alpha, b.alpha);
+  return matchKeys(a, b) != KeyMatch::None;
 }
 
 bool matchesQuery(const MatchKey& key, const fs::path& poster, bool seriesRoom, std::string_view query,

@@ -12,17 +12,20 @@ namespace tavek {
 
 /// A title in four forms, all empty for no title.
 struct MatchKey {
-  std::string raw;     ///< the title as given, by convention in lower case
+  std::string raw;     ///< the title as given, by convention folded
   std::string alnum;   ///< its ASCII letters, in lower case, and digits
   std::string alpha;   ///< its letters
   std::string digits;  ///< its digits
+  /// The other forms lose letters of the title: two titles are compared by `raw` alone. For what is typed the
+  /// forms are those of baseLetters.
+  bool whole = false;
 };
 
 MatchKey makeMatchKey(std::string_view text);
 
-/// A lower-cased name with the year of its folder: "some film" in "Some Film (1982)" is "some film 1982".
+/// A folded name with the year of its folder: "some film" in "Some Film (1982)" is "some film 1982".
 std::string titleKeyOf(std::string_view name, const std::filesystem::path& folder);
-/// The title of an image, or of anything else that stands in a list, in lower case.
+/// The title of an image, or of anything else that stands in a list, folded.
 std::string posterTitleKey(const std::filesystem::path& path);
 MatchKey matchKeyOf(const std::filesystem::path& path);
 
@@ -31,7 +34,7 @@ MatchKey matchKeyOf(const std::filesystem::path& path);
 std::string titleOfStem(std::string_view stem);
 /// What its folder tells: the title of the first video in it, or, if that is empty, the folder's own name.
 std::string titleOfFolder(std::string_view folderName, std::string_view firstVideoStem);
-/// titleKeyOf, with the folder's name trimmed and in lower case.
+/// titleKeyOf, with the folder's name trimmed and folded.
 std::string titleWithYear(std::string_view name, std::string_view folderName);
 
 /// Exactly four digits, 1800 to 2199.
@@ -39,11 +42,17 @@ bool isYear(std::string_view text);
 /// Without a year at the end, bare or in brackets, and without white space at both ends.
 std::string stripYear(std::string_view text);
 
-/// Whether two titles are one and the same, in a generous reading: a beginning, the same digits, or the
-/// letters of one inside those of the other will do.
+enum class KeyMatch {
+  None,
+  Generous,  ///< a beginning, the same digits, or the letters of one inside those of the other
+  Exact,     ///< one title, but for what stands between its letters and digits
+};
+/// How well two titles go together. Where several posters match, one that does exactly goes before all
+/// others.
+KeyMatch matchKeys(const MatchKey& a, const MatchKey& b);
 bool keysMatch(const MatchKey& a, const MatchKey& b);
 
-/// Whether a poster answers to what was typed or said. The query is in lower case; with lettersOnly titles
+/// Whether a poster answers to what was typed or said. The query is folded; with lettersOnly titles
 /// that begin with a digit do not answer. In a series room an episode answers to the name of its series,
 /// unless the query names an episode.
 bool matchesQuery(const MatchKey& key, const std::filesystem::path& poster, bool seriesRoom,

@@ -12,15 +12,29 @@ std::pair<std::string, std::string> row(const std::string& line) {
   return {line.substr(0, middle), line.substr(middle + 3)};
 }
 
-TEST(Titles, KeepLettersDigitsAndBlanks) {
-  EXPECT_EQ(normalizeTitle("Caf\xc3\xa9 (2001)"), "caf 2001");
-  EXPECT_EQ(normalizeTitle(" A  b\tC-d !"), "a  b cd");
+TEST(Titles, KeepWhatTheyAreMadeOf) {
+  for (const char* line :
+       {" A  b\tC-d ! = a  b cd", "Ocean’s – 11 = oceans  11", "Café (2001) = café (2001)",
+        "CAFE\u0301 (2001) = café (2001)", "ÄRGER! = ärger!", " 战狼 2 = 战狼 2", "БРАТ 2 = брат 2",
+        "9½ = 9½", "… = …", "! = ", "\xc4RGER 2 = \xc4rger 2", "A\xff\xf0\x9f = a\xff\xf0\x9f"}) {
+    const auto [text, title] = row(line);
+    EXPECT_EQ(normalizeTitle(text), title) << text;
+  }
   for (const char* line :
        {"/m/Movie.POSTER.jpg = movieposter", "/m/Movie.poster.jpg = movie",
         "/m/The Film (1999)/COVER.JPG = the film 1999", "/m/A Film/Front.poster.png = a film",
         "/m/A Film/.poster.jpg = poster", "poster.jpg = "}) {
     const auto [path, key] = row(line);
     EXPECT_EQ(posterKeyOf(path), key) << path;
+  }
+}
+
+TEST(Titles, BeginWithALetterOfTheBar) {
+  for (const char* line : {"a film = A", "Äh = A", "A\u0308h = A", "Été = E", "ßa = S", "Łódź = L", "Øre = O",
+                           "œuvre = O", "Ｚ = Z", "7 = 7", "«…'(über) = U", "A 战 = A", "战 A = -",
+                           "Брат = -", "\xc4h = -", "! = -", " = -"}) {
+    const auto [title, letter] = row(line);
+    EXPECT_EQ(letterOf(title) != 0 ? std::string(1, letterOf(title)) : "-", letter) << title;
   }
 }
 
