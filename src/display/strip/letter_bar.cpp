@@ -7,6 +7,7 @@
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/shapes.h"
 #include "display/toolkit/text.h"
+#include "library/titles.h"
 
 namespace tavek {
 namespace {
@@ -14,19 +15,12 @@ namespace {
 constexpr double slideMs = 120;
 constexpr int bandHeight = 50;
 
-std::size_t cellOf(char character) {
-  const char upper =
-      character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
-  return letterAlphabet.find(upper);
-}
-
 }  // namespace
 
 std::size_t letterCellOf(std::string_view text) {
-  for (const char character : text) {
-    if (const std::size_t cell = cellOf(character); cell != std::string_view::npos) return cell;
-  }
-  return cellOf('A');
+  if (text.empty()) return letterAlphabet.find('A');
+  const char letter = letterOf(text);
+  return letter != 0 ? letterAlphabet.find(letter) : letterAlphabet.size() - 1;
 }
 
 void LetterBar::openAt(std::string_view posterName, Uint64 nowMs) {

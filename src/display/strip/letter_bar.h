@@ -12,7 +12,8 @@ namespace tavek {
 
 inline constexpr std::string_view letterAlphabet = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 
-/// The cell of the first letter or digit in a text, in any case; that of A without one.
+/// The cell of a title by its first letter or digit, without accents. One of another script has the last
+/// cell, and no title that of A.
 std::size_t letterCellOf(std::string_view text);
 
 /// The bar across the top of the screen from which posters are reached by their first letters. After each
