@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <system_error>
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -71,6 +72,13 @@ bool isVideoFile(const std::filesystem::path& path) {
 bool isVideoExtension(std::string_view extension) {
   static const auto complete = completeVideoExtensions(demuxerExtensions());
   return complete.contains(extension);
+}
+
+bool isUsableFile(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return false;
+  const auto size = std::filesystem::file_size(file, error);
+  return !error && size > 0;
 }
 
 }  // namespace tavek

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// What a file is, told by its extension alone, in any case. May be called from every thread.
+/// What a file is, mostly told by its extension alone, in any case. May be called from every thread.
 namespace tavek {
 
 bool isAudioFile(const std::filesystem::path& path);
@@ -13,6 +13,9 @@ bool isAudioFile(const std::filesystem::path& path);
 bool isVideoFile(const std::filesystem::path& path);
 /// The same by the extension alone, in lower case with its dot.
 bool isVideoExtension(std::string_view extension);
+
+/// A regular file that is not empty. False for everything else, also for what can't be looked at.
+bool isUsableFile(const std::filesystem::path& file);
 
 /// Every piece of FFmpeg's comma-separated extension lists, as it is spelled there.
 std::set<std::string> demuxerExtensions();

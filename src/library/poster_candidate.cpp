@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "base/text.h"
-#include "library/natural_order.h"
 
 namespace tavek {
 

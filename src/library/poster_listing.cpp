@@ -12,7 +12,6 @@
 #include "library/film_candidates.h"
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
-#include "library/natural_order.h"
 #include "library/poster_candidate.h"
 
 namespace tavek {

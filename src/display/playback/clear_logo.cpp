@@ -11,8 +11,8 @@
 #include "display/toolkit/image_file.h"
 #include "display/toolkit/text.h"
 #include "library/episode_name.h"
+#include "library/file_types.h"
 #include "library/media_paths.h"
-#include "library/usable_file.h"
 
 namespace tavek {
 namespace {

@@ -11,7 +11,6 @@
 #include "library/episode_still.h"
 #include "library/file_types.h"
 #include "library/media_list.h"
-#include "library/usable_file.h"
 #include "state/json_write.h"
 
 namespace tavek {
