@@ -171,7 +171,7 @@ bool Display::selectRoom(std::size_t index, bool remember) {
 }
 
 void Display::enterRoom(const std::filesystem::path& path) {
-  flags_.roomKind = seriesRootOf(path) ? MediaKind::Series : classifyFolder(path);
+  flags_.roomKind = seriesRootOf(path) ? MediaKind::Series : classifyFolder(path, quitRequested);
   posters_.openPosterFolder(renderer(), path);
 }
 
@@ -184,7 +184,7 @@ void Display::discardInput() {
 
 void Display::selectRoomForPath(const std::filesystem::path& path) {
   const auto root = roomRootOf(path);
-  flags_.roomKind = root ? classifyFolder(*root) : MediaKind::Movies;
+  flags_.roomKind = root ? classifyFolder(*root, quitRequested) : MediaKind::Movies;
   const auto room = root ? std::ranges::find(rooms_.folders(), *root) : rooms_.folders().end();
   if (room != rooms_.folders().end())
     rooms_.select(static_cast<std::size_t>(room - rooms_.folders().begin()));

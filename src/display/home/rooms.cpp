@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/paths.h"
+#include "base/process_flags.h"
 #include "base/text.h"
 #include "library/media_paths.h"
 
@@ -27,7 +28,7 @@ std::optional<std::size_t> roomNamed(const Folders& rooms, const std::string& na
 }
 
 std::optional<std::size_t> roomOfKind(const Folders& rooms, MediaKind kind) {
-  return firstRoom(rooms, [&](const fs::path& room) { return classifyFolder(room) == kind; });
+  return firstRoom(rooms, [&](const fs::path& room) { return classifyFolder(room, quitRequested) == kind; });
 }
 
 constexpr std::array<std::pair<const char*, MediaKind>, 4> kindHints{{{"tv", MediaKind::Series},
@@ -70,7 +71,7 @@ std::size_t roomFor(const Folders& rooms, const std::string& hint, std::size_t c
 
 void Rooms::reload() {
   const fs::path selected = index_ < folders_.size() ? folders_[index_] : fs::path();
-  folders_ = listRoots();
+  folders_ = listRoots(quitRequested);
   const auto same = std::ranges::find(folders_, selected);
   index_ = static_cast<std::size_t>(same - folders_.begin());
   if (index_ >= folders_.size()) index_ = roomFor(folders_, "", index_);
