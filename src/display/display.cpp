@@ -1,116 +1,67 @@
 #include "display/display.h"
 
+#include <array>
+
 #include "base/background_job.h"
+#include "base/paths.h"
 #include "base/process_flags.h"
 #include "library/file_types.h"
+#include "library/match_key.h"
 #include "library/media_paths.h"
 
 namespace tavek {
+namespace {
+
+constexpr std::chrono::milliseconds passTime{16};
+
+}  // namespace
 
 Display::Display(int x, int y, int width, int height, Orientation orientation, const Stored& stored,
                  Clock& clock)
-    : stored_(stored), clock_(clock), picture_(orientation), screen_({x, y, width, height}, picture_) {
-  noteActivity(clock_.ticksMs());
-}
+    : clock_(clock),
+      playback_(orientation),
+      screen_({x, y, width, height}, playback_.picture()),
+      strip_(stored),
+      home_(stored) {}
 
 Display::~Display() {
   // Textures go before the renderer that they live on.
-  picture_.destroy();
-  clearLogo_.drop();
-  posters_.clear();
+  playback_.destroyTextures();
+  home_.destroyTextures();
+  strip_.posters().clear();
   // A loader that hangs in a dead disk holds a font, whose library has to stay until the process ends.
   if (!joinLeftThreads(std::chrono::milliseconds(100))) screen_.keepLibraries();
 }
 
-NavCode Display::pollInput() {
-  const Uint64 now = clock_.ticksMs();
-  finishFolderChange(now);
-  keys_.updateFocus(flags_);
-  if (keys_.releaseLost(flags_)) return NavCode::SeekCommit;
-  const NavCode repeated = apply(keys_.repeats(flags_, now), now);
-  if (stopSignalled) {
-    quitRequested = true;
-    return repeated;
-  }
-  const NavCode code = pumpEvents();
-  return code != NavCode::None ? code : repeated;
-}
-
-/// Not by SDL_PollEvent: when a pass ends early with a code, that would find nothing in the next one, and the
-/// key behind would wait for a whole picture more.
-NavCode Display::pumpEvents() {
-  SDL_PumpEvents();
-  SDL_Event event;
-  while (SDL_PeepEvents(&event, 1, SDL_GETEVENT, SDL_FIRSTEVENT, SDL_LASTEVENT) > 0) {
-    const NavCode code = handleEvent(event);
-    if (code != NavCode::None) return code;
-  }
-  return NavCode::None;
-}
-
-NavCode Display::handleEvent(const SDL_Event& event) {
-  const Uint64 now = clock_.ticksMs();
-  const KeyResult result = keys_.handle(event, flags_, now);
-  if (result.active) noteActivity(now);
-  const NavCode code = apply(result, now);
-  // The player toggles the settings over a running item; with none running there is nobody to do it.
-  return code == NavCode::ToggleSettings && !flags_.videoPlaying ? NavCode::None : code;
-}
-
-NavCode Display::apply(const KeyResult& result, Uint64 nowMs) {
-  switch (result.effect) {
-    case KeyEffect::None:
-      break;
-    case KeyEffect::TouchSeekBar:
-      seekBar_.touch(nowMs);
-      break;
-    case KeyEffect::ClearSeekBar:
-      seekBar_.clearActivity();
-      break;
-    case KeyEffect::GoHome:
-      goHome(true);
-      openChooser();
-      break;
-    case KeyEffect::Move:
-      flags_.chooserOpen ? moveUser(result.direction) : moveOnStrip(result.direction, nowMs);
-      break;
-    case KeyEffect::Activate:
-      return selectionAction();
-    case KeyEffect::Back:
-      return leaveFolder();
-    case KeyEffect::Type:
-      type(result.character);
-      break;
-    case KeyEffect::SwitchRoom:
-      switchRoom(result.direction);
-      break;
-    case KeyEffect::ReleaseHome:
-      chooser_.setArrows(false, false);
-      break;
-    case KeyEffect::ConfirmUser:
-      confirmUser(nowMs);
-      break;
-    case KeyEffect::LeaveHome:
-      leaveHomeForStrip();
-      break;
-  }
-  return result.code;
-}
+// --- Drawing ---
 
 void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) {
-  SDL_Renderer* renderer = screen_.renderer();
-  if (renderer == nullptr || picture.width < 1 || picture.height < 1) return;
-  PictureView shown = picture;
-  if (!(shown.sampleAspect > 0)) shown.sampleAspect = 1.0;
-  if (!picture_.upload(renderer, shown)) return;
-
-  SDL_SetRenderDrawColor(renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
-  SDL_RenderClear(renderer);
+  if (!usable() || picture.width < 1 || picture.height < 1) return;
   const FrameContext frame = frameContext();
-  flags_.strip.fadeIn = false;
-  picture_.draw(frame, shown);
-  drawOverlays(frame, positionUs);
-  SDL_RenderPresent(renderer);
+  if (!playback_.drawPicture(frame, picture)) return;
+  drawScreens(frame, positionUs);
+  SDL_RenderPresent(renderer());
+}
+
+void Display::drawScreens(const FrameContext& frame, std::int64_t positionUs) {
+  FocusFacts facts = focusFacts();
+  playback_.drawLogo(frame, facts);
+  playback_.drawVolume(frame);
+  if (facts.chooserOpen) home_.draw(frame, facts.stripAny);
+  strip_.advance(frame.renderer, playback_.currentVideo(), !facts.videoPlaying, frame.nowMs);
+  facts = focusFacts();
+  playback_.drawSeekBar(frame, facts, positionUs);
+  playback_.drawPauseIcon(frame, facts);
+  if (!facts.chooserOpen) strip_.draw(frame, roomKind_);
+  SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
+  SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
+  if (!facts.videoPlaying) statusLines_.draw(frame, facts.homeMode);
+}
+
+void Display::presentBlank() {
+  static constexpr std::array<std::uint8_t, 4> luma{};
+  static constexpr std::uint8_t chroma = 128;
+  presentFrame({.planes = {luma.data(), &chroma, &chroma}, .pitches = {2, 1, 1}, .width = 2, .height = 2}, 0);
 }
 
 FrameContext Display::frameContext() const {
@@ -120,86 +71,110 @@ FrameContext Display::frameContext() const {
   return frame;
 }
 
-void Display::drawOverlays(const FrameContext& frame, std::int64_t positionUs) {
-  if (!clearLogo_.loaded()) loadClearLogo();
-  clearLogo_.draw(frame,
-                  {.videoPlaying = flags_.videoPlaying,
-                   .videoPaused = flags_.videoPaused,
-                   .homeMode = flags_.homeMode,
-                   .screensaverActive = flags_.screensaverActive,
-                   .stripOn = flags_.strip.any()},
-                  currentVideo_);
-  volumeBar_.draw(frame);
-  if (flags_.chooserOpen) drawChooser(frame);
-  advanceStrip(frame.nowMs);
-  seekBar_.draw(frame, {.positionUs = positionUs,
-                        .videoPaused = flags_.videoPaused,
-                        .seekFocus = flags_.seekFocus,
-                        .stripShown = flags_.strip.shown()});
-  pauseIcon_.draw(frame, flags_.videoPaused && !flags_.homeMode && !flags_.screensaverActive);
-  if (!flags_.chooserOpen && (flags_.strip.visible || flags_.strip.sliding)) drawPosters(frame);
-  SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
-  SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
-  if (!flags_.videoPlaying) statusLines_.draw(frame, flags_.homeMode);
-}
-
-void Display::presentBlank() {
-  static constexpr std::array<std::uint8_t, 4> luma{};
-  static constexpr std::uint8_t chroma = 128;
-  presentFrame({.planes = {luma.data(), &chroma, &chroma}, .pitches = {2, 1, 1}, .width = 2, .height = 2}, 0);
-}
+// --- The item ---
 
 void Display::alignWithItem(const std::filesystem::path& path) {
-  currentVideo_ = path;
-  flags_.audioItem = isAudioFile(path);
-  posters_.selectPosterFor(path);
+  playback_.setItem(path, isAudioFile(path));
+  strip_.posters().selectPosterFor(path);
 }
 
 void Display::setVideoPlaying(bool playing) {
-  const Uint64 now = clock_.ticksMs();
-  if (playing != flags_.videoPlaying) noteActivity(now);
-  flags_.videoPlaying = playing;
-  if (playing) {
-    pauseIcon_.reset();
-    picture_.fadeOut = {};
-    clearLogo_.setSuppressed(false);
-    chooser_.endFadeIn();
-    pendingFolder_.reset();
-    if (flags_.strip.any()) dropStrip();
-  } else {
-    flags_.videoPaused = false;
-    loadClearLogo();
-  }
+  playback_.setVideoPlaying(playing);
+  if (!playing) return;
+  home_.endFadeIn();
+  strip_.forgetPendingFolder();
+  if (strip_.any()) strip_.drop();
 }
 
 void Display::setVideoPaused(bool paused) {
-  if (paused == flags_.videoPaused) return;
-  const Uint64 now = clock_.ticksMs();
-  flags_.videoPaused = paused;
-  pauseIcon_.setPaused(paused, now);
-  noteActivity(now);
-}
-
-void Display::startVideoFadeIn() {
-  picture_.fadeIn.start(clock_.ticksMs());
-}
-
-void Display::startVideoFadeOut() {
-  picture_.fadeOut.start(clock_.ticksMs());
-  clearLogo_.setSuppressed(true);
+  playback_.setVideoPaused(paused, clock_.ticksMs());
 }
 
 void Display::showSeekBar() {
-  seekBar_.show(clock_.ticksMs());
-  dropStrip();
+  playback_.showSeekBar(clock_.ticksMs());
+  strip_.drop();
 }
 
-void Display::showVolume(int percent, double gainDb, double minDb, double maxDb) {
-  volumeBar_.show(percent, gainDb, minDb, maxDb, clock_.ticksMs());
+// --- Posters ---
+
+void Display::openPosterFolder(const std::filesystem::path& path) {
+  strip_.openPosterFolder(renderer(), path, clock_.ticksMs());
 }
 
-void Display::loadClearLogo() {
-  if (!currentVideo_.empty()) clearLogo_.load(screen_.renderer(), currentVideo_);
+void Display::openRoomOf(const std::filesystem::path& file) {
+  const auto room = roomRootOf(file);
+  if (room && !isInside(posters().openFolder(), *room)) openPosterFolder(*room);
+}
+
+void Display::takePendingPosters(int height, int count) {
+  strip_.posters().takePendingPosters(renderer(), height, count);
+}
+
+void Display::showStrip() {
+  strip_.show(playback_.currentVideo(), home_.homeMode(), clock_.ticksMs());
+}
+
+// --- Home and rooms ---
+
+void Display::goHome(bool refresh) {
+  home_.closeChooser();
+  strip_.drop();
+  strip_.forgetTyped();
+  strip_.forgetPendingFolder();
+  strip_.clearError();
+  setVideoPlaying(false);
+  playback_.reset();
+  home_.arrive(clock_.ticksMs());
+  openRoom(home_.room());
+  Posters& posters = strip_.posters();
+  posters.clearSelection();
+  if (refresh && posters.list().empty()) openPosterFolder(currentFolder());
+  posters.waitForTitle(posterTitleKey(mediaRoot() / (home_.activeUser() + ".jpg")));
+}
+
+void Display::openChooser() {
+  carryOut(home_.openChooser(playback_.videoPlaying()));
+}
+
+void Display::runChooser() {
+  // What was pressed on the way home counts.
+  if (!home_.chooserOpen()) openChooser();
+  while (usable() && home_.chooserOpen() && !quitRequested) {
+    pollInput();
+    presentHome();
+    clock_.sleepFor(passTime);
+  }
+}
+
+void Display::presentHome() {
+  SDL_SetRenderDrawColor(renderer(), 0, 0, 0, SDL_ALPHA_OPAQUE);
+  SDL_RenderClear(renderer());
+  FrameContext frame = frameContext();
+  SDL_GetRendererOutputSize(renderer(), &frame.width, &frame.height);
+  home_.draw(frame, strip_.any());
+  statusLines_.draw(frame, home_.homeMode());
+  SDL_RenderPresent(renderer());
+}
+
+/// Its posters are listed behind the home screen, for the user who is the active one now.
+void Display::openRoom(const std::filesystem::path& room) {
+  roomKind_ = seriesRootOf(room) ? MediaKind::Series : classifyFolder(room, quitRequested);
+  strip_.posters().openPosterFolder(renderer(), room);
+  refreshWatchedBits();
+}
+
+/// From the home screen to the posters.
+void Display::enterRoom(const std::filesystem::path& room) {
+  selectRoomForPath(room);
+  if (room != posters().openFolder() || posters().list().empty()) openPosterFolder(room);
+  refreshWatchedBits();
+  showStrip();
+}
+
+void Display::selectRoomForPath(const std::filesystem::path& path) {
+  const auto root = roomRootOf(path);
+  roomKind_ = root ? classifyFolder(*root, quitRequested) : MediaKind::Movies;
+  if (root) home_.selectRoom(*root);
 }
 
 }  // namespace tavek

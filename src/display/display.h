@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -10,28 +9,21 @@
 
 #include "base/clock.h"
 #include "base/orientation.h"
-#include "display/focus.h"
-#include "display/home/chooser.h"
-#include "display/home/rooms.h"
-#include "display/key_input.h"
-#include "display/playback/clear_logo.h"
-#include "display/playback/pause_icon.h"
-#include "display/playback/picture_view.h"
-#include "display/playback/seek_bar.h"
-#include "display/playback/video_picture.h"
-#include "display/playback/volume_bar.h"
+#include "display/home/home.h"
+#include "display/playback/playback_screen.h"
 #include "display/screen.h"
 #include "display/status_lines.h"
-#include "display/strip/letter_bar.h"
-#include "display/strip/posters.h"
-#include "display/toolkit/frame_context.h"
+#include "display/strip/strip.h"
+#include "display/toolkit/focus.h"
+#include "display/toolkit/key_input.h"
 #include "display/toolkit/nav_code.h"
 #include "state/stored.h"
 
 namespace tavek {
 
-/// The screen with all that lies on it, and the keys. One object from the program's start to its end, on the
-/// main thread only. Without a screen every operation still works on its flags and draws nothing.
+/// The window, the screens that lie in it, and the way of keys to them. One object from the program's start
+/// to its end, on the main thread only. Without a window every operation still works on the screens' state
+/// and draws nothing.
 class Display {
  public:
   /// The wished place and size of the window. Failure is told on stderr and leaves usable() false.
@@ -46,7 +38,7 @@ class Display {
   /// Once per pass of a loop: drains the events and does what concerns navigation; what concerns playback
   /// comes back as a code. Never blocks.
   NavCode pollInput();
-  FocusName currentFocus() const { return focusOf(flags_); }
+  FocusName currentFocus() const { return focusOf(focusFacts()); }
 
   /// Draws the picture with everything over it and presents it. The planes are only read during the call.
   /// `positionUs` is for the seek bar; negative means not known.
@@ -55,19 +47,21 @@ class Display {
   void presentBlank();
 
   // The item.
-  void setDuration(std::int64_t us) { seekBar_.setDuration(us); }
+  void setDuration(std::int64_t us) { playback_.setDuration(us); }
   /// Makes the file the current video, and its poster the selected one.
   void alignWithItem(const std::filesystem::path& path);
   void setVideoPlaying(bool playing);
   /// The pause of the viewer; setVideoPlaying(false) clears it, so it is set after that.
   void setVideoPaused(bool paused);
-  void startVideoFadeIn();
-  void startVideoFadeOut();
+  void startVideoFadeIn() { playback_.startFadeIn(clock_.ticksMs()); }
+  void startVideoFadeOut() { playback_.startFadeOut(clock_.ticksMs()); }
 
   // Overlays.
   /// Takes the place of the strip.
   void showSeekBar();
-  void showVolume(int percent, double gainDb, double minDb, double maxDb);
+  void showVolume(int percent, double gainDb, double minDb, double maxDb) {
+    playback_.showVolume(percent, gainDb, minDb, maxDb, clock_.ticksMs());
+  }
 
   // Posters.
   /// Lists a folder in the strip. With the strip on the screen it slides out first, and in again over the new
@@ -78,21 +72,21 @@ class Display {
   /// Once per frame: loaded tiles become textures, at most `count` of them.
   void takePendingPosters(int height, int count);
   void showStrip();
-  void hideStrip();
-  bool stripShown() const { return flags_.strip.shown(); }
+  void hideStrip() { strip_.hide(clock_.ticksMs()); }
+  bool stripShown() const { return strip_.shown(); }
   /// After a change of what was watched, or of the user.
-  void refreshWatchedBits() { posters_.refreshWatchedBits(); }
-  const Posters& posters() const { return posters_; }
+  void refreshWatchedBits() { strip_.posters().refreshWatchedBits(); }
+  const Posters& posters() const { return strip_.posters(); }
   /// Null without a selection.
-  const Poster* selectedPoster() const;
+  const Poster* selectedPoster() const { return strip_.selectedPoster(); }
   /// The poster on which the strip offers to switch the watched mark: an episode; null for anything else.
-  const Poster* watchedToggleTarget() const;
+  const Poster* watchedToggleTarget() const { return strip_.watchedToggleTarget(roomKind_); }
 
   // Words to the viewer.
   void showStatus(const std::string& text) { statusLines_.showStatus(text, clock_.ticksMs()); }
   /// Stands above the strip until the next step in it.
-  void showError(const std::string& text) { statusLines_.showError(text); }
-  void clearError() { statusLines_.clearError(); }
+  void showError(const std::string& text) { strip_.showError(text); }
+  void clearError() { strip_.clearError(); }
   /// The item that follows was picked on the strip; read once.
   void dismissError() { errorDismissed_ = true; }
   bool takeErrorDismissed() { return std::exchange(errorDismissed_, false); }
@@ -102,85 +96,52 @@ class Display {
   /// room of the active user if no posters are there.
   void goHome(bool refresh);
   /// The home screen has the screen, or is on its way there.
-  bool atHome() const { return flags_.homeMode; }
+  bool atHome() const { return home_.homeMode(); }
   /// The home screen's loop, until a user with a room was chosen or the program is to end.
   void runChooser();
   /// An item takes the screen.
-  void leaveHome();
+  void leaveHome() { home_.leave(); }
   /// Drops what was pressed and not yet looked at.
   void discardInput();
   void selectRoomForPath(const std::filesystem::path& path);
-  MediaKind roomKind() const { return flags_.roomKind; }
-  std::filesystem::path currentFolder() const { return rooms_.current(); }
+  MediaKind roomKind() const { return roomKind_; }
+  std::filesystem::path currentFolder() const { return home_.room(); }
   /// Once after each opening of the home screen over a running item, and once after its closing.
-  bool takePauseToggle() { return std::exchange(pendingPauseChooser_, false); }
+  bool takePauseToggle() { return home_.takePauseToggle(); }
 
  private:
-  void loadClearLogo();
-  void drawOverlays(const FrameContext& frame, std::int64_t positionUs);
+  // Input: display_input.cpp.
   NavCode pumpEvents();
   NavCode handleEvent(const SDL_Event& event);
-  NavCode apply(const KeyResult& result, Uint64 nowMs);
-  void noteActivity(Uint64 nowMs) { lastActivityAt_ = nowMs; }
+  NavCode keyEvent(const SDL_KeyboardEvent& event, Uint64 nowMs);
+  bool passesRepeatFilter(const KeyPress& press, const FocusFacts& facts) const;
+  Meaning globalKey(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  NavCode carryOut(Meaning meaning);
+  Layer& layerWithFocus();
+  void updateFocus();
+  bool endLostSeek();
+  NavCode heldKey(Uint64 nowMs);
+  FocusFacts focusFacts() const;
 
-  // The strip.
-  void moveOnStrip(Direction direction, Uint64 nowMs);
-  void moveSelection(int delta);
-  void stepUp(Uint64 nowMs);
-  void type(char character);
-  void jumpToTyped();
-  NavCode selectionAction();
-  bool enterSelection();
-  NavCode leaveFolder();
-  void advanceStrip(Uint64 nowMs);
-  void topUpPosters();
-  void dropStrip();
-  void drawPosters(const FrameContext& frame);
-  void updateHoldWrites();
-
-  // The home screen.
+  // What crosses screens.
   void openChooser();
-  void closeChooser();
-  void makeUserCurrent();
-  void moveUser(Direction direction);
-  void confirmUser(Uint64 nowMs);
-  void finishFolderChange(Uint64 nowMs);
-  void leaveHomeForStrip();
-  void switchRoom(Direction direction);
-  bool selectRoom(std::size_t index, bool remember);
-  void enterRoom(const std::filesystem::path& path);
-  void drawChooser(const FrameContext& frame);
-  void presentChooser();
+  void openRoom(const std::filesystem::path& room);
+  void enterRoom(const std::filesystem::path& room);
+
+  void drawScreens(const FrameContext& frame, std::int64_t positionUs);
+  void presentHome();
   FrameContext frameContext() const;
 
-  const Stored stored_;
   Clock& clock_;
-  VideoPicture picture_;
+  PlaybackScreen playback_;
   Screen screen_;
-  SeekBar seekBar_;
-  VolumeBar volumeBar_;
-  PauseIcon pauseIcon_;
-  ClearLogo clearLogo_;
-  Posters posters_{stored_.users};
-  LetterBar letterBar_;
+  Strip strip_;
+  Home home_;
   StatusLines statusLines_;
-  Rooms rooms_;
-  Chooser chooser_;
-
-  NavFlags flags_;
   KeyInput keys_;
-  std::filesystem::path currentVideo_;
-  Uint64 lastActivityAt_ = 0;
-  std::optional<std::filesystem::path> pendingFolder_;  ///< to open when the strip has slid out
-  /// A confirmed user's way from the home screen to the room.
-  struct FolderChange {
-    Uint64 at;
-    std::filesystem::path folder;
-  };
-  std::optional<FolderChange> folderChange_;
+  FocusName focus_ = FocusName::Movie;  ///< the last one, to see it change
+  MediaKind roomKind_ = MediaKind::Movies;
   bool errorDismissed_ = false;
-  bool chooserPausedPlayback_ = false;
-  bool pendingPauseChooser_ = false;
 };
 
 }  // namespace tavek

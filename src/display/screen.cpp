@@ -12,6 +12,7 @@
 #include "base/paths.h"
 #include "display/playback/video_picture.h"
 #include "display/toolkit/fonts.h"
+#include "display/toolkit/text.h"
 
 namespace tavek {
 namespace {
@@ -50,7 +51,15 @@ void setHints(bool kmsdrm, bool software) {
     SDL_SetHint(SDL_HINT_RENDER_DRIVER, "software");
     SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
   }
+  SDL_SetHint(SDL_HINT_RENDER_BATCHING, "1");
   SDL_SetHintWithPriority(SDL_HINT_RENDER_SCALE_QUALITY, kmsdrm ? "0" : "best", SDL_HINT_OVERRIDE);
+}
+
+/// SDL falls back to drivers that show nothing. Those are meant only where they are named.
+bool canBeSeen(std::string_view driver) {
+  const char* named = SDL_getenv("SDL_VIDEODRIVER");
+  const bool shows = driver != "offscreen" && driver != "dummy";
+  return shows || (named != nullptr && std::string_view(named).find(driver) != std::string_view::npos);
 }
 
 SDL_Rect placeOf(SDL_Rect wish, bool kmsdrm) {
@@ -87,6 +96,7 @@ Screen::Screen(SDL_Rect wish, VideoPicture& picture) {
 }
 
 Screen::~Screen() {
+  dropTextCache();
   glContext_.reset();
   renderer_.reset();
   window_.reset();
@@ -106,7 +116,7 @@ const char* Screen::build(SDL_Rect wish, VideoPicture& picture) {
   if (const char* reason = startLibraries()) return reason;
   openBaseFont();
   const char* driver = SDL_GetCurrentVideoDriver();
-  if (driver == nullptr) return "No video driver.";
+  if (driver == nullptr || !canBeSeen(driver)) return "No video driver.";
   const bool kmsdrm = SDL_strcasecmp(driver, "kmsdrm") == 0;
   SDL_ShowCursor(SDL_DISABLE);
   const bool software = !kmsdrm && drawsWithoutGl();

@@ -8,13 +8,10 @@
 
 namespace tavek {
 
-/// A short word to the viewer that goes by itself, and the failure that the strip shows until the next step.
+/// A short word to the viewer that goes by itself.
 class StatusLines {
  public:
   void showStatus(std::string text, Uint64 nowMs);
-  void showError(std::string text) { errorLine_ = std::move(text); }
-  void clearError() { errorLine_.clear(); }
-  const std::string& errorLine() const { return errorLine_; }
 
   /// The status line: in the middle of the top on the home screen, else at the lower left.
   void draw(const FrameContext& frame, bool homeMode);
@@ -22,7 +19,6 @@ class StatusLines {
  private:
   std::string statusLine_;
   Uint64 statusLineAt_ = 0;
-  std::string errorLine_;
 };
 
 }  // namespace tavek

@@ -1,5 +1,7 @@
 #include "display/display.h"
 
+#include <array>
+#include <cstdlib>
 #include <thread>
 #include <vector>
 
@@ -73,6 +75,44 @@ TEST_F(DisplayTest, ShowsThePictureInItsProportions) {
   EXPECT_GT(red(*display, 90, 100), 240) << "an empty picture leaves the screen alone";
 }
 
+/// Pure red and pure green in each matrix, through GL and without.
+TEST_F(DisplayTest, ShowsColoursByTheirMatrix) {
+  const struct {
+    PictureColours colours;
+    std::array<std::uint8_t, 3> yuv;
+    Colour shown;
+  } cases[] = {
+      {PictureColours::Bt601, {81, 90, 240}, rgba(255, 0, 0)},
+      {PictureColours::Bt601, {145, 54, 34}, rgba(0, 255, 0)},
+      {PictureColours::Bt601Full, {76, 85, 255}, rgba(255, 0, 0)},
+      {PictureColours::Bt709, {63, 102, 240}, rgba(255, 0, 0)},
+      {PictureColours::Bt709, {173, 42, 26}, rgba(0, 255, 0)},
+  };
+  for (const char* driver : {"opengles2", "software"}) {
+    SDL_setenv("SDL_RENDER_DRIVER", driver, 1);
+    const auto display = make();
+    SDL_RendererInfo info{};
+    SDL_GetRendererInfo(display->renderer(), &info);
+    EXPECT_STREQ(info.name, driver);
+    for (const auto& c : cases) {
+      const std::vector<std::uint8_t> planes[] = {std::vector<std::uint8_t>(64 * 36, c.yuv[0]),
+                                                  std::vector<std::uint8_t>(32 * 18, c.yuv[1]),
+                                                  std::vector<std::uint8_t>(32 * 18, c.yuv[2])};
+      display->presentFrame({.planes = {planes[0].data(), planes[1].data(), planes[2].data()},
+                             .pitches = {64, 32, 32},
+                             .width = 64,
+                             .height = 36,
+                             .colours = c.colours},
+                            -1);
+      const Colour seen = test::pixelAt(display->renderer(), width / 2, height / 2);
+      for (const auto channel : {redOf, greenOf, blueOf}) {
+        EXPECT_NEAR(channel(seen), channel(c.shown), 4) << driver << " " << static_cast<int>(c.colours);
+      }
+    }
+  }
+  unsetenv("SDL_RENDER_DRIVER");
+}
+
 TEST_F(DisplayTest, TurnsThePictureOnly) {
   const auto display = make(Orientation::Orientation180);
   display->presentFrame(Picture(320, 180).view(), -1);
@@ -144,6 +184,16 @@ TEST_F(DisplayTest, WithoutAScreenEveryCallIsHarmless) {
   display.presentBlank();
   display.setVideoPlaying(false);
   EXPECT_EQ(display.pollInput(), NavCode::None);
+}
+
+TEST_F(DisplayTest, AScreenThatNobodySeesHasToBeNamed) {
+  unsetenv("SDL_VIDEODRIVER");
+  unsetenv("DISPLAY");
+  unsetenv("WAYLAND_DISPLAY");
+  testing::internal::CaptureStderr();
+  const Display display(0, 0, width, height, Orientation::OrientationAuto, store.parts(), steadyClock());
+  testing::internal::GetCapturedStderr();
+  EXPECT_FALSE(display.usable());
 }
 
 TEST(PicturePlace, LiesByOrientationAndShape) {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "display/home/chooser_layout.h"
+#include "display/home/home_layout.h"
 #include "display/home/rooms.h"
 #include "display/strip/letter_bar.h"
 #include "display/strip/strip_layout.h"
@@ -20,7 +20,7 @@ std::string text(const SDL_Rect& rect) {
          std::to_string(rect.h);
 }
 
-TEST(ChooserLayout, DiscsAreAsLargeAsTheirRowsAllow) {
+TEST(HomeLayout, DiscsAreAsLargeAsTheirRowsAllow) {
   const struct {
     int users, width, height, rows;
     const char* discs;  ///< the first and the last: centre and radius
@@ -34,7 +34,7 @@ TEST(ChooserLayout, DiscsAreAsLargeAsTheirRowsAllow) {
       {40, 320, 240, 5, "55,56 8 265,184 8"},
   };
   for (const auto& c : cases) {
-    const ChooserLayout layout = layoutChooser(c.users, c.width, c.height);
+    const HomeLayout layout = layoutHome(c.users, c.width, c.height);
     std::string discs;
     for (const UserDisc& disc : layout.discs) {
       if (&disc != &layout.discs.front() && &disc != &layout.discs.back()) continue;
@@ -47,7 +47,7 @@ TEST(ChooserLayout, DiscsAreAsLargeAsTheirRowsAllow) {
   }
 }
 
-TEST(ChooserLayout, RoomBoxHoldsTheWidestNameAndItsArrows) {
+TEST(HomeLayout, RoomBoxHoldsTheWidestNameAndItsArrows) {
   const RoomBox large = layoutRoomBox({{534, 540}, 360, 72}, {60, 50});
   EXPECT_EQ(text(large.box), "438,677 192x86");
   EXPECT_EQ(std::to_string(large.text.x) + "," + std::to_string(large.text.y), "468,695");
@@ -107,13 +107,29 @@ TEST(LetterBar, StartsAtTheSelectedName) {
   LetterBar bar;
   bar.openAt("(500) Days", 0);
   EXPECT_EQ(bar.typedText(), "5");
-  bar.step(-9);
+  bar.step(-9, 0);
   EXPECT_EQ(bar.typedText(), "0") << "no wrap";
-  bar.type('Q');
-  bar.type('\b');
-  bar.type('\b');
+  bar.type('Q', 100);
+  bar.type('\b', 100);
+  bar.type('\b', 100);
   EXPECT_EQ(bar.typedText(), "");
-  EXPECT_EQ(letterCellOf("\xC3\xA9.-"), 10U) << "A where there is no letter";
+  bar.type('Q', 100);
+  bar.forgetTyped(9000);
+  EXPECT_EQ(bar.typedText(), "q") << "as long as the bar is open";
+  bar.reset();
+  bar.forgetTyped(2099);
+  EXPECT_EQ(bar.typedText(), "q");
+  bar.forgetTyped(2100);
+  EXPECT_EQ(bar.typedText(), "");
+  const std::pair<const char*, char> cells[] = {{"", 'A'},
+                                                {"(500) Days", '5'},
+                                                {"\xC3\x9C"
+                                                 "ber",
+                                                 'U'},
+                                                {"\xC3\xA9t\xC3\xA9", 'E'},
+                                                {"\xD0\x91\xD1\x80\xD0\xB0\xD1\x82", 'Z'},
+                                                {"...", 'Z'}};
+  for (const auto& [title, cell] : cells) EXPECT_EQ(letterAlphabet[letterCellOf(title)], cell) << title;
 }
 
 TEST(Rooms, StoredRoomIsFound) {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <thread>
 
 #include <SDL_image.h>
 #include <gtest/gtest.h>
@@ -147,6 +148,17 @@ class ClearLogoFileTest : public testing::Test {
     std::ofstream(file, std::ios::binary) << bytes;
   }
 
+  /// Until the search has come to an end.
+  void follow(ClearLogo& logo, const test::Offscreen& screen, fs::path video = {}) {
+    if (video.empty()) video = episode;
+    for (int i = 0; i < 3; ++i) {
+      logo.follow(screen.renderer(), video, nowMs += 500);
+      std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    }
+    logo.follow(screen.renderer(), video, nowMs);
+  }
+
+  Uint64 nowMs = 1000;
   const fs::path show = test::library.path() / "tv/Show";
   const fs::path episode = show / "Season 2/S02E05 Pilot.mkv";
   const fs::path showLogo = show / "clearlogo.png";
@@ -169,32 +181,30 @@ TEST_F(ClearLogoFileTest, UnreadableFileIsTriedAgainWhenItChanges) {
   const std::string good = png();
   write(showLogo, std::string(good.size(), 'x'));
   const auto changedAt = fs::last_write_time(showLogo);
-  logo.load(screen.renderer(), episode);
+  follow(logo, screen);
   write(showLogo, good);
   fs::last_write_time(showLogo, changedAt);
-  logo.load(screen.renderer(), episode);
+  follow(logo, screen);
   EXPECT_FALSE(logo.loaded()) << "not decoded again as long as it looks the same";
   fs::last_write_time(showLogo, changedAt + std::chrono::seconds(1));
-  logo.load(screen.renderer(), episode);
+  follow(logo, screen);
   EXPECT_TRUE(logo.loaded());
-  fs::remove(showLogo);
-  logo.load(screen.renderer(), episode);
-  EXPECT_FALSE(logo.loaded());
+  logo.follow(screen.renderer(), test::library.path() / "movies/other.mkv", nowMs);
+  follow(logo, screen, test::library.path() / "movies/other.mkv");
+  EXPECT_FALSE(logo.loaded()) << "another item has none";
 }
 
 TEST_F(ClearLogoFileTest, LogoAndLineFadeOverAPausedPicture) {
   const test::Offscreen screen;
   write(showLogo, png());
   ClearLogo logo;
-  logo.load(screen.renderer(), episode);
-  Uint64 nowMs = 1000;
+  follow(logo, screen);
   const auto drawAfter = [&](Uint64 ms, const ClearLogoInput& input) {
     logo.draw(frameAt(screen, nowMs += ms), input, episode);
   };
   for (const ClearLogoInput& hiding :
        {ClearLogoInput{}, ClearLogoInput{.videoPlaying = true, .stripOn = true},
-        ClearLogoInput{.videoPaused = true, .homeMode = true},
-        ClearLogoInput{.videoPaused = true, .screensaverActive = true}}) {
+        ClearLogoInput{.videoPaused = true, .homeMode = true}}) {
     drawAfter(100, {.videoPaused = true});
     drawAfter(250, {.stripOn = true});
     EXPECT_NEAR(redOf(screen.pixel(640, 120)), 127, 1) << nowMs;

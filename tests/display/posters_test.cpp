@@ -116,6 +116,32 @@ TEST_F(PostersTest, SelectionGoesToTheFilmThatPlays) {
   EXPECT_FALSE(posters.selectPosterByVoice("zardoz"));
 }
 
+/// The name itself goes before a longer one that begins with it, in whatever order they come.
+TEST_F(PostersTest, TheVeryNameIsSelected) {
+  for (const char* name : {"Star Trek", "Star Trek Discovery", "Zulu", "\xD0\x91\xD1\x80\xD0\xB0\xD1\x82 2"})
+    addFilm(name);
+  for (const bool loadedBefore : {false, true}) {
+    for (const char* name : {"Star Trek", "Star Trek Discovery", "\xD0\x91\xD1\x80\xD0\xB0\xD1\x82 2"}) {
+      if (!loadedBefore) posters.clear();
+      posters.selectPosterFor(at(std::string("elsewhere/") + name + ".mkv"));
+      load("movies");
+      const auto& selected = posters.list()[static_cast<std::size_t>(posters.selectedPoster())];
+      EXPECT_EQ(selected.path.stem(), name) << loadedBefore;
+    }
+  }
+  const std::pair<const char*, const char*> typed[] = {
+      {"s", "Star Trek Discovery"}, {"star trek d", "Star Trek Discovery"}, {"z", "Zulu"}};
+  for (const auto& [text, title] : typed) {
+    posters.jumpToTyped(text);
+    EXPECT_EQ(posters.list()[static_cast<std::size_t>(posters.selectedPoster())].path.stem(), title) << text;
+  }
+  fs::remove(at("movies/Zulu.png"));
+  posters.clear();
+  load("movies");
+  posters.jumpToTyped("z");
+  EXPECT_EQ(posters.selectedPoster(), 2) << "other scripts stand behind the last letter";
+}
+
 TEST_F(PostersTest, LoadingStopsWhenTheFolderIsLeftOrGone) {
   for (int i = 0; i < 60; ++i) addFilm("film " + std::to_string(i));
   write("kids/a.mkv");

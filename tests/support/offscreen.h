@@ -11,6 +11,7 @@
 #include "display/toolkit/colour.h"
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/sdl_handles.h"
+#include "display/toolkit/text.h"
 
 /// Drawing without a screen: SDL's offscreen driver gives a real renderer with no display server.
 namespace tavek::test {
@@ -62,6 +63,7 @@ class Offscreen {
     keepLibrariesLoaded();
   }
   ~Offscreen() {
+    dropTextCache();
     font_.reset();
     renderer_.reset();
     window_.reset();

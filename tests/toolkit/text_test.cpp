@@ -22,6 +22,7 @@ class TextTest : public testing::Test {
  protected:
   TextTest() { TTF_Init(); }
   ~TextTest() override {
+    dropTextCache();
     closeFonts();
     TTF_Quit();
   }

@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "base/paths.h"
-#include "base/process_flags.h"
 #include "base/text.h"
 #include "library/media_paths.h"
 
@@ -28,7 +27,7 @@ std::optional<std::size_t> roomNamed(const Folders& rooms, const std::string& na
 }
 
 std::optional<std::size_t> roomOfKind(const Folders& rooms, MediaKind kind) {
-  return firstRoom(rooms, [&](const fs::path& room) { return classifyFolder(room, quitRequested) == kind; });
+  return firstRoom(rooms, [&](const fs::path& room) { return knownKind(room) == kind; });
 }
 
 constexpr std::array<std::pair<const char*, MediaKind>, 4> kindHints{{{"tv", MediaKind::Series},
@@ -70,8 +69,24 @@ std::size_t roomFor(const Folders& rooms, const std::string& hint, std::size_t c
 }
 
 void Rooms::reload() {
+  if (listing_.running()) return;
+  listing_.start([](JobSide<Folders>& side) {
+    Folders rooms = listRoots(side.stop());
+    // The answers are kept, so that asking for them later does not touch the disk.
+    for (const fs::path& room : rooms) classifyFolder(room, side.stop());
+    side.post(std::move(rooms));
+  });
+}
+
+bool Rooms::poll() {
+  auto folders = listing_.take();
+  if (folders) take(std::move(*folders));
+  return folders.has_value();
+}
+
+void Rooms::take(Folders folders) {
   const fs::path selected = index_ < folders_.size() ? folders_[index_] : fs::path();
-  folders_ = listRoots(quitRequested);
+  folders_ = std::move(folders);
   const auto same = std::ranges::find(folders_, selected);
   index_ = static_cast<std::size_t>(same - folders_.begin());
   if (index_ >= folders_.size()) index_ = roomFor(folders_, "", index_);

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "base/background_job.h"
+
 namespace tavek {
 
 /// As the home screen names a room: its folder's name, or "library" for a path without one.
@@ -15,11 +17,13 @@ std::string roomLabel(const std::filesystem::path& room);
 std::size_t roomFor(const std::vector<std::filesystem::path>& rooms, const std::string& hint,
                     std::size_t current);
 
-/// The rooms of the library, and the selected one.
+/// The rooms of the library, and the selected one. Main thread only.
 class Rooms {
  public:
-  /// Reads the library anew; the selected room stays selected if it is still there.
+  /// Has the library read anew, and each room's kind found out, in the background.
   void reload();
+  /// True once for each list that has come; the selected room stays selected if it is still there.
+  bool poll();
   /// Selects the room that the hint means.
   void choose(const std::string& hint) { index_ = roomFor(folders_, hint, index_); }
   void select(std::size_t index) { index_ = index; }
@@ -32,6 +36,9 @@ class Rooms {
   const std::vector<std::string>& labels() const { return labels_; }
 
  private:
+  void take(std::vector<std::filesystem::path> folders);
+
+  BackgroundJob<std::vector<std::filesystem::path>> listing_;
   std::vector<std::filesystem::path> folders_;
   std::vector<std::string> labels_{"library"};
   std::size_t index_ = 0;

@@ -10,6 +10,7 @@
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/image_file.h"
 #include "display/toolkit/text.h"
+#include "display/toolkit/texture.h"
 #include "library/episode_name.h"
 #include "library/file_types.h"
 #include "library/media_paths.h"
@@ -59,38 +60,60 @@ ClearLogo::FileState ClearLogo::stateOf(const fs::path& file) {
   return {file, fs::last_write_time(file, ignored), fs::file_size(file, ignored)};
 }
 
-void ClearLogo::load(SDL_Renderer* renderer, const fs::path& currentVideo) {
-  if (renderer == nullptr || currentVideo.empty()) return;
-  const std::optional<fs::path> file = clearLogoFor(currentVideo);
-  if (loaded() && file == source_) return;
-  drop();
-  if (!file) return;
+ClearLogo::Found ClearLogo::look(const fs::path& video, const FileState& loaded,
+                                 const FileState& unreadable) {
+  const std::optional<fs::path> file = clearLogoFor(video);
+  if (!file) return {};
   FileState state = stateOf(*file);
-  if (state == unreadable_) return;
+  if (state == loaded || state == unreadable) return {std::move(state), nullptr};
+  return {std::move(state), {loadImage(*file).release(), SdlDeleter()}};
+}
 
-  const SurfacePtr picture = loadImage(*file);
-  TexturePtr texture(picture ? SDL_CreateTextureFromSurface(renderer, picture.get()) : nullptr);
+void ClearLogo::follow(SDL_Renderer* renderer, const fs::path& currentVideo, Uint64 nowMs) {
+  constexpr Uint64 searchMs = 500;
+  if (renderer == nullptr || currentVideo.empty()) return;
+  while (auto found = search_.take()) take(renderer, std::move(*found));
+  const bool sameVideo = currentVideo == video_;
+  if (sameVideo && (loaded() || search_.running() || nowMs < searchedAt_ + searchMs)) return;
+  video_ = currentVideo;
+  searchedAt_ = nowMs;
+  search_.start([video = video_, loaded = source_, unreadable = unreadable_](JobSide<Found>& side) {
+    side.post(look(video, loaded, unreadable));
+    SDL_TLSCleanup();
+  });
+}
+
+/// One that is loaded already stays: two episodes share the logo of their show.
+void ClearLogo::take(SDL_Renderer* renderer, Found found) {
+  if (loaded() && found.file == source_) return;
+  const bool wasUnreadable = found.file == unreadable_;
+  texture_.reset();
+  size_ = {};
+  source_ = {};
+  if (found.file.path.empty() || wasUnreadable) return;
+  TexturePtr texture(found.picture ? SDL_CreateTextureFromSurface(renderer, found.picture.get()) : nullptr);
   SDL_Point size{};
   if (!texture || SDL_QueryTexture(texture.get(), nullptr, nullptr, &size.x, &size.y) != 0 || size.x <= 0 ||
       size.y <= 0) {
-    unreadable_ = std::move(state);
+    unreadable_ = std::move(found.file);
     return;
   }
   texture_ = std::move(texture);
   size_ = size;
-  source_ = *file;
+  source_ = std::move(found.file);
 }
 
 void ClearLogo::drop() {
+  search_.leave();
+  video_.clear();
   texture_.reset();
   size_ = {};
-  source_.clear();
+  source_ = {};
   fade_ = {};
 }
 
 void ClearLogo::draw(const FrameContext& frame, const ClearLogoInput& input, const fs::path& currentVideo) {
-  const bool mayShow =
-      !input.videoPlaying && !input.homeMode && loaded() && !input.screensaverActive && !suppressed_;
+  const bool mayShow = !input.videoPlaying && !input.homeMode && loaded() && !suppressed_;
   const bool target = mayShow && (input.videoPaused || input.stripOn);
   const std::uint8_t alpha = fadedAlpha(advanceFade(fade_, target, frame.nowMs));
   if (alpha == 0 || !loaded()) return;
@@ -100,7 +123,7 @@ void ClearLogo::draw(const FrameContext& frame, const ClearLogoInput& input, con
   SDL_GetTextureAlphaMod(texture_.get(), &before);
   SDL_SetTextureBlendMode(texture_.get(), SDL_BLENDMODE_BLEND);
   SDL_SetTextureAlphaMod(texture_.get(), alpha);
-  SDL_RenderCopy(frame.renderer, texture_.get(), nullptr, &place);
+  copyTexture(frame.renderer, texture_.get(), place);
   SDL_SetTextureAlphaMod(texture_.get(), before);
   drawEpisodeLine(frame, place, alpha, currentVideo);
 }

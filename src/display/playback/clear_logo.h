@@ -2,11 +2,13 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 
 #include <SDL.h>
 
+#include "base/background_job.h"
 #include "display/toolkit/fade.h"
 #include "display/toolkit/frame_context.h"
 #include "display/toolkit/sdl_handles.h"
@@ -29,16 +31,16 @@ struct ClearLogoInput {
   bool videoPlaying = false;
   bool videoPaused = false;
   bool homeMode = false;
-  bool screensaverActive = false;
   bool stripOn = false;  ///< the poster strip in any state but closed
 };
 
 /// The logo of what stands on the screen, over a paused picture or above the poster strip.
 class ClearLogo {
  public:
-  /// Looks for the item's logo and loads it unless it is the one that is loaded. A file that can't be read is
-  /// tried again once it has changed; nothing is reported.
-  void load(SDL_Renderer* renderer, const std::filesystem::path& currentVideo);
+  /// Has the logo of the item looked for and decoded in the background: at once for a new item, then twice a
+  /// second until there is one. A file that can't be read is tried again once it has changed; nothing is
+  /// reported.
+  void follow(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, Uint64 nowMs);
   void drop();
   bool loaded() const { return texture_ != nullptr; }
   /// Keeps the logo away while the picture fades out.
@@ -53,13 +55,23 @@ class ClearLogo {
     std::uintmax_t size = 0;
     bool operator==(const FileState&) const = default;
   };
+  /// What the search has come to.
+  struct Found {
+    FileState file;  ///< without a path if there is none
+    std::shared_ptr<SDL_Surface> picture;
+  };
   static FileState stateOf(const std::filesystem::path& file);
+  static Found look(const std::filesystem::path& video, const FileState& loaded, const FileState& unreadable);
+  void take(SDL_Renderer* renderer, Found found);
   void drawEpisodeLine(const FrameContext& frame, const SDL_Rect& logo, std::uint8_t alpha,
                        const std::filesystem::path& currentVideo) const;
 
   TexturePtr texture_;
   SDL_Point size_{};
-  std::filesystem::path source_;
+  BackgroundJob<Found> search_;
+  std::filesystem::path video_;  ///< whose logo it is, or is looked for
+  Uint64 searchedAt_ = 0;
+  FileState source_;
   FileState unreadable_;  ///< the last file that failed, so that it isn't decoded in every frame
   FadePair fade_;
   bool suppressed_ = false;

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "display/playback/picture_place.h"
+#include "display/toolkit/texture.h"
 
 namespace tavek {
 namespace {
@@ -88,9 +89,8 @@ void VideoPicture::draw(const FrameContext& frame, const PictureView& picture) {
 void VideoPicture::copy(SDL_Renderer* renderer, const PictureView& picture, SDL_Point window) {
   const auto [rect, angle] =
       placePicture(orientation_, window, {picture.width, picture.height}, picture.sampleAspect);
-  // Pixel for pixel there is nothing to smooth, and a software GL is several times quicker without.
-  const bool sameSize = rect.w == picture.width && rect.h == picture.height;
-  SDL_SetTextureScaleMode(texture_.get(), sameSize ? SDL_ScaleModeNearest : scaleMode_);
+  SDL_SetTextureScaleMode(texture_.get(),
+                          scaleModeFor({picture.width, picture.height}, {rect.w, rect.h}, scaleMode_));
   if (angle == 0) {
     // The software renderer turns by way of two more copies, even by nothing.
     SDL_RenderCopy(renderer, texture_.get(), nullptr, &rect);

@@ -7,6 +7,7 @@
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/shapes.h"
 #include "display/toolkit/text.h"
+#include "library/titles.h"
 
 namespace tavek {
 namespace {
@@ -14,19 +15,12 @@ namespace {
 constexpr double slideMs = 120;
 constexpr int bandHeight = 50;
 
-std::size_t cellOf(char character) {
-  const char upper =
-      character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
-  return letterAlphabet.find(upper);
-}
-
 }  // namespace
 
 std::size_t letterCellOf(std::string_view text) {
-  for (const char character : text) {
-    if (const std::size_t cell = cellOf(character); cell != std::string_view::npos) return cell;
-  }
-  return cellOf('A');
+  if (text.empty()) return letterAlphabet.find('A');
+  const char letter = letterOf(text);
+  return letter != 0 ? letterAlphabet.find(letter) : letterAlphabet.size() - 1;
 }
 
 void LetterBar::openAt(std::string_view posterName, Uint64 nowMs) {
@@ -34,30 +28,36 @@ void LetterBar::openAt(std::string_view posterName, Uint64 nowMs) {
   armed_ = false;
   slideAt_ = nowMs;
   cell_ = letterCellOf(typedText_.empty() ? posterName : std::string_view(typedText_).substr(0, 1));
-  setText(std::string(1, letterAlphabet[cell_]));
+  setText(std::string(1, letterAlphabet[cell_]), nowMs);
 }
 
 void LetterBar::close(Uint64 nowMs) {
   open_ = false;
   armed_ = true;
   slideAt_ = nowMs;
-  setText({});
+  setText({}, nowMs);
 }
 
-void LetterBar::step(int delta) {
+void LetterBar::step(int delta, Uint64 nowMs) {
   const auto last = static_cast<int>(letterAlphabet.size()) - 1;
   const auto next = static_cast<std::size_t>(std::clamp(static_cast<int>(cell_) + delta, 0, last));
   if (std::exchange(cell_, next) == next) return;
-  setText(std::string(1, letterAlphabet[cell_]));
+  setText(std::string(1, letterAlphabet[cell_]), nowMs);
 }
 
-void LetterBar::type(char character) {
-  if (character != '\b') return setText(typedText_ + toLower({&character, 1}));
-  if (!typedText_.empty()) setText(typedText_.substr(0, typedText_.size() - 1));
+void LetterBar::type(char character, Uint64 nowMs) {
+  if (character != '\b') return setText(typedText_ + toLower({&character, 1}), nowMs);
+  if (!typedText_.empty()) setText(typedText_.substr(0, typedText_.size() - 1), nowMs);
 }
 
-void LetterBar::setText(std::string text) {
+void LetterBar::forgetTyped(Uint64 nowMs) {
+  constexpr Uint64 typedMs = 2000;
+  if (!open_ && !typedText_.empty() && nowMs >= typedAt_ + typedMs) typedText_.clear();
+}
+
+void LetterBar::setText(std::string text, Uint64 nowMs) {
   typedText_ = std::move(text);
+  typedAt_ = nowMs;
   if (!typedText_.empty()) cell_ = letterCellOf(std::string_view(typedText_).substr(0, 1));
 }
 
@@ -79,7 +79,7 @@ void LetterBar::draw(const FrameContext& frame) const {
     const std::string letter(1, letterAlphabet[i]);
     const SDL_Point size = textSize(font, letter);
     const int centre = static_cast<int>((static_cast<double>(i) + 0.5) * cellWidth);
-    const bool highlighted = open_ && i == cell_;
+    const bool highlighted = (open_ || !typedText_.empty()) && i == cell_;
     if (highlighted) {
       const int width = std::max(static_cast<int>(cellWidth) - 8, size.x + 12);
       fillRect(frame.renderer, {centre - width / 2, top, width, bandHeight},

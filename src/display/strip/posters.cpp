@@ -50,10 +50,10 @@ int widthAt(SDL_Texture* texture, int height) {
 
 /// What the viewer reads on a tile of a series room: a folder's name, or an episode's title.
 std::string shownName(const fs::path& tile) {
-  if (!isVideoFile(tile)) return toLower(tile.parent_path().filename().string());
+  if (!isVideoFile(tile)) return foldCase(tile.parent_path().filename().string());
   const std::string stem = tile.stem().string();
   const EpisodeLabel label = episodeLabelOf(stem);
-  return toLower(label.episode.empty() ? stem : label.title);
+  return foldCase(label.episode.empty() ? stem : label.title);
 }
 
 bool sameFile(const std::string& poster, const fs::path& media) {
@@ -172,8 +172,10 @@ void Posters::selectPosterFor(const fs::path& media) {
     found = findKey(makeMatchKey(title));
     if (found < 0 && !title.empty()) goal_.waitingKey = title;
   }
-  goal_.nameFound = found >= 0;
-  if (goal_.nameFound) select(found);
+  if (found < 0) return;
+  const MatchKey& key = page_.posters[static_cast<std::size_t>(found)].key;
+  goal_.found = std::max(matchKeys(key, goal_.selectionKey), KeyMatch::Generous);
+  select(found);
 }
 
 bool Posters::meetsGoal(const Poster& poster) {
@@ -182,10 +184,12 @@ bool Posters::meetsGoal(const Poster& poster) {
     goal_ = {};
     return true;
   }
-  if (goal_.nameFound) return false;
-  goal_.nameFound = goal_.selectionKey.raw.empty() ? poster.key.raw == goal_.waitingKey
-                                                   : keysMatch(poster.key, goal_.selectionKey);
-  return goal_.nameFound;
+  const KeyMatch match = goal_.selectionKey.raw.empty()
+                             ? (poster.key.raw == goal_.waitingKey ? KeyMatch::Exact : KeyMatch::None)
+                             : matchKeys(poster.key, goal_.selectionKey);
+  if (match <= goal_.found) return false;
+  goal_.found = match;
+  return true;
 }
 
 bool Posters::seriesRoom() const {
@@ -210,9 +214,13 @@ int Posters::findMedia(const fs::path& media) const {
 
 int Posters::findKey(const MatchKey& key) const {
   if (key.raw.empty()) return -1;
-  const auto found =
-      std::ranges::find_if(page_.posters, [&](const Poster& poster) { return keysMatch(poster.key, key); });
-  return found == page_.posters.end() ? -1 : static_cast<int>(found - page_.posters.begin());
+  // The name itself goes before one that it only begins.
+  for (const KeyMatch wanted : {KeyMatch::Exact, KeyMatch::Generous}) {
+    const auto found = std::ranges::find_if(
+        page_.posters, [&](const Poster& poster) { return matchKeys(poster.key, key) == wanted; });
+    if (found != page_.posters.end()) return static_cast<int>(found - page_.posters.begin());
+  }
+  return -1;
 }
 
 bool Posters::selectPosterByVoice(std::string_view text) {
@@ -229,13 +237,22 @@ bool Posters::selectPosterByVoice(std::string_view text) {
 
 void Posters::jumpToTyped(std::string_view text) {
   if (text.empty()) return;
-  const std::string query = toLower(text);
+  const std::string query = foldCase(text);
   const bool lettersOnly = !isAsciiDigit(query.front());
   const bool series = seriesRoom();
-  const auto found = std::ranges::find_if(page_.posters, [&](const Poster& poster) {
-    const MatchKey key = series ? makeMatchKey(shownName(poster.path)) : poster.key;
-    return matchesQuery(key, poster.path, false, query, lettersOnly);
+  const auto keyOf = [&](const Poster& poster) {
+    return series ? makeMatchKey(shownName(poster.path)) : poster.key;
+  };
+  auto found = std::ranges::find_if(page_.posters, [&](const Poster& poster) {
+    return matchesQuery(keyOf(poster), poster.path, false, query, lettersOnly);
   });
+  // Titles of other scripts stand behind the last letter.
+  if (found == page_.posters.end() && query == "z") {
+    found = std::ranges::find_if(page_.posters, [&](const Poster& poster) {
+      const std::string title = keyOf(poster).raw;
+      return !title.empty() && letterOf(title) == 0;
+    });
+  }
   if (found != page_.posters.end()) selectPoster(static_cast<int>(found - page_.posters.begin()));
 }
 

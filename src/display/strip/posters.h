@@ -94,12 +94,12 @@ class Posters {
   std::unordered_map<std::string, Page> folderPages_;  ///< complete ones, by the folder's normal text
 
   /// The file whose poster is to be selected once it comes. Names tell less than the file itself: the first
-  /// poster of the like name is taken, until that of the very file comes.
+  /// poster of a like name is taken, until one of the very name comes, or that of the very file.
   struct Goal {
     std::string media;
     MatchKey selectionKey;
-    std::string waitingKey;  ///< a title to look for where the file has no key
-    bool nameFound = false;
+    std::string waitingKey;           ///< a title to look for where the file has no key
+    KeyMatch found = KeyMatch::None;  ///< how well the selected poster's name goes with it
   };
   Goal goal_;
   Uint64 lastTextureCheckAt_ = 0;

@@ -10,6 +10,7 @@
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/shapes.h"
 #include "display/toolkit/text.h"
+#include "display/toolkit/texture.h"
 
 namespace tavek {
 namespace {
@@ -21,7 +22,7 @@ constexpr Colour errorText = rgba(255, 128, 128);
 void drawPoster(SDL_Renderer* renderer, const Poster& poster, const SDL_Rect& rect, double strength) {
   SDL_Texture* texture = poster.texture.get();
   SDL_SetTextureAlphaMod(texture, fadedAlpha(strength));
-  SDL_RenderCopy(renderer, texture, nullptr, &rect);
+  copyTexture(renderer, texture, rect);
   SDL_SetTextureAlphaMod(texture, 255);
 }
 

@@ -8,9 +8,13 @@
 
 #include "display/toolkit/colour.h"
 
-/// Lines of text. Nothing is cached: each line is rendered anew in each frame. A null renderer, a null font,
-/// an empty string or text that can't be rendered draws nothing. Positions are the top left corner in pixels.
+/// Lines of text. Those of the last frames are kept as pictures, so that a line that stands costs a copy. A
+/// null renderer, a null font, an empty string or text that can't be rendered draws nothing. Positions are
+/// the top left corner in pixels. Main thread only.
 namespace tavek {
+
+/// Drops the lines that are kept; has to run before their renderer or their fonts go.
+void dropTextCache();
 
 /// Width and height of one line; zero without a font or text.
 SDL_Point textSize(TTF_Font* font, const std::string& text);

@@ -7,7 +7,7 @@
 
 #include <SDL.h>
 
-#include "display/home/chooser_layout.h"
+#include "display/home/home_layout.h"
 #include "display/toolkit/colour.h"
 #include "display/toolkit/frame_context.h"
 #include "display/toolkit/shapes.h"
@@ -15,7 +15,7 @@
 namespace tavek {
 
 /// What the discs show beside the users.
-struct ChooserInput {
+struct HomeShown {
   const std::vector<std::string>& roomLabels;
   std::size_t roomIndex = 0;
   bool homeMode = true;
@@ -24,7 +24,7 @@ struct ChooserInput {
 };
 
 /// The home screen: a disc for each user, and the name of the selected room in the selected one.
-class Chooser {
+class HomeView {
  public:
   /// The users, and the one under the cursor.
   void setUsers(std::vector<std::string> names, std::size_t index);
@@ -39,17 +39,16 @@ class Chooser {
   void showHint(Uint64 nowMs);
   void setArrows(bool up, bool down);
 
-  void draw(const FrameContext& frame, const ChooserInput& input);
+  void draw(const FrameContext& frame, const HomeShown& input);
 
  private:
-  double strength(const FrameContext& frame, const ChooserInput& input);
-  void drawRoom(const FrameContext& frame, const ChooserInput& input, const UserDisc& disc,
+  double strength(const FrameContext& frame, const HomeShown& input);
+  void drawRoom(const FrameContext& frame, const HomeShown& input, const UserDisc& disc,
                 double strength) const;
-  void drawArrows(SDL_Renderer* renderer, const ChooserInput& input, const RoomBox& room,
-                  double strength) const;
-  Colour arrowColour(const ChooserInput& input, bool up) const;
-  void drawNames(const FrameContext& frame, const ChooserLayout& layout, double strength) const;
-  void drawHints(const FrameContext& frame, const ChooserInput& input, int top, double strength);
+  void drawArrows(SDL_Renderer* renderer, const HomeShown& input, const RoomBox& room, double strength) const;
+  Colour arrowColour(const HomeShown& input, bool up) const;
+  void drawNames(const FrameContext& frame, const HomeLayout& layout, double strength) const;
+  void drawHints(const FrameContext& frame, const HomeShown& input, int top, double strength);
 
   std::vector<std::string> userNames_;
   std::size_t userIndex_ = 0;

@@ -1,4 +1,4 @@
-#include "display/home/chooser_layout.h"
+#include "display/home/home_layout.h"
 
 #include <algorithm>
 #include <cmath>
@@ -50,9 +50,9 @@ int discRadius(double cellWidth, double cellHeight, const Area& area, double wan
 
 }  // namespace
 
-ChooserLayout layoutChooser(int users, int width, int height) {
+HomeLayout layoutHome(int users, int width, int height) {
   const Area area = areaOf(width, height);
-  ChooserLayout layout;
+  HomeLayout layout;
   layout.hintTop = area.margin + area.height + 40;
   if (users < 1) return layout;
 

@@ -13,7 +13,7 @@ struct UserDisc {
   int ring;
 };
 
-struct ChooserLayout {
+struct HomeLayout {
   int rows = 1;
   std::vector<UserDisc> discs;
   int smallestRadius = 48;
@@ -21,7 +21,7 @@ struct ChooserLayout {
 };
 
 /// The number of rows that gives the largest discs, filled from the top.
-ChooserLayout layoutChooser(int users, int width, int height);
+HomeLayout layoutHome(int users, int width, int height);
 
 /// The room's name inside a disc with an arrow up and one down behind it, one above the other.
 struct RoomBox {

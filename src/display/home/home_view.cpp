@@ -1,4 +1,4 @@
-#include "display/home/chooser.h"
+#include "display/home/home_view.h"
 
 #include <algorithm>
 #include <utility>
@@ -61,30 +61,30 @@ TTF_Font* nameFont(const FrameContext& frame, int smallestRadius, const std::vec
 
 }  // namespace
 
-void Chooser::setUsers(std::vector<std::string> names, std::size_t index) {
+void HomeView::setUsers(std::vector<std::string> names, std::size_t index) {
   userNames_ = std::move(names);
   userIndex_ = userNames_.empty() ? 0 : std::min(index, userNames_.size() - 1);
   discs_.resize(userNames_.size());
 }
 
-bool Chooser::moveUser(int delta) {
+bool HomeView::moveUser(int delta) {
   if (userNames_.empty()) return false;
   const auto last = static_cast<int>(userNames_.size()) - 1;
   const auto index = static_cast<std::size_t>(std::clamp(static_cast<int>(userIndex_) + delta, 0, last));
   return std::exchange(userIndex_, index) != index;
 }
 
-void Chooser::showHint(Uint64 nowMs) {
+void HomeView::showHint(Uint64 nowMs) {
   hintShownAt_.reset();
   if (!hintShownOnce_) hintShownAt_ = nowMs;
 }
 
-void Chooser::setArrows(bool up, bool down) {
+void HomeView::setArrows(bool up, bool down) {
   roomUpArrowLit_ = up;
   roomDownArrowLit_ = down;
 }
 
-double Chooser::strength(const FrameContext& frame, const ChooserInput& input) {
+double HomeView::strength(const FrameContext& frame, const HomeShown& input) {
   if (input.folderChangeAt)
     return std::clamp(1 - since(*input.folderChangeAt, frame.nowMs) / fadeMs, 0.0, 1.0);
   if (!fadeInAt_ || !input.homeMode || input.stripOn) return 1;
@@ -93,12 +93,12 @@ double Chooser::strength(const FrameContext& frame, const ChooserInput& input) {
   return std::min(strength, 1.0);
 }
 
-void Chooser::draw(const FrameContext& frame, const ChooserInput& input) {
+void HomeView::draw(const FrameContext& frame, const HomeShown& input) {
   if (frame.renderer == nullptr) return;
   const BlendScope blending(frame.renderer);
   const double alpha = strength(frame, input);
   fillRect(frame.renderer, {0, 0, frame.width, frame.height}, scaleAlpha(theme::black, alpha));
-  const ChooserLayout layout = layoutChooser(static_cast<int>(userNames_.size()), frame.width, frame.height);
+  const HomeLayout layout = layoutHome(static_cast<int>(userNames_.size()), frame.width, frame.height);
   for (std::size_t i = 0; i < layout.discs.size(); ++i) {
     const UserDisc& disc = layout.discs[i];
     const Colour colour = i == userIndex_ ? theme::accent : idleDisc;
@@ -109,8 +109,8 @@ void Chooser::draw(const FrameContext& frame, const ChooserInput& input) {
   drawHints(frame, input, layout.hintTop, alpha);
 }
 
-void Chooser::drawRoom(const FrameContext& frame, const ChooserInput& input, const UserDisc& disc,
-                       double strength) const {
+void HomeView::drawRoom(const FrameContext& frame, const HomeShown& input, const UserDisc& disc,
+                        double strength) const {
   TTF_Font* font = roomFont(frame, disc, input.roomLabels);
   const RoomBox room = layoutRoomBox(disc, widestOf(font, input.roomLabels));
   fillRect(frame.renderer, room.box, scaleAlpha(theme::black, strength));
@@ -121,15 +121,15 @@ void Chooser::drawRoom(const FrameContext& frame, const ChooserInput& input, con
   drawArrows(frame.renderer, input, room, strength);
 }
 
-Colour Chooser::arrowColour(const ChooserInput& input, bool up) const {
+Colour HomeView::arrowColour(const HomeShown& input, bool up) const {
   if (!input.homeMode) return theme::white;
   if (up ? roomUpArrowLit_ : roomDownArrowLit_) return litArrow;
   const bool more = up ? input.roomIndex > 0 : input.roomIndex + 1 < input.roomLabels.size();
   return more ? theme::white : deadArrow;
 }
 
-void Chooser::drawArrows(SDL_Renderer* renderer, const ChooserInput& input, const RoomBox& room,
-                         double strength) const {
+void HomeView::drawArrows(SDL_Renderer* renderer, const HomeShown& input, const RoomBox& room,
+                          double strength) const {
   const auto line = [&](int k, int y) {
     SDL_RenderDrawLine(renderer, room.arrows.x + k, y, room.arrows.x + room.arrowWidth - k, y);
   };
@@ -139,7 +139,7 @@ void Chooser::drawArrows(SDL_Renderer* renderer, const ChooserInput& input, cons
   for (int k = 0; k < room.arrowHeight; ++k) line(k, room.arrows.y + room.arrowHeight + room.arrowGap + k);
 }
 
-void Chooser::drawNames(const FrameContext& frame, const ChooserLayout& layout, double strength) const {
+void HomeView::drawNames(const FrameContext& frame, const HomeLayout& layout, double strength) const {
   TTF_Font* font = nameFont(frame, layout.smallestRadius, userNames_);
   for (std::size_t i = 0; i < layout.discs.size(); ++i) {
     const UserDisc& disc = layout.discs[i];
@@ -149,7 +149,7 @@ void Chooser::drawNames(const FrameContext& frame, const ChooserLayout& layout, 
   }
 }
 
-void Chooser::drawHints(const FrameContext& frame, const ChooserInput& input, int top, double strength) {
+void HomeView::drawHints(const FrameContext& frame, const HomeShown& input, int top, double strength) {
   if (!input.homeMode) {
     const SDL_Point size = textSize(frame.baseFont, userHint);
     const int y = top + size.y > frame.height - 19 ? frame.height - size.y - 20 : top;

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include <SDL.h>
+
+#include "display/home/home_view.h"
+#include "display/home/rooms.h"
+#include "display/toolkit/frame_context.h"
+#include "display/toolkit/layer.h"
+#include "state/stored.h"
+
+namespace tavek {
+
+/// The home screen: the users, each with the rooms of the library. Users are chosen to the side and rooms up
+/// and down; Enter leads into the room. It can lie over an item too, and then has paused it.
+class Home final : public Layer {
+ public:
+  explicit Home(const Stored& stored) : stored_(stored) { rooms_.reload(); }
+
+  Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
+  Meaning move(Direction direction, const FocusFacts& facts, Uint64 nowMs) override;
+  bool repeats(const FocusFacts& /*facts*/) const override { return false; }
+  /// Once per pass: a confirmed user's way to the room, and a list of rooms that has come.
+  Meaning advance(Uint64 nowMs);
+
+  bool homeMode() const { return homeMode_; }
+  bool chooserOpen() const { return chooserOpen_; }
+  /// Arrives at the top level, fading in; the active user's room is the selected one.
+  void arrive(Uint64 nowMs);
+  /// Shows the users, if there are any. Over a picture that runs, the item is to pause.
+  Meaning openChooser(bool videoPlaying);
+  /// An item that the users have paused goes on.
+  void closeChooser();
+  void leave();
+  void endFadeIn() { view_.endFadeIn(); }
+  bool takePauseToggle() { return std::exchange(pauseToggle_, false); }
+
+  std::string activeUser() const { return stored_.users.activeUser(); }
+  /// The selected room.
+  std::filesystem::path room() const { return rooms_.current(); }
+  /// Selects the room, if it is one of the library's.
+  void selectRoom(const std::filesystem::path& room);
+
+  void draw(const FrameContext& frame, bool stripOn);
+  /// Textures go before the renderer that they live on.
+  void destroyTextures() { view_ = {}; }
+
+ private:
+  struct Key {
+    SDL_Keycode key;
+    Meaning (Home::*serve)(const KeyPress&, const FocusFacts&, Uint64);
+  };
+  static const Key keys[];
+
+  /// A confirmed user's way to the room.
+  struct FolderChange {
+    Uint64 at;
+    std::filesystem::path folder;
+  };
+
+  Meaning startVoice(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  Meaning enter(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  Meaning upOrDown(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  Meaning sideways(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  Meaning confirmUser(Uint64 nowMs);
+  Meaning switchRoom(bool up);
+  Meaning makeUserCurrent();
+  const std::string& selectedUser() const { return view_.users()[view_.userIndex()]; }
+
+  const Stored stored_;
+  HomeView view_;
+  Rooms rooms_;
+  bool homeMode_ = false;
+  bool chooserOpen_ = false;
+  bool pausedPlayback_ = false;  ///< the users lie over an item that ran
+  bool pauseToggle_ = false;     ///< still to be told to whoever plays
+  std::optional<FolderChange> folderChange_;
+};
+
+}  // namespace tavek

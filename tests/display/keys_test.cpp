@@ -1,0 +1,233 @@
+// What keys mean on each screen, without a window.
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "base/background_job.h"
+#include "base/process_flags.h"
+#include "display/display.h"
+#include "state/state_store.h"
+#include "support/media_root.h"
+#include "support/turned_clock.h"
+
+namespace tavek {
+namespace {
+
+using enum NavCode;
+using std::chrono::milliseconds;
+
+class KeysTest : public testing::Test {
+ public:
+  KeysTest() {
+    SDL_setenv("SDL_VIDEODRIVER", "nothing", 1);
+    testing::internal::CaptureStderr();
+    display = std::make_unique<Display>(0, 0, 640, 360, Orientation::OrientationAuto, store.parts(), clock);
+    testing::internal::GetCapturedStderr();
+    SDL_InitSubSystem(SDL_INIT_EVENTS);
+  }
+  ~KeysTest() override {
+    display.reset();
+    SDL_QuitSubSystem(SDL_INIT_EVENTS);
+  }
+
+  /// The code that comes of an event.
+  NavCode key(SDL_Keycode sym, bool down = true, bool repeat = false) {
+    SDL_Event event{};
+    event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
+    event.key.keysym.sym = sym;
+    event.key.repeat = repeat ? 1 : 0;
+    SDL_PushEvent(&event);
+    return display->pollInput();
+  }
+  void play() {
+    display->leaveHome();
+    display->setVideoPlaying(true);
+    display->setVideoPaused(false);
+  }
+  void pause() {
+    play();
+    display->setVideoPlaying(false);
+    display->setVideoPaused(true);
+  }
+  void browse() {
+    play();
+    display->setVideoPlaying(false);
+    display->showStrip();
+  }
+  void goHome() { display->goHome(true); }
+  void chooseUser() {
+    goHome();
+    display->runChooser();
+  }
+  void playSong() {
+    display->alignWithItem(test::library.path() / "music/a.mp3");
+    display->selectRoomForPath(test::library.path() / "music/a.mp3");
+    play();
+  }
+
+  test::TurnedClock clock;
+  StateStore store{test::library.path() / "persist.json"};
+  std::unique_ptr<Display> display;
+};
+
+TEST_F(KeysTest, EachKeyHasItsCodeOnEachScreen) {
+  struct Row {
+    SDL_Keycode sym;
+    NavCode running, paused, strip, home, users, music;
+  };
+  const Row rows[] = {
+      {SDLK_AUDIOPLAY, TogglePause, TogglePause, TogglePause, VoiceStart, VoiceStart, TogglePause},
+      {SDLK_LEFT, SeekBackward, VolumeDownPress, None, None, None, None},
+      {SDLK_RIGHT, SeekForward, VolumeUpPress, None, None, None, None},
+      {SDLK_UP, None, None, None, None, None, SeekBackward},
+      {SDLK_DOWN, None, None, None, None, None, SeekForward},
+      {SDLK_AUDIOREWIND, SeekBackward, SeekBackward, SeekBackward, None, None, SeekBackward},
+      {SDLK_AUDIOFASTFORWARD, SeekForward, SeekForward, SeekForward, None, None, SeekForward},
+      {SDLK_KP_ENTER, OpenPosters, OpenPosters, None, None, None, OpenPosters},
+      {SDLK_RETURN, OpenPosters, OpenPosters, None, None, None, OpenPosters},
+      {SDLK_MENU, ToggleSettings, None, None, None, None, ToggleSettings},
+      {SDLK_AC_HOME, GoHome, None, None, None, None, GoHome},
+      {SDLK_ESCAPE, None, None, ClosePosters, None, None, None},
+      {SDLK_AC_BACK, None, None, ClosePosters, None, None, None},
+      {SDLK_AC_SEARCH, None, None, VoiceStart, VoiceStart, VoiceStart, None},
+      {SDLK_PRINTSCREEN, None, Snapshot, None, None, None, None},
+      {SDLK_VOLUMEUP, None, None, None, None, None, None},
+      {SDLK_q, None, None, None, None, None, None},
+  };
+  const struct {
+    const char* name;
+    void (KeysTest::*reach)();
+    NavCode Row::*code;
+  } screens[] = {
+      {"a film", &KeysTest::play, &Row::running},        {"a pause", &KeysTest::pause, &Row::paused},
+      {"the strip", &KeysTest::browse, &Row::strip},     {"home", &KeysTest::goHome, &Row::home},
+      {"the users", &KeysTest::chooseUser, &Row::users}, {"music", &KeysTest::playSong, &Row::music},
+  };
+  for (const auto& screen : screens) {
+    for (const Row& row : rows) {
+      display->goHome(true);
+      display->alignWithItem({});
+      display->selectRoomForPath(test::library.path() / "movies/x");
+      (this->*screen.reach)();
+      display->pollInput();
+      EXPECT_EQ(key(row.sym), row.*screen.code) << SDL_GetKeyName(row.sym) << " on " << screen.name;
+      key(row.sym, false);
+    }
+  }
+}
+
+TEST_F(KeysTest, RepeatsAndReleases) {
+  struct Step {
+    SDL_Keycode sym;
+    bool down, repeat;
+    NavCode code;
+  };
+  const bool down = true;
+  const bool up = false;
+  const bool again = true;
+  const struct {
+    const char* what;
+    void (KeysTest::*reach)();
+    std::vector<Step> steps;
+  } cases[] = {
+      {"a toggle that is sent twice counts once",
+       &KeysTest::play,
+       {{SDLK_AUDIOPLAY, down, false, TogglePause},
+        {SDLK_AUDIOPLAY, down, false, None},
+        {SDLK_AUDIOPLAY, down, again, None},
+        {SDLK_AUDIOPLAY, up, false, None},
+        {SDLK_AUDIOPLAY, down, false, TogglePause},
+        {SDLK_AUDIOPLAY, up, false, None}}},
+      {"a running film drops the repeats of a seek key",
+       &KeysTest::play,
+       {{SDLK_RIGHT, down, false, SeekForward},
+        {SDLK_RIGHT, down, again, None},
+        {SDLK_RIGHT, up, false, SeekCommit}}},
+      {"a pause takes them as volume",
+       &KeysTest::pause,
+       {{SDLK_LEFT, down, false, VolumeDownPress},
+        {SDLK_LEFT, down, again, VolumeDownPress},
+        {SDLK_LEFT, up, false, VolumeDownRelease}}},
+      {"Enter never repeats",
+       &KeysTest::play,
+       {{SDLK_RETURN, down, again, None}, {SDLK_RETURN, up, false, None}}},
+      {"the media keys commit on release",
+       &KeysTest::play,
+       {{SDLK_AUDIOREWIND, down, false, SeekBackward},
+        {SDLK_AUDIOREWIND, down, again, SeekBackward},
+        {SDLK_AUDIOREWIND, up, false, SeekCommit}}},
+  };
+  for (const auto& c : cases) {
+    (this->*c.reach)();
+    display->pollInput();
+    for (const Step& step : c.steps) {
+      EXPECT_EQ(key(step.sym, step.down, step.repeat), step.code)
+          << c.what << ", step " << &step - c.steps.data();
+    }
+  }
+}
+
+TEST_F(KeysTest, AHeldSeekRepeatsByItself) {
+  play();
+  EXPECT_EQ(key(SDLK_LEFT), SeekBackward);
+  std::vector<int> repeats;
+  for (int ms = 5; ms < 700; ms += 5) {
+    clock.turn(milliseconds(5));
+    if (display->pollInput() == SeekBackward) repeats.push_back(ms);
+  }
+  EXPECT_EQ(repeats, (std::vector<int>{275, 405, 535, 665}));
+  EXPECT_EQ(key(SDLK_LEFT, false), SeekCommit);
+}
+
+/// A key that came up unseen, or under another screen, ends what it has begun.
+TEST_F(KeysTest, NothingRunsOnWhenItsKeyIsUp) {
+  pause();
+  EXPECT_EQ(key(SDLK_RIGHT), VolumeUpPress);
+  display->showStrip();
+  EXPECT_EQ(key(SDLK_RIGHT, false), VolumeUpRelease) << "the volume must not run to the end";
+  EXPECT_EQ(key(SDLK_RIGHT, false), None);
+
+  play();
+  EXPECT_EQ(key(SDLK_RIGHT), SeekForward);
+  display->showStrip();
+  EXPECT_EQ(display->pollInput(), None);
+  EXPECT_EQ(display->currentFocus(), FocusName::Poster);
+  display->setVideoPlaying(true);
+  EXPECT_EQ(display->currentFocus(), FocusName::Movie) << "no seek is left behind";
+}
+
+/// The way home and back in again.
+TEST_F(KeysTest, WhatIsPressedOnTheWayHomeCounts) {
+  store.parts().users.setActiveUser("Alex");
+  play();
+  EXPECT_EQ(key(SDLK_AC_HOME), GoHome);
+  clock.turn(milliseconds(100));
+  EXPECT_EQ(key(SDLK_RIGHT), None);
+  EXPECT_EQ(store.parts().users.activeUser(), "Maria");
+  EXPECT_EQ(key(SDLK_RETURN), None);
+  EXPECT_EQ(key(SDLK_LEFT), None);
+  EXPECT_EQ(store.parts().users.activeUser(), "Maria") << "a confirmed user stays";
+  EXPECT_TRUE(display->atHome());
+  clock.turn(milliseconds(499));
+  display->pollInput();
+  EXPECT_TRUE(display->atHome());
+  clock.turn(milliseconds(1));
+  display->pollInput();
+  EXPECT_FALSE(display->atHome());
+  EXPECT_TRUE(display->stripShown());
+  store.parts().users.setActiveUser("Alex");
+}
+
+TEST_F(KeysTest, AClosedWindowQuits) {
+  SDL_Event close{};
+  close.type = SDL_QUIT;
+  SDL_PushEvent(&close);
+  EXPECT_EQ(display->pollInput(), Quit);
+  EXPECT_TRUE(quitRequested);
+  quitRequested = false;
+}
+
+}  // namespace
+}  // namespace tavek
