@@ -64,8 +64,8 @@ std::vector<fs::path> firstImages(const fs::path& room) {
 void measureListing() {
   for (const int count : {1000, 3000, 10000}) {
     const fs::path room = mediaRoot() / filmRoom(count);
-    classifyFolder(room);
     const Flag stop;
+    classifyFolder(room, stop);
     std::size_t listed = 0;
     const double ms =
         median(5, [&] { return milliseconds([&] { listed = listPosters(room, stop).posters.size(); }); });

@@ -54,7 +54,7 @@ void forceDriver(const std::string& name) {
 /// What is kept of the sound mode wins over the command line.
 void loadState(StateStore& state, LaunchOptions& options) {
   const Stored stored = state.parts();
-  stored.users.ensureRooms(listRoots());
+  stored.users.ensureRooms(listRoots(quitRequested));
   if (const auto mode = stored.settings.soundMode()) options.soundMode = static_cast<SoundMode>(*mode);
 }
 

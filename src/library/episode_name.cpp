@@ -1,13 +1,21 @@
 #include "library/episode_name.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <limits>
 
 #include "base/text.h"
+#include "library/titles.h"
 
 namespace tavek {
 namespace {
+
+using namespace std::string_view_literals;
+
+/// What a season is called, folded.
+constexpr std::array seasonWords{"season"sv,    "series"sv,   "staffel"sv, "saison"sv,
+                                 "temporada"sv, "stagione"sv, "сезон"sv};
 
 std::string_view digitsAt(std::string_view text, std::size_t position) {
   std::size_t end = position;
@@ -56,6 +64,28 @@ std::optional<Marker> findCross(std::string_view text) {
   return {};
 }
 
+bool isWordCharacter(char c) {
+  return isAsciiDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// One or two digits, x, two or three digits, as a word.
+std::optional<Marker> findCrossWord(std::string_view text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (i > 0 && isWordCharacter(text[i - 1])) continue;
+    const auto marker = numberPairAt(text, i, 'x');
+    if (!marker || marker->season.size() > 2 || marker->episode.size() < 2 || marker->episode.size() > 3)
+      continue;
+    if (marker->end == text.size() || !isWordCharacter(text[marker->end])) return marker;
+  }
+  return {};
+}
+
+/// The digits behind blanks, from the position on.
+std::string_view numberAfter(std::string_view text, std::size_t position) {
+  return digitsAt(text, std::min(text.find_first_not_of(' ', position), text.size()));
+}
+
 std::string titleAfter(std::string_view stem, std::size_t end) {
   const std::string_view rest = stem.substr(end);
   return std::string(rest.substr(std::min(rest.find_first_not_of(" _-."), rest.size())));
@@ -64,7 +94,8 @@ std::string titleAfter(std::string_view stem, std::size_t end) {
 }  // namespace
 
 std::optional<SeasonEpisode> parseSeasonEpisode(std::string_view text) {
-  const auto tag = findTag(text);
+  auto tag = findTag(text);
+  if (!tag) tag = findCrossWord(text);
   if (!tag) return {};
   return SeasonEpisode{numberOf(tag->season), numberOf(tag->episode)};
 }
@@ -99,21 +130,37 @@ std::string shownEpisode(std::string_view tag) {
   return std::string(tag.starts_with('E') ? tag.substr(1) : tag);
 }
 
+bool beginsWithEpisodeTag(std::string_view stem) {
+  const auto tag = findTag(stem);
+  if (tag && tag->season.data() == stem.data() + 1)
+    return tag->season.size() == 2 && tag->episode.size() >= 2;
+  const auto cross = findCrossWord(stem);
+  return cross && cross->season.data() == stem.data();
+}
+
 std::string seasonOfFolder(std::string_view name) {
-  const std::string lower = trim(toLower(name));
-  if (lower == "special" || lower == "specials") return "0";
-  if (lower.starts_with('s')) {
-    const std::string_view digits = digitsAt(lower, 1);
+  const std::string folded = trim(foldCase(name));
+  if (folded == "special" || folded == "specials") return "0";
+  if (folded.starts_with('s')) {
+    const std::string_view digits = digitsAt(folded, 1);
     if (!digits.empty()) return shownSeason(digits);
   }
-  constexpr std::string_view word = "season";
-  for (std::size_t at = lower.find(word); at != std::string::npos; at = lower.find(word, at + 1)) {
-    const std::size_t number = lower.find_first_not_of(' ', at + word.size());
-    if (number == std::string::npos) break;
-    const std::string_view digits = digitsAt(lower, number);
-    if (!digits.empty()) return shownSeason(digits);
+  for (const std::string_view word : seasonWords) {
+    for (std::size_t at = folded.find(word); at != std::string::npos; at = folded.find(word, at + 1)) {
+      const std::string_view digits = numberAfter(folded, at + word.size());
+      if (!digits.empty()) return shownSeason(digits);
+    }
   }
   return {};
+}
+
+bool isSeasonFolder(std::string_view name) {
+  const std::string folded = foldCase(name);
+  if (folded.starts_with("season") || folded == "special" || folded == "specials") return true;
+  if (folded.starts_with('s') && !digitsAt(folded, 1).empty()) return true;
+  return std::ranges::any_of(seasonWords, [&](std::string_view word) {
+    return folded.starts_with(word) && !numberAfter(folded, word.size()).empty();
+  });
 }
 
 }  // namespace tavek

@@ -8,7 +8,7 @@
 
 #include "base/run_tool.h"
 #include "base/text.h"
-#include "library/usable_file.h"
+#include "library/file_types.h"
 
 namespace tavek {
 namespace {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <system_error>
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -33,6 +34,9 @@ constexpr std::array companionExtensions{
     ".ans"sv, ".aqt"sv,  ".art"sv, ".asc"sv, ".ass"sv, ".diz"sv,  ".ice"sv,  ".idx"sv, ".jss"sv,
     ".lrc"sv, ".mpl2"sv, ".nfo"sv, ".pjs"sv, ".psb"sv, ".rt"sv,   ".sami"sv, ".scc"sv, ".smi"sv,
     ".srt"sv, ".ssa"sv,  ".stl"sv, ".sub"sv, ".sup"sv, ".ttml"sv, ".txt"sv,  ".vt"sv,  ".vtt"sv};
+
+constexpr std::array extraStems{"sample"sv, "theme"sv, "trailer"sv};
+constexpr std::array extraEndings{"-sample"sv, "-trailer"sv};
 
 }  // namespace
 
@@ -71,6 +75,23 @@ bool isVideoFile(const std::filesystem::path& path) {
 bool isVideoExtension(std::string_view extension) {
   static const auto complete = completeVideoExtensions(demuxerExtensions());
   return complete.contains(extension);
+}
+
+bool isExtra(std::string_view stem) {
+  const std::string lower = toLower(stem);
+  return std::ranges::find(extraStems, lower) != extraStems.end() ||
+         std::ranges::any_of(extraEndings, [&](std::string_view ending) { return lower.ends_with(ending); });
+}
+
+bool isFilm(const std::filesystem::path& path) {
+  return isVideoFile(path) && !isExtra(path.stem().string());
+}
+
+bool isUsableFile(const std::filesystem::path& file) {
+  std::error_code error;
+  if (!std::filesystem::is_regular_file(file, error)) return false;
+  const auto size = std::filesystem::file_size(file, error);
+  return !error && size > 0;
 }
 
 }  // namespace tavek

@@ -5,7 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// What a file is, told by its extension alone, in any case. May be called from every thread.
+/// What a file is, told by its name, mostly by its extension alone, in any case. May be called from every
+/// thread.
 namespace tavek {
 
 bool isAudioFile(const std::filesystem::path& path);
@@ -13,6 +14,14 @@ bool isAudioFile(const std::filesystem::path& path);
 bool isVideoFile(const std::filesystem::path& path);
 /// The same by the extension alone, in lower case with its dot.
 bool isVideoExtension(std::string_view extension);
+
+/// Whether the stem of a video tells that it only goes with another: a theme, a sample, a trailer.
+bool isExtra(std::string_view stem);
+/// A video that is no extra.
+bool isFilm(const std::filesystem::path& path);
+
+/// A regular file that is not empty. False for everything else, also for what can't be looked at.
+bool isUsableFile(const std::filesystem::path& file);
 
 /// Every piece of FFmpeg's comma-separated extension lists, as it is spelled there.
 std::set<std::string> demuxerExtensions();

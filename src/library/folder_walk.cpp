@@ -46,7 +46,8 @@ bool WalkedEntry::isRegularFile() const {
   return std::filesystem::is_regular_file(path, ignored);
 }
 
-void walkTexts(const std::filesystem::path& folder, const std::function<bool(const WalkedEntry&)>& visit) {
+void walkTexts(const std::filesystem::path& folder, const Flag& stop,
+               const std::function<bool(const WalkedEntry&)>& visit) {
   std::string path = folder.string();
   while (path.ends_with('/')) path.pop_back();
   std::vector<Level> levels;
@@ -57,7 +58,7 @@ void walkTexts(const std::filesystem::path& folder, const std::function<bool(con
     return directory != nullptr || errno == EACCES;
   };
   enter();
-  while (!levels.empty()) {
+  while (!levels.empty() && !stop) {
     path.resize(levels.back().pathLength);
     const dirent* entry = readdir(levels.back().directory.get());
     if (entry == nullptr) {

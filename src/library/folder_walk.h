@@ -8,22 +8,24 @@
 #include <system_error>
 #include <utility>
 
+#include "base/process_flags.h"
+
 namespace tavek {
 
 /// Calls `visit` for every entry below a folder in the order of the directories, each folder before what it
-/// holds, until it returns false. Links to folders are not followed and closed folders are passed over; any
-/// other error ends the walk.
+/// holds, until it returns false or `stop` is set. Links to folders are not followed and closed folders are
+/// passed over; any other error ends the walk.
 template <typename Visit>  // bool(const std::filesystem::recursive_directory_iterator&)
-void walkBelow(const std::filesystem::path& folder, Visit visit) {
+void walkBelow(const std::filesystem::path& folder, const Flag& stop, Visit visit) {
   std::error_code error;
   std::filesystem::recursive_directory_iterator entry(
       folder, std::filesystem::directory_options::skip_permission_denied, error);
   for (; !error && entry != std::filesystem::recursive_directory_iterator(); entry.increment(error)) {
-    if (!visit(entry)) return;
+    if (stop || !visit(entry)) return;
   }
 }
 
-/// The same for what lies directly in a folder.
+/// The same for what lies directly in a folder, until `visit` returns false.
 template <typename Visit>  // bool(const std::filesystem::directory_entry&)
 void walkIn(const std::filesystem::path& folder, Visit visit) {
   std::error_code error;
@@ -45,7 +47,8 @@ struct WalkedEntry {
 };
 
 /// walkBelow at a third of its cost, for trees of tens of thousands of files.
-void walkTexts(const std::filesystem::path& folder, const std::function<bool(const WalkedEntry&)>& visit);
+void walkTexts(const std::filesystem::path& folder, const Flag& stop,
+               const std::function<bool(const WalkedEntry&)>& visit);
 
 inline bool isRegularFile(const std::filesystem::directory_entry& entry) {
   std::error_code ignored;

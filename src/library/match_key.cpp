@@ -31,7 +31,7 @@ std::string withoutPosterSuffix(std::string name) {
 std::string firstVideoStem(const fs::path& folder) {
   std::string stem;
   walkIn(folder, [&](const fs::directory_entry& entry) {
-    if (isVideoFile(entry.path()) && isRegularFile(entry)) stem = entry.path().stem().string();
+    if (isFilm(entry.path()) && isRegularFile(entry)) stem = entry.path().stem().string();
     return stem.empty();
   });
   return stem;

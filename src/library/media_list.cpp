@@ -11,11 +11,11 @@ namespace tavek {
 namespace fs = std::filesystem;
 
 std::vector<std::string> listMedia(const fs::path& room, const Flag& stop) {
-  const auto plays = classifyFolder(room) == MediaKind::Music ? isAudioFile : isVideoFile;
+  const auto plays = classifyFolder(room, stop) == MediaKind::Music ? isAudioFile : isFilm;
   std::vector<std::string> files;
-  walkBelow(room, [&](const fs::recursive_directory_iterator& entry) {
+  walkBelow(room, stop, [&](const fs::recursive_directory_iterator& entry) {
     if (plays(entry->path()) && isRegularFile(*entry)) files.push_back(entry->path().string());
-    return !stop;
+    return true;
   });
   std::ranges::sort(files);
   return files;
@@ -23,9 +23,9 @@ std::vector<std::string> listMedia(const fs::path& room, const Flag& stop) {
 
 bool holdsMedia(const fs::path& folder, const Flag& stop) {
   bool found = false;
-  walkBelow(folder, [&](const fs::recursive_directory_iterator& entry) {
-    found = (isVideoFile(entry->path()) || isAudioFile(entry->path())) && isRegularFile(*entry);
-    return !found && !stop;
+  walkBelow(folder, stop, [&](const fs::recursive_directory_iterator& entry) {
+    found = (isFilm(entry->path()) || isAudioFile(entry->path())) && isRegularFile(*entry);
+    return !found;
   });
   return found;
 }

@@ -8,6 +8,8 @@
 
 #include "base/paths.h"
 #include "base/text.h"
+#include "library/episode_name.h"
+#include "library/folder_walk.h"
 
 namespace tavek {
 namespace {
@@ -38,7 +40,7 @@ constexpr std::array roomSpellings{
     RoomSpelling{"videos", "video"},
 };
 
-/// Answers of classifyFolder by the folder's normal text.
+/// What walks have told by the folder's normal text.
 class KindCache {
  public:
   std::optional<MediaKind> find(const std::string& folder) {
@@ -56,6 +58,11 @@ class KindCache {
   std::unordered_map<std::string, MediaKind> kinds_;
 };
 
+KindCache& kindCache() {
+  static KindCache cache;
+  return cache;
+}
+
 /// Lexically normal and without a slash at the end, which would hide the folder's name.
 fs::path normalPath(const fs::path& path) {
   fs::path normal = path.lexically_normal();
@@ -71,54 +78,42 @@ std::vector<fs::path> partsBelow(const fs::path& path, const fs::path& root) {
   return parts;
 }
 
-/// Begins with S, two digits, E, two digits.
-bool beginsWithEpisodeTag(const std::string& stem) {
-  constexpr std::string_view pattern = "s00e00";
-  if (stem.size() < pattern.size()) return false;
-  const std::string start = toLower(stem.substr(0, pattern.size()));
-  return std::equal(pattern.begin(), pattern.end(), start.begin(), [](char wanted, char found) {
-    return wanted == '0' ? isAsciiDigit(found) : wanted == found;
+bool holdsEpisodes(const fs::path& folder, const Flag& stop) {
+  bool found = false;
+  walkBelow(folder, stop, [&](const fs::recursive_directory_iterator& entry) {
+    found = beginsWithEpisodeTag(entry->path().stem().string()) && isRegularFile(*entry);
+    return !found;
   });
-}
-
-bool holdsEpisodes(const fs::path& folder) {
-  std::error_code error;
-  fs::recursive_directory_iterator entry(folder, fs::directory_options::skip_permission_denied, error);
-  for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-    std::error_code ignored;
-    if (beginsWithEpisodeTag(entry->path().stem().string()) && entry->is_regular_file(ignored)) return true;
-  }
-  return false;
-}
-
-MediaKind kindOf(const fs::path& folder) {
-  const std::string name = toLower(folder.filename().string());
-  const auto named = std::ranges::find(namedKinds, name, &NamedKind::name);
-  if (named != namedKinds.end()) return named->kind;
-  return holdsEpisodes(folder) ? MediaKind::Series : MediaKind::Movies;
+  return found;
 }
 
 }  // namespace
 
-MediaKind classifyFolder(const fs::path& path) {
-  static KindCache cache;
+std::optional<MediaKind> knownKind(const fs::path& path) {
   const fs::path folder = normalPath(path);
   if (folder.empty()) return MediaKind::Movies;
-  if (const auto known = cache.find(folder.string())) return *known;
-  const MediaKind kind = kindOf(folder);  // not under the cache's lock: it may walk a whole disk
-  cache.store(folder.string(), kind);
+  const std::string name = toLower(folder.filename().string());
+  const auto* const named = std::ranges::find(namedKinds, name, &NamedKind::name);
+  return named != namedKinds.end() ? std::optional(named->kind) : kindCache().find(folder.string());
+}
+
+MediaKind classifyFolder(const fs::path& path, const Flag& stop) {
+  if (const auto known = knownKind(path)) return *known;
+  const fs::path folder = normalPath(path);
+  // Not under the cache's lock: it may walk a whole disk.
+  const MediaKind kind = holdsEpisodes(folder, stop) ? MediaKind::Series : MediaKind::Movies;
+  if (!stop) kindCache().store(folder.string(), kind);
   return kind;
 }
 
-std::vector<fs::path> listRoots() {
+std::vector<fs::path> listRoots(const Flag& stop) {
   std::vector<fs::path> rooms;
-  std::error_code error;
-  fs::directory_iterator entry(mediaRoot(), fs::directory_options::skip_permission_denied, error);
-  for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+  walkIn(mediaRoot(), [&](const fs::directory_entry& entry) {
     std::error_code ignored;
-    const bool hidden = entry->path().filename().string().starts_with('.');
-    if (!hidden && entry->is_directory(ignored)) rooms.push_back(entry->path());
-  }
+    const bool hidden = entry.path().filename().string().starts_with('.');
+    if (!hidden && entry.is_directory(ignored)) rooms.push_back(entry.path());
+    return !stop;
+  });
   if (rooms.empty()) return {mediaRoot() / "movies", tvRoot(), videoRoot(), musicRoot()};
   std::ranges::sort(rooms, {}, [](const fs::path& room) { return room.filename().string(); });
   return rooms;
@@ -141,7 +136,7 @@ std::optional<fs::path> roomRootOf(const fs::path& path) {
 
 std::optional<fs::path> seriesRootOf(const fs::path& path) {
   const auto room = roomRootOf(path);
-  return room && classifyFolder(*room) == MediaKind::Series ? room : std::nullopt;
+  return room && classifyFolder(*room, quitRequested) == MediaKind::Series ? room : std::nullopt;
 }
 
 int seriesDepth(const fs::path& path) {

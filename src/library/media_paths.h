@@ -6,20 +6,25 @@
 #include <string_view>
 #include <vector>
 
+#include "base/process_flags.h"
 #include "library/media_kind.h"
 
 /// What a path of the library is. The top-level folders of mediaRoot() are the rooms; a series room holds
 /// series folders, and those hold season folders. All but classifyFolder and listRoots look at the path's
-/// lexically normal text alone, and seriesRootOf and its kin ask classifyFolder about the room.
+/// lexically normal text alone, and seriesRootOf and its kin ask classifyFolder about the room, which walks
+/// at most once in a room that knownKind does not know.
 /// Every function may be called from every thread.
 namespace tavek {
 
 /// Told by the folder's name, or by what lies in it if the name says nothing. The answer is kept for the life
-/// of the process, so that asking again does not touch the disk.
-MediaKind classifyFolder(const std::filesystem::path& path);
+/// of the process, so that asking again does not touch the disk. A walk that `stop` ends tells Movies, and
+/// that is not kept.
+MediaKind classifyFolder(const std::filesystem::path& path, const Flag& stop);
+/// The same without a walk: none for a folder that only a walk can tell, and that none has told yet.
+std::optional<MediaKind> knownKind(const std::filesystem::path& path);
 /// The rooms in the byte order of their names, without hidden ones. Four fixed rooms, which need not exist,
 /// where there is none.
-std::vector<std::filesystem::path> listRoots();
+std::vector<std::filesystem::path> listRoots(const Flag& stop);
 
 /// True also for the root itself, false for an empty root.
 bool isInside(const std::filesystem::path& path, const std::filesystem::path& root);

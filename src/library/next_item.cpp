@@ -40,13 +40,13 @@ fs::path scanFolderOf(const fs::path& path, const fs::path& root) {
 
 std::vector<EpisodeEntry> episodesUnder(const fs::path& folder, const Flag& stop) {
   std::vector<EpisodeEntry> episodes;
-  walkBelow(folder, [&](const fs::recursive_directory_iterator& entry) {
+  walkBelow(folder, stop, [&](const fs::recursive_directory_iterator& entry) {
     const std::string stem = entry->path().stem().string();
     const auto number = parseSeasonEpisode(stem);
-    if (number && isVideoFile(entry->path()) && isRegularFile(*entry)) {
+    if (number && isFilm(entry->path()) && isRegularFile(*entry)) {
       episodes.push_back({entry->path(), *number, toLower(stem)});
     }
-    return !stop;
+    return true;
   });
   const auto order = [](const EpisodeEntry& e) {
     return std::tie(e.number.season, e.number.episode, e.nameKey);

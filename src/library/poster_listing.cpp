@@ -1,6 +1,7 @@
 #include "library/poster_listing.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <utility>
 
@@ -12,8 +13,7 @@
 #include "library/film_candidates.h"
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
-#include "library/natural_order.h"
-#include "library/poster_candidate.h"
+#include "library/titles.h"
 
 namespace tavek {
 namespace {
@@ -22,8 +22,8 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t albumLimit = 300;
 
-ListingKind listingKindOf(const fs::path& folder) {
-  if (classifyFolder(folder) == MediaKind::Music) return ListingKind::Albums;
+ListingKind listingKindOf(const fs::path& folder, const Flag& stop) {
+  if (classifyFolder(folder, stop) == MediaKind::Music) return ListingKind::Albums;
   if (!seriesRootOf(folder)) return ListingKind::Videos;
   switch (seriesDepth(folder)) {
     case 0:
@@ -37,12 +37,12 @@ ListingKind listingKindOf(const fs::path& folder) {
 
 /// A tile for each folder directly in this one, for the seasons only if asked so.
 std::vector<ListedPoster> listFolders(const fs::path& folder, bool seasonsOnly, const Flag& stop) {
-  std::vector<std::pair<std::string, fs::path>> found;  // with the lower-cased names
+  std::vector<std::pair<std::string, fs::path>> found;  // with the folded names
   walkIn(folder, [&](const fs::directory_entry& entry) {
     std::error_code ignored;
-    std::string name = toLower(entry.path().filename().string());
+    const std::string name = entry.path().filename().string();
     if (entry.is_directory(ignored) && (!seasonsOnly || isSeasonFolder(name))) {
-      found.emplace_back(std::move(name), entry.path());
+      found.emplace_back(foldCase(name), entry.path());
     }
     return !stop;
   });
@@ -52,7 +52,8 @@ std::vector<ListedPoster> listFolders(const fs::path& folder, bool seasonsOnly, 
   for (const auto& [name, path] : found) {
     if (stop) break;
     const fs::path image = path / "poster.jpg";
-    posters.push_back({image.string(), {}, matchKeyOf(image), image.string(), path.filename().string()});
+    posters.push_back(
+        {image.string(), {}, matchKeyOf(image), image.string(), path.filename().string(), false});
   }
   return posters;
 }
@@ -62,12 +63,26 @@ std::vector<PosterCandidate> episodeCandidates(const fs::path& folder, const Fla
   std::vector<PosterCandidate> episodes;
   walkIn(folder, [&](const fs::directory_entry& entry) {
     const fs::path& file = entry.path();
-    if (isVideoFile(file) && parseSeasonEpisode(file.stem().string()) && isRegularFile(entry)) {
-      episodes.emplace_back(FileText(file.string()), posterTitleKey(file)).media = file.string();
+    if (isFilm(file) && parseSeasonEpisode(file.stem().string()) && isRegularFile(entry)) {
+      episodes.emplace_back(FileText(file.string()), posterTitleKey(file), file.string());
     }
     return !stop;
   });
   return episodes;
+}
+
+/// Puts them in the order of the list: by folder, in one folder by name. Of files whose names differ in case
+/// alone the first one stays.
+void orderCandidates(std::vector<PosterCandidate>& candidates) {
+  std::ranges::stable_sort(candidates, [](const PosterCandidate& a, const PosterCandidate& b) {
+    if (const auto order = a.file.folder().compare(b.file.folder()); order != 0) return order < 0;
+    return lessNatural(a.name, b.name);
+  });
+  // Equal names of one folder now stand side by side.
+  const auto same = [](const PosterCandidate& a, const PosterCandidate& b) {
+    return a.name == b.name && a.file.folder() == b.file.folder();
+  };
+  candidates.erase(std::unique(candidates.begin(), candidates.end(), same), candidates.end());
 }
 
 std::vector<ListedPoster> listCandidates(std::vector<PosterCandidate> candidates, ListingKind kind,
@@ -81,8 +96,9 @@ std::vector<ListedPoster> listCandidates(std::vector<PosterCandidate> candidates
     poster.path = candidate.file.path();
     poster.media = std::move(candidate.media);
     poster.key = makeMatchKey(candidate.title);
-    poster.image = kind == ListingKind::Episodes ? episodeStillOf(poster.path).string() : poster.path;
-    if (kind == ListingKind::Episodes) poster.label = candidate.file.stem();
+    poster.isEpisode = kind == ListingKind::Episodes;
+    poster.image = poster.isEpisode ? episodeStillOf(poster.path).string() : poster.path;
+    if (poster.isEpisode) poster.label = candidate.file.stem();
   }
   return posters;
 }
@@ -90,18 +106,18 @@ std::vector<ListedPoster> listCandidates(std::vector<PosterCandidate> candidates
 /// An album is a folder that holds tracks; the first one found stands for it.
 std::vector<ListedPoster> listAlbums(const fs::path& folder, const Flag& stop) {
   std::map<std::string, std::string> firstTracks;  // by the folder
-  walkBelow(isInside(folder, musicRoot()) ? musicRoot() : folder,
+  walkBelow(isInside(folder, musicRoot()) ? musicRoot() : folder, stop,
             [&](const fs::recursive_directory_iterator& entry) {
               if (isAudioFile(entry->path()) && isRegularFile(*entry)) {
                 FileText track(entry->path().string());
                 firstTracks.try_emplace(std::string(track.folder()), track.path());
               }
-              return !stop;
+              return true;
             });
   std::vector<ListedPoster> posters;
   for (const auto& [album, track] : firstTracks) {
     if (stop || posters.size() == albumLimit) break;
-    posters.push_back({track, track, matchKeyOf(track), {}, fs::path(album).filename().string()});
+    posters.push_back({track, track, matchKeyOf(track), {}, fs::path(album).filename().string(), false});
   }
   return posters;
 }
@@ -109,8 +125,12 @@ std::vector<ListedPoster> listAlbums(const fs::path& folder, const Flag& stop) {
 std::vector<ListedPoster> listKind(ListingKind kind, const fs::path& folder, const Flag& stop) {
   switch (kind) {
     case ListingKind::Series:
-    case ListingKind::Seasons:
-      return listFolders(folder, kind == ListingKind::Seasons, stop);
+      return listFolders(folder, false, stop);
+    case ListingKind::Seasons: {
+      std::vector<ListedPoster> tiles = listFolders(folder, true, stop);
+      std::ranges::move(listKind(ListingKind::Episodes, folder, stop), std::back_inserter(tiles));
+      return tiles;
+    }
     case ListingKind::Episodes:
       return listCandidates(episodeCandidates(folder, stop), kind, stop);
     case ListingKind::Videos:
@@ -124,7 +144,7 @@ std::vector<ListedPoster> listKind(ListingKind kind, const fs::path& folder, con
 }  // namespace
 
 PosterListing listPosters(const fs::path& folder, const Flag& stop) {
-  const ListingKind kind = listingKindOf(folder);
+  const ListingKind kind = listingKindOf(folder, stop);
   return {kind, listKind(kind, folder, stop)};
 }
 
@@ -141,11 +161,6 @@ const char* listingNoun(ListingKind kind) {
       break;
   }
   return "poster candidates";
-}
-
-bool isSeasonFolder(std::string_view name) {
-  return name.starts_with("season") || name == "special" || name == "specials" ||
-         (name.size() > 1 && name[0] == 's' && isAsciiDigit(name[1]));
 }
 
 }  // namespace tavek

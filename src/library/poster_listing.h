@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "base/process_flags.h"
@@ -22,6 +21,9 @@ struct ListedPoster {
   MatchKey key;       ///< of the path
   std::string image;  ///< what to decode for it, which need not exist; empty for an album
   std::string label;  ///< for a tile without an image: the folder's name, or the episode's stem
+  /// Tells the tile of an episode, which is a file to play, from that of a season, which is a folder to open:
+  /// a listing of seasons ends with the episodes that lie beside them.
+  bool isEpisode = false;
 };
 
 struct PosterListing {
@@ -35,8 +37,5 @@ PosterListing listPosters(const std::filesystem::path& folder, const Flag& stop)
 
 /// What the debug lines call the members of a listing, "season folders".
 const char* listingNoun(ListingKind kind);
-
-/// Whether a lower-cased folder name is that of a season or of specials.
-bool isSeasonFolder(std::string_view name);
 
 }  // namespace tavek

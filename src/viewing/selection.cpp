@@ -5,7 +5,7 @@
 
 #include "display/display.h"
 #include "library/file_types.h"
-#include "library/video_match.h"
+#include "library/film_candidates.h"
 
 namespace tavek {
 namespace {

@@ -11,6 +11,11 @@ TEST(FileTypes, AreToldByTheExtension) {
        {"a.jpg", "a.WebP", "a.SRT", "a.nfo", "a.mkv.zip", "mkv", ".mkv", "", "a.", "/x.mkv/a"}) {
     EXPECT_FALSE(isAudioFile(none) || isVideoFile(none)) << none;
   }
+  for (const char* film : {"a.mkv", "a theme.mkv", "trailers.mkv", "resample.mp4", "a.mp3"})
+    EXPECT_TRUE(isFilm(film)) << film;
+  for (const char* none :
+       {"theme.mp3", "Sample.MKV", "trailer.mp4", "a-Sample.avi", "a-trailer.mov", "a.jpg"})
+    EXPECT_FALSE(isFilm(none)) << none;
   const auto complete = completeVideoExtensions({"JPG", "Odd", ".dot"});
   EXPECT_TRUE(complete.contains(".odd") && complete.contains(".dot"));
   EXPECT_EQ(complete.size(), 25u + 2u);

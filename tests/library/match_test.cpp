@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "base/text.h"
 #include "library/match_key.h"
-#include "library/natural_order.h"
 #include "support/media_root.h"
 
 namespace tavek {

@@ -23,21 +23,30 @@ TEST(MediaPaths, ClassifyFolders) {
   touch("mixed/Show.S01E02.mkv");
   touch("mixed/S01E02 folder/S1E02 x.mkv");
   touch("mixed/S01x02.mkv");
+  touch("mixed/4x3 1x01.mkv");
+  touch("crossed/A/1x01.mkv");
+  EXPECT_EQ(knownKind(mediaRoot() / "shows"), std::nullopt) << "only a walk can tell";
+  Flag stop;
+  stop = true;
+  EXPECT_EQ(classifyFolder(mediaRoot() / "shows", stop), MediaKind::Movies);
+  EXPECT_EQ(knownKind(mediaRoot() / "shows"), std::nullopt) << "a walk that was stopped tells nothing";
   std::string kinds;
-  for (const char* folder :
-       {"tv", "TV/", "/else/Series", "shows", "shows/./A/..", "VIDEOS", "Music", "Kids", "mixed", "absent"}) {
-    kinds += std::to_string(static_cast<int>(classifyFolder(mediaRoot() / folder)));
+  for (const char* folder : {"tv", "TV/", "/else/Series", "shows", "shows/./A/..", "VIDEOS", "Music", "Kids",
+                             "mixed", "absent", "crossed"}) {
+    kinds += std::to_string(static_cast<int>(classifyFolder(mediaRoot() / folder, {})));
   }
-  EXPECT_EQ(kinds, "1111123000");
-  EXPECT_EQ(classifyFolder(""), MediaKind::Movies);
+  EXPECT_EQ(kinds, "11111230001");
+  EXPECT_EQ(knownKind(mediaRoot() / "shows"), MediaKind::Series);
+  EXPECT_EQ(knownKind(mediaRoot() / "never/TV"), MediaKind::Series);
+  EXPECT_EQ(classifyFolder("", {}), MediaKind::Movies);
   touch("absent/S01E01.mkv");
-  EXPECT_EQ(classifyFolder(mediaRoot() / "absent"), MediaKind::Movies) << "the first answer is kept";
+  EXPECT_EQ(classifyFolder(mediaRoot() / "absent", {}), MediaKind::Movies) << "the first answer is kept";
 }
 
 TEST(MediaPaths, ListRooms) {
   const auto names = [] {
     std::string result;
-    for (const fs::path& room : listRoots()) result += room.lexically_relative(mediaRoot()).string() + ' ';
+    for (const fs::path& room : listRoots({})) result += room.lexically_relative(mediaRoot()).string() + ' ';
     return result;
   };
   for (const auto& entry : fs::directory_iterator(library.path())) fs::remove_all(entry.path());

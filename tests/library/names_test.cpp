@@ -40,12 +40,14 @@ TEST(Titles, BeginWithALetterOfTheBar) {
 
 TEST(EpisodeName, ReadsSeasonAndEpisode) {
   for (const char* line : {"S02E05 = 2 5", "Show.s1e10 = 1 10", "Sea S03E04 = 3 4", "S1S2E3 = 2 3",
-                           "S00E01 = 0 1", "S1E99999999999999999999 = 1 2147483647"}) {
+                           "S00E01 = 0 1", "S1E99999999999999999999 = 1 2147483647", "1x01 = 1 1",
+                           "Show - 12X103.b = 12 103", "1920x1080 2x05 = 2 5", "3x04 S01E02 = 1 2"}) {
     const auto [text, numbers] = row(line);
     const auto found = parseSeasonEpisode(text).value_or(SeasonEpisode{-1, -1});
     EXPECT_EQ(std::to_string(found.season) + ' ' + std::to_string(found.episode), numbers) << text;
   }
-  for (const char* none : {"S03", "S03E", "SE1", "2x05", "S1 E2", ""})
+  for (const char* none :
+       {"S03", "S03E", "SE1", "S1 E2", "4x3", "1920x1080", "a1x01", "1x01a", "é1x01", "1x2345", ""})
     EXPECT_FALSE(parseSeasonEpisode(none)) << none;
 }
 
@@ -68,11 +70,18 @@ TEST(EpisodeName, GivesTheLabelsParts) {
     const std::string shown = shownSeason(season) + ' ' + shownEpisode(episode);
     EXPECT_EQ(season + '|' + episode + '|' + title + '|' + shown, expected) << stem;
   }
-  for (const char* line : {" Specials  = 0", "S02 = 2", "Season 10 = 10", "Show SEASON03 x = 3",
-                           "Seasons, season   5 = 5", "Season = ", "Extras = ", " = "}) {
+  for (const char* line :
+       {" Specials  = 0", "S02 = 2", "Season 10 = 10", "Show SEASON03 x = 3", "Seasons, season   5 = 5",
+        "Season = ", "Staffel 02 = 2", "SAISON 1 = 1", "Temporada 3 = 3", "stagione1 = 1", "СЕЗОН 2 = 2",
+        "Series 4 = 4", "Extras = ", " = "}) {
     const auto [name, season] = row(line);
     EXPECT_EQ(seasonOfFolder(name), season) << name;
   }
+  for (const char* name : {"SEASON", "Seasons", "s1", "specials", "Staffel 2", "Saison 1", "Temporada 3",
+                           "Stagione 1", "Сезон 2", "Series 4"})
+    EXPECT_TRUE(isSeasonFolder(name)) << name;
+  for (const char* name : {"Staffel", "Series", "The Series 4", "Special Features", "Sp1x", "Extras 1", ""})
+    EXPECT_FALSE(isSeasonFolder(name)) << name;
 }
 
 }  // namespace

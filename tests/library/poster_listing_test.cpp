@@ -1,11 +1,12 @@
 #include "library/poster_listing.h"
 
 #include <fstream>
+#include <set>
 
 #include <gtest/gtest.h>
 
 #include "base/text.h"
-#include "library/video_match.h"
+#include "library/film_candidates.h"
 #include "support/media_root.h"
 
 namespace tavek {
@@ -29,8 +30,10 @@ std::string list(const std::string& folder) {
   Flag stop;
   const auto [kind, posters] = listPosters(root, stop);
   std::string text = listingNoun(kind) + std::string("\n");
-  for (const auto& [path, media, key, image, label] : posters) {
-    text += path + " > " + media + " (" + key.raw + ')' + (image != path ? image : "") + label + '\n';
+  for (const auto& [path, media, key, image, label, isEpisode] : posters) {
+    text += path + " > " + media + " (" + key.raw + ')' + (image != path ? image : "") + label +
+            (isEpisode && kind != ListingKind::Episodes ? " episode\n" : "\n");
+    EXPECT_EQ(isEpisode, !media.empty() && (kind == ListingKind::Episodes || kind == ListingKind::Seasons));
     // One tile by itself, from the disk.
     EXPECT_EQ(posterTitleKey(path), key.raw);
     EXPECT_TRUE(kind != ListingKind::Videos || findVideoForPoster(path, root, Flag()).value_or("") == media)
@@ -54,14 +57,28 @@ constexpr const char* cases[][3] = {
      "old.poster.jpg >  (old)\n.hid/a.jpg > .hid/a.mkv (a)\nbox/poster.jpg >  (box)\n"
      "box/two (1979)/two.jpeg > box/two (1979)/two.mkv (two 1979)\none/cover.poster.jpg > one/one.mkv (one)\n"
      "one/sub/one.jpg >  (one)\nb/sea.jpg > b/trip/sea.mkv (sea)\n"},
+    {"Films",
+     "战狼 2/战狼 2.mkv|战狼 2/战狼 2.jpg|Брат 2.mkv|БРАТ 2.png|Café.mkv|Cafe\u0301.jpg|Ärger.avi|"
+     "äRGER.jpeg|\xff.mkv|\xff.jpg|Plain (1982)/Plain.mkv|Plain (1982)/poster.jpg|"
+     "Plain (1982)/Plain-trailer.mkv|Plain (1982)/theme.mp3|Odd/its.name.mkv|Odd/front.jpg|sample.mkv|"
+     "sample.jpg",
+     "poster candidates\ncafe\u0301.jpg > café.mkv (café)\närger.jpeg > Ärger.avi (ärger)\n"
+     "БРАТ 2.png > Брат 2.mkv (брат 2)\n\xff.jpg > \xff.mkv (\xff)\nodd/front.jpg > odd/its.name.mkv "
+     "(its.name)\n"
+     "plain (1982)/poster.jpg > plain (1982)/plain.mkv (plain 1982)\n"
+     "战狼 2/战狼 2.jpg > 战狼 2/战狼 2.mkv (战狼 2)\n"},
     {"Videos", "b.png|Sea/a.jpeg|fanart.png|B.PNG|b.srt|closed/",
      "poster candidates\nb.png >  (b)\nc.jpg >  (c)\nsea/a.jpeg >  (a)\n"},
     {"TV", "Show 10/|show 2/poster.jpg|.Hid/|x.mkv",
      "tv folders\n.hid/poster.jpg >  (.hid).hid\nalias/poster.jpg >  (alias)alias\n"
      "show 2/poster.jpg >  (show 2)show 2\nshow 10/poster.jpg >  (show 10)show 10\n"},
-    {"TV/show 2", "Season 10/S10E01.mkv|S03/|SPECIALS/|Extras/|Sp1x/|S1.mkv|Seaso/|season 2/",
+    {"TV/show 2",
+     "Season 10/S10E01.mkv|S03/|SPECIALS/|Extras/|Sp1x/|S1.mkv|Seaso/|season 2/|Staffel 4/|S01E10 End.mkv|"
+     "1x02.avi|S01E10-sample.mkv|theme.mp3|Pilot.mkv|Staffel/",
      "season folders\ns03/poster.jpg >  (s03)s03\nseason 2/poster.jpg >  (season 2)season 2\n"
-     "season 10/poster.jpg >  (s10e01)season 10\nspecials/poster.jpg >  (specials)specials\n"},
+     "season 10/poster.jpg >  (s10e01)season 10\nspecials/poster.jpg >  (specials)specials\n"
+     "staffel 4/poster.jpg >  (staffel 4)staffel 4\n1x02.avi > 1x02.avi (1x02)1x02-thumb.jpg1x02 episode\n"
+     "s01e10 end.mkv > s01e10 end.mkv (s01e10 end)s01e10 end-thumb.jpgs01e10 end episode\n"},
     {"TV/Show 10/s1", "Pilot.mkv|S02E10 b.mkv|Show.s2e2.mp4|S02E9.jpg|S02E9.MKV|s02e9.mkv|x/S02E1.mkv",
      "poster candidates\ns02e9.mkv > s02e9.mkv (s02e9)s02e9-thumb.jpgs02e9\n"
      "s02e10 b.mkv > s02e10 b.mkv (s02e10 b)s02e10 b-thumb.jpgs02e10 b\n"
@@ -72,6 +89,7 @@ constexpr const char* cases[][3] = {
     {"gone", "", "poster candidates\n"}};
 
 TEST(Listing, IsWhatTheFolderCallsFor) {
+  for (const auto& entry : fs::directory_iterator(library.path())) fs::remove_all(entry.path());
   make("", "Videos/Sea/|TV/");
   fs::create_directory_symlink("..", library.path() / "Videos/Sea/loop");
   fs::create_symlink("b.srt", library.path() / "Videos/c.jpg");
@@ -83,9 +101,37 @@ TEST(Listing, IsWhatTheFolderCallsFor) {
   fs::permissions(library.path() / "Videos/closed", fs::perms::owner_all);
 }
 
+TEST(Listing, GivesAPosterTheFilmOfItsFolder) {
+  const struct {
+    const char* folder;
+    const char* videos;
+    const char* plays;  ///< empty for none
+  } folders[] = {
+      {"Two (1990)", "More.mkv|Two (1991).mkv", "Two (1991).mkv"},
+      {"1984 (1956)", "1984.mkv|b.mkv", "1984.mkv"},
+      {"ÄRGER (1990)", "ärger.mkv|b.mkv", "ärger.mkv"},
+      {"Box", "One.mkv|Two.mkv", ""},
+      {"Shelf", "Far/One.mkv", ""},
+      {"Any (1990)", "one.mkv|one-sample.mkv|Any 1990/Any 1990.mkv", "Any 1990/Any 1990.mkv"},
+  };
+  for (const auto& [name, videos, plays] : folders) {
+    const std::string folder = std::string("own/") + name;
+    make(folder, videos);
+    const fs::path full = library.path() / folder;
+    EXPECT_EQ(findVideoForPoster(full / "poster.jpg", {}, Flag()).value_or(""),
+              *plays != '\0' ? full / plays : "")
+        << name;
+  }
+}
+
 TEST(Listing, HasLimits) {
-  make("kids", "A/A.mkv|A/A.jpg|A/cover.jpg|A/poster.jpg|A/x/A.mp4|B.mkv");
-  EXPECT_EQ(listPosters(library.path() / "kids", {}).posters.size(), 2U) << "no more posters than titles";
+  // Whichever folder is walked first, its images do not push the other films off the list.
+  for (const char* film : {"A", "B", "C"})
+    make(std::string("kids/") + film, std::string(film) + ".mkv|" + film + ".jpg|cover.jpg|poster.jpg");
+  std::set<std::string> titles;
+  for (const ListedPoster& poster : listPosters(library.path() / "kids", {}).posters)
+    titles.insert(poster.key.raw);
+  EXPECT_EQ(titles, (std::set<std::string>{"a", "b", "c"}));
   for (int album = 0; album < 301; ++album) make("Music", std::to_string(album) + "/a.wav");
   const auto albums = listPosters(library.path() / "Music", {}).posters;
   EXPECT_EQ(std::to_string(albums.size()) + ' ' + albums.back().label, "300 98") << "99 is one too many";

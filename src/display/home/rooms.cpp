@@ -27,7 +27,7 @@ std::optional<std::size_t> roomNamed(const Folders& rooms, const std::string& na
 }
 
 std::optional<std::size_t> roomOfKind(const Folders& rooms, MediaKind kind) {
-  return firstRoom(rooms, [&](const fs::path& room) { return classifyFolder(room) == kind; });
+  return firstRoom(rooms, [&](const fs::path& room) { return knownKind(room) == kind; });
 }
 
 constexpr std::array<std::pair<const char*, MediaKind>, 4> kindHints{{{"tv", MediaKind::Series},
@@ -71,9 +71,9 @@ std::size_t roomFor(const Folders& rooms, const std::string& hint, std::size_t c
 void Rooms::reload() {
   if (listing_.running()) return;
   listing_.start([](JobSide<Folders>& side) {
-    Folders rooms = listRoots();
+    Folders rooms = listRoots(side.stop());
     // The answers are kept, so that asking for them later does not touch the disk.
-    for (const fs::path& room : rooms) classifyFolder(room);
+    for (const fs::path& room : rooms) classifyFolder(room, side.stop());
     side.post(std::move(rooms));
   });
 }

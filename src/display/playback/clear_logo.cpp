@@ -12,8 +12,8 @@
 #include "display/toolkit/text.h"
 #include "display/toolkit/texture.h"
 #include "library/episode_name.h"
+#include "library/file_types.h"
 #include "library/media_paths.h"
-#include "library/usable_file.h"
 
 namespace tavek {
 namespace {

@@ -11,7 +11,6 @@
 #include "library/episode_still.h"
 #include "library/file_types.h"
 #include "library/media_list.h"
-#include "library/usable_file.h"
 #include "state/json_write.h"
 
 namespace tavek {
@@ -97,7 +96,8 @@ void PosterLoader::loadPosters(const fs::path& folder, JobSide<Message>& side) {
   const TileMaker maker;
   for (ListedPoster& poster : listing.posters) {
     if (side.stop()) return;
-    SurfacePtr tile = fittedToHeight(maker.make(listing.kind, poster, side.stop()), tallestPoster);
+    const ListingKind kind = poster.isEpisode ? ListingKind::Episodes : listing.kind;
+    SurfacePtr tile = fittedToHeight(maker.make(kind, poster, side.stop()), tallestPoster);
     if (tile) side.post(PendingPoster{std::move(poster), std::move(tile)});
   }
 }
