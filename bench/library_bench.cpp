@@ -176,7 +176,7 @@ void measurePasses(Display& display, const char* what, bool keys) {
 }
 
 void measureStrip(const Stored& stored, const char* room, const char* what) {
-  Display display(0, 0, 3840, 2160, Orientation::OrientationAuto, stored);
+  Display display(0, 0, 3840, 2160, Orientation::OrientationAuto, stored, steadyClock());
   if (!display.usable()) return;
   display.setVideoPlaying(false);
   display.selectRoomForPath(mediaRoot() / room);
@@ -202,7 +202,7 @@ int main() {
   bench::measureListing();
   StateStore store(stateFile());
   {
-    Display display(0, 0, 1920, 1080, Orientation::OrientationAuto, store.parts());
+    Display display(0, 0, 1920, 1080, Orientation::OrientationAuto, store.parts(), steadyClock());
     if (!display.usable()) return 1;
     bench::measureFirstScreen(display, "movies");
     bench::measureFirstScreen(display, "tv");
