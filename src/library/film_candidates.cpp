@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "base/text.h"
@@ -56,7 +55,12 @@ class FilmTree {
 
   const std::vector<TreeFile>& images() const { return images_; }
   bool hasVideos() const { return !videos_.empty(); }
-  const std::unordered_set<std::string>& titles() const { return titles_; }
+  /// Notes that a title has an image; true once each title has one.
+  bool completes(const std::string& title) {
+    if (const auto found = titles_.find(title); found != titles_.end() && !std::exchange(found->second, true))
+      ++shownTitles_;
+    return hasVideos() && shownTitles_ == titles_.size();
+  }
 
   std::string titleOf(const TreeFile& image) const {
     const Folder& folder = folders_[image.folder];
@@ -111,7 +115,7 @@ class FilmTree {
   /// Once all files have their places, since texts are kept by reference here.
   void enterVideo(const TreeFile& video) {
     Folder& folder = folders_[video.folder];
-    titles_.insert(titleWithYear(foldCase(video.text.stem()), folder.name));
+    titles_.try_emplace(titleWithYear(foldCase(video.text.stem()), folder.name), false);
     folder.videos.push_back(&video);
     for (std::size_t above = video.folder;; above = folders_[above].parent) {
       folders_[above].holdsVideos = true;
@@ -142,7 +146,8 @@ class FilmTree {
   std::vector<Folder> folders_{1};  // the root stands first
   std::vector<TreeFile> images_;
   std::vector<TreeFile> videos_;
-  std::unordered_set<std::string> titles_;
+  std::unordered_map<std::string, bool> titles_;  ///< of the films; true for one that has an image
+  std::size_t shownTitles_ = 0;
 };
 
 bool isFanArt(std::string_view stem) {
@@ -159,17 +164,16 @@ PosterCandidate::PosterCandidate(FileText listed, std::string titleKey, std::str
       name(foldCase(file.name())) {}
 
 std::vector<PosterCandidate> filmCandidates(const fs::path& folder, const Flag& stop) {
-  const FilmTree tree(folder, stop);
+  FilmTree tree(folder, stop);
   std::vector<PosterCandidate> films;
-  std::unordered_set<std::string> shown;  // of the films' titles
   for (const TreeFile& image : tree.images()) {
     if (stop) break;
     if (isFanArt(image.text.stem())) continue;
     std::string title = tree.titleOf(image);
     if (!tree.isPoster(image, title)) continue;
-    if (tree.titles().contains(title)) shown.insert(title);
+    const bool last = tree.completes(title);
     films.emplace_back(image.text, std::move(title), tree.mediaOf(image));
-    if (tree.hasVideos() && shown.size() == tree.titles().size()) break;
+    if (last) break;
   }
   return films;
 }
