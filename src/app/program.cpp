@@ -18,7 +18,6 @@
 #include "base/paths.h"
 #include "base/process_flags.h"
 #include "display/display.h"
-#include "library/media_paths.h"
 #include "sound/alsa_device.h"
 #include "state/state_store.h"
 #include "viewing/item_loop.h"
@@ -54,7 +53,6 @@ void forceDriver(const std::string& name) {
 /// What is kept of the sound mode wins over the command line.
 void loadState(StateStore& state, LaunchOptions& options) {
   const Stored stored = state.parts();
-  stored.users.ensureRooms(listRoots(quitRequested));
   if (const auto mode = stored.settings.soundMode()) options.soundMode = static_cast<SoundMode>(*mode);
 }
 

@@ -158,7 +158,7 @@ void Display::presentHome() {
 
 /// Its posters are listed behind the home screen, for the user who is the active one now.
 void Display::openRoom(const std::filesystem::path& room) {
-  roomKind_ = seriesRootOf(room) ? MediaKind::Series : classifyFolder(room, quitRequested);
+  roomKind_ = seriesRootOf(room) ? MediaKind::Series : knownKind(room).value_or(MediaKind::Movies);
   strip_.posters().openPosterFolder(renderer(), room);
   refreshWatchedBits();
 }
@@ -173,7 +173,7 @@ void Display::enterRoom(const std::filesystem::path& room) {
 
 void Display::selectRoomForPath(const std::filesystem::path& path) {
   const auto root = roomRootOf(path);
-  roomKind_ = root ? classifyFolder(*root, quitRequested) : MediaKind::Movies;
+  roomKind_ = root ? knownKind(*root).value_or(MediaKind::Movies) : MediaKind::Movies;
   if (root) home_.selectRoom(*root);
 }
 

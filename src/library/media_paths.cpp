@@ -136,7 +136,11 @@ std::optional<fs::path> roomRootOf(const fs::path& path) {
 
 std::optional<fs::path> seriesRootOf(const fs::path& path) {
   const auto room = roomRootOf(path);
-  return room && classifyFolder(*room, quitRequested) == MediaKind::Series ? room : std::nullopt;
+  return room && knownKind(*room) == MediaKind::Series ? room : std::nullopt;
+}
+
+void learnRoomKind(const fs::path& path, const Flag& stop) {
+  if (const auto room = roomRootOf(path)) classifyFolder(*room, stop);
 }
 
 int seriesDepth(const fs::path& path) {

@@ -10,10 +10,9 @@
 #include "library/media_kind.h"
 
 /// What a path of the library is. The top-level folders of mediaRoot() are the rooms; a series room holds
-/// series folders, and those hold season folders. All but classifyFolder and listRoots look at the path's
-/// lexically normal text alone, and seriesRootOf and its kin ask classifyFolder about the room, which walks
-/// at most once in a room that knownKind does not know.
-/// Every function may be called from every thread.
+/// series folders, and those hold season folders. All but classifyFolder, learnRoomKind and listRoots look at
+/// the path's lexically normal text alone, and at what is known of the kind of its room. Every function may
+/// be called from every thread.
 namespace tavek {
 
 /// Told by the folder's name, or by what lies in it if the name says nothing. The answer is kept for the life
@@ -22,6 +21,9 @@ namespace tavek {
 MediaKind classifyFolder(const std::filesystem::path& path, const Flag& stop);
 /// The same without a walk: none for a folder that only a walk can tell, and that none has told yet.
 std::optional<MediaKind> knownKind(const std::filesystem::path& path);
+/// classifyFolder for the room of a path: a worker's first step, where a room may be one that nobody has
+/// looked at yet.
+void learnRoomKind(const std::filesystem::path& path, const Flag& stop);
 /// The rooms in the byte order of their names, without hidden ones. Four fixed rooms, which need not exist,
 /// where there is none.
 std::vector<std::filesystem::path> listRoots(const Flag& stop);
@@ -30,7 +32,7 @@ std::vector<std::filesystem::path> listRoots(const Flag& stop);
 bool isInside(const std::filesystem::path& path, const std::filesystem::path& root);
 /// The room that a path lies in; none for the library itself.
 std::optional<std::filesystem::path> roomRootOf(const std::filesystem::path& path);
-/// The same, if that room shows series.
+/// The same, if that room is known to show series.
 std::optional<std::filesystem::path> seriesRootOf(const std::filesystem::path& path);
 /// 0 outside the series rooms and for such a room itself, 1 for a series folder, 2 or more in a season
 /// folder.

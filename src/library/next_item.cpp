@@ -86,6 +86,7 @@ std::optional<fs::path> nextTrack(const fs::path& path, const Flag& stop) {
 }  // namespace
 
 std::optional<fs::path> nextItemAfter(const fs::path& path, const Flag& stop) {
+  learnRoomKind(path, stop);
   const std::optional<fs::path> root = seriesRootOf(path);
   if (!root) return nextTrack(path, stop);
   const auto number = parseSeasonEpisode(path.stem().string());

@@ -23,6 +23,7 @@ namespace fs = std::filesystem;
 constexpr std::size_t albumLimit = 300;
 
 ListingKind listingKindOf(const fs::path& folder, const Flag& stop) {
+  learnRoomKind(folder, stop);
   if (classifyFolder(folder, stop) == MediaKind::Music) return ListingKind::Albums;
   if (!seriesRootOf(folder)) return ListingKind::Videos;
   switch (seriesDepth(folder)) {

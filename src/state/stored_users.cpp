@@ -152,6 +152,16 @@ void StoredUsers::clearPlaying(const std::filesystem::path& roomFolder) {
   });
 }
 
+void StoredUsers::dropPlaying(const std::string& media, const std::string& user) {
+  memory_.change(Save::Always, [&](StoredState& state) {
+    RoomState& room = roomOf(state, user, media);
+    if (room.playing != media) return false;
+    room.playing.reset();
+    room.seek.reset();
+    return true;
+  });
+}
+
 bool StoredUsers::isWatched(const std::string& media) {
   return memory_.look([&](const StoredState& state) {
     return activeRoom(state, roomNameOfMedia(media)).watched.contains(media);

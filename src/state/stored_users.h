@@ -37,6 +37,8 @@ class StoredUsers {
   void setPlaying(const std::string& media, const std::string& user);
   void setPosition(const std::string& media, std::int64_t position, const std::string& user);
   void clearPlaying(const std::filesystem::path& roomFolder);
+  /// The media does not play, so it is not what its room starts with.
+  void dropPlaying(const std::string& media, const std::string& user);
   bool isWatched(const std::string& media);
   bool hasWatchedBelow(const std::filesystem::path& folder);
   void markWatched(const std::string& media, bool flag, const std::string& user);

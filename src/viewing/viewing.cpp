@@ -90,8 +90,10 @@ Viewing::Viewing(const PlayContext& context, const std::string& path, SoundMode 
 
 void Viewing::run() {
   while (state_ != ItemState::Finished) pass();
-  const std::exception_ptr error = ended_ ? play_.error() : nullptr;
-  if (error) std::rethrow_exception(error);
+  if (const std::exception_ptr error = ended_ ? play_.error() : nullptr) {
+    context_.stored.users.dropPlaying(path_, user_);
+    std::rethrow_exception(error);
+  }
   if (!opened_) return;
   storeEnd();
   chooseNext();
