@@ -13,12 +13,8 @@ class Damage {
   void badPacket(std::int64_t positionUs);
   /// The next packet comes from another place.
   void seek() { badSince_.reset(); }
-  /// The stream is over.
-  void end() const;
 
  private:
-  bool anyGood_ = false;
-  bool anyBad_ = false;
   std::optional<std::int64_t> badSince_;  ///< the first bad packet after the last good frame
 };
 

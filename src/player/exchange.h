@@ -31,8 +31,10 @@ class Exchange {
   SoundClock soundClock;
   Flag paused;
   Flag seekFailed;
+  Flag anyDecoded;  ///< of either stream
 
   unsigned round() const { return round_; }
+  bool anySeek() const { return round_ > 1; }
   /// All of the round before is dropped, and the reader goes on from there.
   void seek(std::int64_t positionUs);
   /// Sends the reader off from the start of the file, in the first round.

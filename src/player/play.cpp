@@ -4,9 +4,14 @@
 #include <chrono>
 #include <utility>
 
+#include "media/error.h"
 #include "player/black_picture.h"
 #include "player/engine.h"
 #include "player/seek_rules.h"
+
+extern "C" {
+#include <libavutil/error.h>
+}
 
 namespace tavek {
 namespace {
@@ -103,7 +108,11 @@ void Play::requestSeek(std::int64_t positionUs) {
 Play::Turn Play::nextTurn() {
   if (error()) return Turn::Ended;
   const Clock::Time limit = clock_.now() + longestTurn;
-  return followsSound() ? soundTurn(limit) : pictureTurn(limit);
+  const Turn turn = followsSound() ? soundTurn(limit) : pictureTurn(limit);
+  Exchange& exchange = engine_->exchange();
+  if (turn == Turn::Ended && !exchange.anyDecoded && !exchange.anySeek())
+    exchange.fail(std::make_exception_ptr(ffmpeg::Error(AVERROR_INVALIDDATA)));
+  return turn;
 }
 
 /// There are no pictures that could tell the position.

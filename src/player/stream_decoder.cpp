@@ -30,7 +30,6 @@ void StreamDecoder::run() {
     if (packet.item) sending(*packet.item);
     decode(packet.item.get());
     if (packet.item || !current()) continue;
-    damage_.end();
     endRound();
   }
 }
@@ -64,6 +63,7 @@ bool StreamDecoder::receiveAll(const AVPacket* packet) {
       continue;
     }
     damage_.goodFrame();
+    exchange_.anyDecoded = true;
     takeFrame(*frame_);
     av_frame_unref(frame_.get());
   }

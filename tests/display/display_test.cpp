@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "base/background_job.h"
 #include "base/clock.h"
 #include "base/paths.h"
 #include "base/process_flags.h"
@@ -19,6 +20,12 @@ namespace {
 
 constexpr int width = 640;
 constexpr int height = 360;
+
+/// Jobs that a test has left behind read names of folders that end with the process.
+struct LeftJobs : testing::Environment {
+  void TearDown() override { joinLeftThreads(std::chrono::seconds(5)); }
+};
+const auto* const leftJobs = testing::AddGlobalTestEnvironment(std::make_unique<LeftJobs>().release());
 
 /// A grey picture with a white upper left quarter.
 class Picture {

@@ -99,7 +99,8 @@ TEST(StripLayout, LabelsTellSeasonAndEpisode) {
                {1, "/tv/Show/Extras/poster.jpg", ""},
                {2, "/tv/Show/Season 2/S02E05 Pilot.mkv", "Season 2, 05 Pilot"},
                {2, "/tv/Show/Season 2/S02E05.mkv", "Season 2, 05"},
-               {2, "/tv/Show/Season 2/Pilot.mkv", ""}};
+               {2, "/tv/Show/Season 2/Pilot.mkv", ""},
+               {1, "/tv/Show/S01E03 Beside the Seasons.mkv", "Season 1, 03 Beside the Seasons"}};
   for (const auto& c : cases) EXPECT_EQ(stripLabel(c.depth, c.poster), c.label) << c.poster;
 }
 

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "base/background_job.h"
 #include "base/clock.h"
 #include "base/guarded.h"
 #include "sound/pcm_device.h"
@@ -20,6 +21,9 @@ namespace tavek::test {
 class FakeSound {
  public:
   explicit FakeSound(Clock& clock) : clock_(clock) {}
+  ~FakeSound() { end(); }
+  FakeSound(const FakeSound&) = delete;
+  FakeSound& operator=(const FakeSound&) = delete;
 
   struct Faults {
     bool refuses = false;      ///< no device can be opened
@@ -29,6 +33,13 @@ class FakeSound {
   };
   void fail(Faults faults) { state_.hold()->faults = faults; }
   void setMostChannels(int channels) { state_.hold()->mostChannels = channels; }
+
+  /// Whoever plays on it may have left a thread that plays out, which a clock that stands would never end.
+  /// False if one still hangs.
+  bool end() {
+    fail({.gone = true});
+    return joinLeftThreads(std::chrono::seconds(5));
+  }
 
   /// All samples that came out, frame by frame.
   std::vector<std::int16_t> heard() {

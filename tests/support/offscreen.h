@@ -1,8 +1,5 @@
 #pragma once
 
-#include <dlfcn.h>
-#include <link.h>
-#include <string>
 #include <vector>
 
 #include <SDL.h>
@@ -19,22 +16,6 @@ namespace tavek::test {
 /// Has to stand before SDL_Init; a Display that a test builds needs it too.
 inline void useOffscreenDriver() {
   SDL_setenv("SDL_VIDEODRIVER", "offscreen", 1);
-}
-
-/// Pins every library that is loaded now. SDL_Quit unloads the graphics driver, and a leak checker could then
-/// no longer tell what the driver left behind from leaks of ours; so a test calls this while a renderer
-/// exists.
-inline void keepLibrariesLoaded() {
-  std::vector<std::string> names;
-  const auto collect = [](dl_phdr_info* info, std::size_t, void* list) {
-    static_cast<std::vector<std::string>*>(list)->emplace_back(info->dlpi_name);
-    return 0;
-  };
-  dl_iterate_phdr(collect, &names);
-  for (const std::string& name : names) {
-    void* handle = name.empty() ? nullptr : dlopen(name.c_str(), RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
-    if (handle != nullptr) dlclose(handle);
-  }
 }
 
 /// A part of the frame in progress, row by row, each pixel with an alpha of 255.
@@ -60,7 +41,6 @@ class Offscreen {
     renderer_.reset(SDL_CreateRenderer(window_.get(), -1, 0));
     font_ = openRegularFont(20);
     clear();
-    keepLibrariesLoaded();
   }
   ~Offscreen() {
     dropTextCache();

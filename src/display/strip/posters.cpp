@@ -20,14 +20,15 @@ constexpr std::size_t posterTarget = postersOnScreen;
 constexpr Uint64 textureCheckMs = 500;
 constexpr int leastWidth = 50;
 
-/// Asks the store for marks, once per folder in a pass over a whole list.
+/// Asks the store for marks: an episode's own, or that of a series or a season, once per folder in a pass
+/// over a whole list.
 class Marks {
  public:
   Marks(StoredUsers& users, const fs::path& openFolder)
       : users_(users), byFolder_(seriesRootOf(openFolder).has_value() && seriesDepth(openFolder) <= 1) {}
 
   bool of(const fs::path& path, const std::string& media) {
-    if (!byFolder_) return !media.empty() && users_.isWatched(media);
+    if (!byFolder_ || isVideoFile(path)) return !media.empty() && users_.isWatched(media);
     const fs::path folder = path.parent_path();
     const auto [known, isNew] = folders_.try_emplace(folder.string(), false);
     if (isNew) known->second = users_.hasWatchedBelow(folder);

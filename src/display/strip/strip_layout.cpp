@@ -5,6 +5,7 @@
 
 #include "base/text.h"
 #include "library/episode_name.h"
+#include "library/file_types.h"
 
 namespace tavek {
 namespace {
@@ -68,7 +69,7 @@ StripLayout layoutStrip(std::span<const int> widths, int selected, int windowWid
 }
 
 std::string stripLabel(int seriesDepth, const std::filesystem::path& poster) {
-  if (seriesDepth == 1) {
+  if (seriesDepth == 1 && !isVideoFile(poster)) {
     const std::string season = seasonOfFolder(poster.parent_path().filename().string());
     return season.empty() ? "" : "Season " + shownSeason(season);
   }
