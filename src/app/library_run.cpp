@@ -65,8 +65,8 @@ std::vector<std::string> queueOf(RoomPlan plan, const PlayContext& context) {
     return std::move(plan.files);
   }
   if (plan.files.empty()) return {*plan.start};
-  std::ranges::rotate(plan.files,
-                      plan.files.begin() + static_cast<std::ptrdiff_t>(placeOf(*plan.start, plan.files)));
+  const auto first = plan.files.begin() + static_cast<std::ptrdiff_t>(placeOf(*plan.start, plan.files));
+  std::rotate(plan.files.begin(), first, plan.files.end());
   return std::move(plan.files);
 }
 

@@ -86,6 +86,7 @@ class SpawnSetup {
   /// The process, or -1.
   pid_t start(const std::vector<std::string>& arguments) const {
     std::vector<char*> words;
+    words.reserve(arguments.size() + 1);
     // The interface lacks a const that it keeps.
     for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
     words.push_back(nullptr);

@@ -15,7 +15,7 @@ namespace tavek {
 /// with a dead disk is longer than its Play.
 class Engine {
  public:
-  Engine(PlayItem item, const PlayServices& services) : item_(std::move(item)), services_(services) {}
+  Engine(PlayItem item, PlayServices services) : item_(std::move(item)), services_(std::move(services)) {}
 
   // The threads' bodies; none throws.
   void openAndRead();

@@ -78,7 +78,7 @@ class ItemActs {
 };
 
 struct ItemStep {
-  ItemState next;
+  ItemState next{};
   ItemActs acts = {};
   bool operator==(const ItemStep&) const = default;
 };
