@@ -167,7 +167,7 @@ bool matchesQuery(const MatchKey& key, const fs::path& poster, bool seriesRoom, 
   if (lettersOnly && !key.raw.empty() && isAsciiDigit(key.raw.front())) return false;
   if (seriesRoom) {
     const auto series = namesEpisode(query) ? std::nullopt : seriesFolderOf(poster);
-    return anyFormBegins(series ? matchKeyOf(*series) : key, query);
+    return anyFormBegins(series ? matchKeyOf(folderTile(*series)) : key, query);
   }
   const std::string title = stripYear(key.raw);
   const std::string wanted = stripYear(query);

@@ -39,6 +39,10 @@ std::optional<std::filesystem::path> seriesRootOf(const std::filesystem::path& p
 int seriesDepth(const std::filesystem::path& path);
 /// The series folder that a path lies below.
 std::optional<std::filesystem::path> seriesFolderOf(const std::filesystem::path& path);
+/// The tile of a series or a season, which need not exist. A folder's own name may have a dot, "Mr. Robot".
+inline std::filesystem::path folderTile(const std::filesystem::path& folder) {
+  return folder / "poster.jpg";
+}
 
 /// The name under which the state files know a room, in spite of its folder's spelling.
 std::string normalizeRoomName(std::string_view text);

@@ -52,7 +52,7 @@ std::vector<ListedPoster> listFolders(const fs::path& folder, bool seasonsOnly, 
   std::vector<ListedPoster> posters;
   for (const auto& [name, path] : found) {
     if (stop) break;
-    const fs::path image = path / "poster.jpg";
+    const fs::path image = folderTile(path);
     posters.push_back(
         {image.string(), {}, matchKeyOf(image), image.string(), path.filename().string(), false});
   }

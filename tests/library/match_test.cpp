@@ -76,6 +76,9 @@ TEST(Match, AnswersQueries) {
         return std::to_string(matchesQuery(key, episode, series, query, true)) +
                std::to_string(matchesQuery(key, episode, series, query, false));
       });
+  const std::filesystem::path dotted = test::library.path() / "tv/Mr. Robot/S1/S01E01.mkv";
+  for (const char* query : {"mr. robot", "mrrobot"})
+    EXPECT_TRUE(matchesQuery(makeMatchKey("s01e01"), dotted, true, query, false)) << query;
 }
 
 }  // namespace

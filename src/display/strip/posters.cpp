@@ -162,7 +162,7 @@ void Posters::selectPosterFor(const fs::path& media) {
   const auto series = seriesFolderOf(media);
   const bool bySeries = series && (seriesRoom() || seriesDepth(page_.folder) == 0);
   goal_.media = media.string();
-  goal_.selectionKey = matchKeyOf(bySeries ? *series : media);
+  goal_.selectionKey = matchKeyOf(bySeries ? folderTile(*series) : media);
   goal_.waitingKey = goal_.selectionKey.raw;
   int found = findMedia(media);
   if (found >= 0) return selectPoster(found);
