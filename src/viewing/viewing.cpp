@@ -120,9 +120,9 @@ void Viewing::serveCode(NavCode code) {
   if (code == NavCode::None || (code == NavCode::TogglePause && clock_.now() < startGuardUntil_)) return;
   const auto* known = std::ranges::find(codeRequests, code, &CodeRequest::code);
   if (known != codeRequests.end()) return serve(known->request);
-  if (state_ == ItemState::Starting || state_ == ItemState::Ending) return;
+  if (state_ == ItemState::Starting) return;
   serveVolume(code);
-  if (state_ == ItemState::Paused) return;
+  if (state_ == ItemState::Ending || state_ == ItemState::Paused) return;
   if (code == NavCode::Wake) display_.showSeekBar();
   if (code == NavCode::Snapshot && !runs(state_)) takeSnapshot();
 }
