@@ -58,6 +58,8 @@ Meaning Home::move(Direction direction, const FocusFacts& /*facts*/, Uint64 /*no
 
 Meaning Home::confirmUser(Uint64 nowMs) {
   if (folderChange_) return Handled();
+  confirmWaits_ = rooms_.folders().empty() && rooms_.reading();
+  if (confirmWaits_) return Handled();
   stored_.users.setActiveUser(selectedUser());
   stored_.users.setUserMode(selectedUser(), normalizeRoomName(roomNameOfRoot(room())));
   folderChange_ = {nowMs, room()};
@@ -89,7 +91,9 @@ Meaning Home::advance(Uint64 nowMs) {
   if (rooms_.poll()) {
     stored_.users.ensureRooms(rooms_.folders());
     if (!homeMode_) return Handled();
-    rooms_.choose(stored_.users.userMode(stored_.users.activeUser()).value_or(""));
+    rooms_.choose(
+        stored_.users.userMode(confirmWaits_ ? selectedUser() : stored_.users.activeUser()).value_or(""));
+    if (confirmWaits_ && chooserOpen_) confirmUser(nowMs);
     return OpenRoom{room()};
   }
   if (!folderChange_ || nowMs < folderChange_->at + folderChangeMs) return Unhandled();
@@ -101,6 +105,7 @@ Meaning Home::advance(Uint64 nowMs) {
 
 void Home::arrive(Uint64 nowMs) {
   folderChange_.reset();
+  confirmWaits_ = false;
   rooms_.reload();
   rooms_.choose(stored_.users.userMode(stored_.users.activeUser()).value_or(""));
   view_.startFadeIn(nowMs);
@@ -131,6 +136,7 @@ void Home::leave() {
   chooserOpen_ = false;
   pausedPlayback_ = false;
   folderChange_.reset();
+  confirmWaits_ = false;
   view_.endFadeIn();
 }
 

@@ -73,6 +73,7 @@ class Home final : public Layer {
   const Stored stored_;
   HomeView view_;
   Rooms rooms_;
+  bool confirmWaits_ = false;  ///< for the first list of rooms, on a slow disk
   bool homeMode_ = false;
   bool chooserOpen_ = false;
   bool pausedPlayback_ = false;  ///< the users lie over an item that ran

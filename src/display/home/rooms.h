@@ -22,6 +22,7 @@ class Rooms {
  public:
   /// Has the library read anew, and each room's kind found out, in the background.
   void reload();
+  bool reading() const { return listing_.running() || listing_.waiting() > 0; }
   /// True once for each list that has come; the selected room stays selected if it is still there.
   bool poll();
   /// Selects the room that the hint means.
