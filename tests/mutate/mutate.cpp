@@ -152,7 +152,7 @@ Outcome played(Play& play, test::FakeSound& card, const Clock& clock) {
     play.requestSeek(targetUs);
     sought = true;
   }
-  return Outcome::Cut;
+  return shown || !card.heard().empty() ? Outcome::Cut : Outcome::Nothing;
 }
 
 Outcome watch(const std::string& path) {
@@ -173,6 +173,8 @@ Outcome watch(const std::string& path) {
 int main(int count, char** words) {
   if (count != 4) return std::fputs("usage: mutate <count> <seed> <folder>\n", stderr), 2;
   av_log_set_level(AV_LOG_QUIET);
+  // No line is lost when a clip brings the program down.
+  setvbuf(stdout, nullptr, _IOLBF, 0);
   const fs::path folder = words[3];
   fs::create_directories(folder);
   const std::uint64_t first = std::stoull(words[2]);

@@ -62,6 +62,10 @@ void makeLibrary(const fs::path& root) {
   for (const Medium& medium : media) {
     const fs::path path = root / medium.path;
     fs::create_directories(path.parent_path());
+    // Without an image a film is not in the strip.
+    const fs::path poster =
+        rig::makeFile("-f lavfi -i color=red:s=20x30 -frames:v 1 OUT", "jpg", TAVEK_TEST_MEDIA);
+    fs::copy(poster, path.parent_path() / "poster.jpg", fs::copy_options::skip_existing);
     fs::copy(rig::makeFile(medium.words, path.extension().string().substr(1), TAVEK_TEST_MEDIA), path);
   }
   fs::create_directories(root / "Movies/Broken (2000)");
@@ -209,7 +213,8 @@ bool simulate(long count, std::uint64_t seed, const fs::path& root) {
   std::printf("sound opened %d times, longest pass %.3f s, end %.3f s\n", card.timesOpened(),
               clock.longestPass(), ending);
   const bool good = holds(clock.longestPass() < 2, "a pass froze") && holds(ending < 2, "the end took long");
-  return stateIsWhole(stateFile()) && good && holds(card.end(), "a thread hangs");
+  return stateIsWhole(stateFile()) && good && holds(card.end(), "a thread hangs") &&
+         holds(card.timesOpened() > count / 1000, "hardly anything was played");
 }
 
 }  // namespace
@@ -225,6 +230,8 @@ int main(int count, char** words) {
   av_log_set_level(AV_LOG_QUIET);
   // What the program tells of broken items is not of interest here.
   std::freopen("/dev/null", "w", stderr);
+  std::printf("seed %s\n", words[2]);
+  std::fflush(stdout);
   const bool good = simulate(std::stol(words[1]), std::stoull(words[2]), folder.path());
   std::printf("seed %s: %s\n", words[2], good ? "all held" : "failed");
   return good ? 0 : 1;
