@@ -25,10 +25,7 @@ Display::Display(int x, int y, int width, int height, Orientation orientation, c
       home_(stored) {}
 
 Display::~Display() {
-  // Textures go before the renderer that they live on.
-  playback_.destroyTextures();
-  home_.destroyTextures();
-  strip_.posters().clear();
+  for (Layer* layer : layers_) layer->destroyTextures();
   // A loader that hangs in a dead disk holds a font, whose library has to stay until the process ends.
   if (!joinLeftThreads(std::chrono::milliseconds(100))) screen_.keepLibraries();
 }
@@ -38,24 +35,14 @@ Display::~Display() {
 void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) {
   if (!usable() || picture.width < 1 || picture.height < 1) return;
   const FrameContext frame = frameContext();
-  if (!playback_.drawPicture(frame, picture)) return;
-  drawScreens(frame, positionUs);
-  SDL_RenderPresent(renderer());
-}
-
-void Display::drawScreens(const FrameContext& frame, std::int64_t positionUs) {
-  FocusFacts facts = focusFacts();
-  playback_.drawLogo(frame, facts);
-  playback_.drawVolume(frame);
-  if (facts.chooserOpen) home_.draw(frame, facts.stripAny);
-  strip_.advance(frame.renderer, playback_.currentVideo(), !facts.videoPlaying, frame.nowMs);
-  facts = focusFacts();
-  playback_.drawSeekBar(frame, facts, positionUs);
-  playback_.drawPauseIcon(frame, facts);
-  if (!facts.chooserOpen) strip_.draw(frame, roomKind_);
+  strip_.endSlide(frame.renderer, playback_.currentVideo(), !playback_.videoPlaying(), frame.nowMs);
+  const FocusFacts facts = focusFacts();
+  if (!playback_.drawPicture(frame, facts, picture, positionUs)) return;
+  for (Layer* layer : layers_) layer->draw(frame, facts);
   SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
   SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
   if (!facts.videoPlaying) statusLines_.draw(frame, facts.homeMode);
+  SDL_RenderPresent(renderer());
 }
 
 void Display::presentBlank() {
@@ -151,7 +138,7 @@ void Display::presentHome() {
   SDL_RenderClear(renderer());
   FrameContext frame = frameContext();
   SDL_GetRendererOutputSize(renderer(), &frame.width, &frame.height);
-  home_.draw(frame, strip_.any());
+  home_.draw(frame, focusFacts());
   statusLines_.draw(frame, home_.homeMode());
   SDL_RenderPresent(renderer());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -128,7 +129,6 @@ class Display {
   void openRoom(const std::filesystem::path& room);
   void enterRoom(const std::filesystem::path& room);
 
-  void drawScreens(const FrameContext& frame, std::int64_t positionUs);
   void presentHome();
   FrameContext frameContext() const;
 
@@ -137,6 +137,8 @@ class Display {
   Screen screen_;
   Strip strip_;
   Home home_;
+  /// The screens in the order in which they are drawn, over the picture.
+  const std::array<Layer*, 3> layers_{&home_, &playback_, &strip_};
   StatusLines statusLines_;
   KeyInput keys_;
   FocusName focus_ = FocusName::Movie;  ///< the last one, to see it change

@@ -26,7 +26,7 @@ constexpr std::array globalKeys{
 
 NavCode Display::pollInput() {
   const Uint64 now = clock_.ticksMs();
-  carryOut(home_.advance(now));
+  for (Layer* layer : layers_) carryOut(layer->advance(now));
   updateFocus();
   if (endLostSeek()) return NavCode::SeekCommit;
   const NavCode repeated = heldKey(now);
@@ -117,16 +117,9 @@ NavCode Display::carryOut(Meaning meaning) {
 }
 
 Layer& Display::layerWithFocus() {
-  switch (currentFocus()) {
-    case FocusName::Home:
-    case FocusName::UsersTab:
-      return home_;
-    case FocusName::Tv:
-    case FocusName::Poster:
-      return strip_;
-    default:
-      return playback_;
-  }
+  const FocusName focus = currentFocus();
+  const auto* owner = std::ranges::find_if(layers_, [&](const Layer* layer) { return layer->owns(focus); });
+  return owner != layers_.end() ? **owner : playback_;
 }
 
 void Display::updateFocus() {

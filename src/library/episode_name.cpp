@@ -86,6 +86,16 @@ std::string_view numberAfter(std::string_view text, std::size_t position) {
   return digitsAt(text, std::min(text.find_first_not_of(' ', position), text.size()));
 }
 
+/// "2. Staffel", "1ª temporada": the number before the word, with little between.
+std::string_view numberBeforeWord(std::string_view folded) {
+  constexpr std::size_t longestOrdinal = 4;
+  const std::string_view digits = digitsAt(folded, 0);
+  const auto* word = std::ranges::find_if(seasonWords, [&](auto each) { return folded.ends_with(each); });
+  if (digits.empty() || word == seasonWords.end()) return {};
+  const std::size_t between = folded.size() - word->size() - digits.size();
+  return between <= longestOrdinal ? digits : std::string_view();
+}
+
 std::string titleAfter(std::string_view stem, std::size_t end) {
   const std::string_view rest = stem.substr(end);
   return std::string(rest.substr(std::min(rest.find_first_not_of(" _-."), rest.size())));
@@ -151,13 +161,14 @@ std::string seasonOfFolder(std::string_view name) {
       if (!digits.empty()) return shownSeason(digits);
     }
   }
-  return {};
+  return shownSeason(numberBeforeWord(folded));
 }
 
 bool isSeasonFolder(std::string_view name) {
   const std::string folded = foldCase(name);
   if (folded.starts_with("season") || folded == "special" || folded == "specials") return true;
   if (folded.starts_with('s') && !digitsAt(folded, 1).empty()) return true;
+  if (!numberBeforeWord(trim(folded)).empty()) return true;
   return std::ranges::any_of(seasonWords, [&](std::string_view word) {
     return folded.starts_with(word) && !numberAfter(folded, word.size()).empty();
   });

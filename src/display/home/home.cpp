@@ -21,6 +21,10 @@ constexpr Home::Key Home::keys[] = {
     {SDLK_LEFT, &Home::sideways},        {SDLK_RIGHT, &Home::sideways},
 };
 
+bool Home::owns(FocusName focus) const {
+  return focus == FocusName::Home || focus == FocusName::UsersTab;
+}
+
 Meaning Home::key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) {
   if (!press.down) {
     view_.setArrows(false, false);
@@ -49,10 +53,9 @@ Meaning Home::sideways(const KeyPress& press, const FocusFacts& facts, Uint64 no
   return move(*directionOf(press.key), facts, nowMs);
 }
 
-/// While a confirmed user's fade runs nothing is chosen any more.
 Meaning Home::move(Direction direction, const FocusFacts& /*facts*/, Uint64 /*nowMs*/) {
   const bool side = direction == Direction::Left || direction == Direction::Right;
-  if (!chooserOpen_ || !side || folderChange_) return Handled();
+  if (!chooserOpen_ || !side || confirmed()) return Handled();
   return view_.moveUser(direction == Direction::Left ? -1 : +1) ? makeUserCurrent() : Meaning(Handled());
 }
 
@@ -68,8 +71,8 @@ Meaning Home::confirmUser(Uint64 nowMs) {
 }
 
 Meaning Home::switchRoom(bool up) {
+  if (confirmed()) return Handled();
   view_.setArrows(up, !up);
-  if (folderChange_) return Handled();
   if (rooms_.folders().empty()) rooms_.reload();
   const auto count = rooms_.folders().size();
   const std::size_t index = rooms_.index() + (up ? std::size_t{0} - 1 : 1);
@@ -146,11 +149,12 @@ void Home::selectRoom(const std::filesystem::path& room) {
     rooms_.select(static_cast<std::size_t>(found - rooms_.folders().begin()));
 }
 
-void Home::draw(const FrameContext& frame, bool stripOn) {
+void Home::draw(const FrameContext& frame, const FocusFacts& facts) {
+  if (!chooserOpen_) return;
   view_.draw(frame, {.roomLabels = rooms_.labels(),
                      .roomIndex = rooms_.index(),
                      .homeMode = homeMode_,
-                     .stripOn = stripOn,
+                     .stripOn = facts.stripAny,
                      .folderChangeAt = folderChange_ ? std::optional(folderChange_->at) : std::nullopt});
 }
 

@@ -20,11 +20,14 @@ class Home final : public Layer {
  public:
   explicit Home(const Stored& stored) : stored_(stored) { rooms_.reload(); }
 
+  bool owns(FocusName focus) const override;
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
   Meaning move(Direction direction, const FocusFacts& facts, Uint64 nowMs) override;
   bool repeats(const FocusFacts& /*facts*/) const override { return false; }
-  /// Once per pass: a confirmed user's way to the room, and a list of rooms that has come.
-  Meaning advance(Uint64 nowMs);
+  /// A confirmed user's way to the room, and a list of rooms that has come.
+  Meaning advance(Uint64 nowMs) override;
+  void draw(const FrameContext& frame, const FocusFacts& facts) override;
+  void destroyTextures() override { view_ = {}; }
 
   bool homeMode() const { return homeMode_; }
   bool chooserOpen() const { return chooserOpen_; }
@@ -43,10 +46,6 @@ class Home final : public Layer {
   std::filesystem::path room() const { return rooms_.current(); }
   /// Selects the room, if it is one of the library's.
   void selectRoom(const std::filesystem::path& room);
-
-  void draw(const FrameContext& frame, bool stripOn);
-  /// Textures go before the renderer that they live on.
-  void destroyTextures() { view_ = {}; }
 
  private:
   struct Key {
@@ -68,6 +67,8 @@ class Home final : public Layer {
   Meaning confirmUser(Uint64 nowMs);
   Meaning switchRoom(bool up);
   Meaning makeUserCurrent();
+  /// The user is chosen; nothing else is chosen any more on the way to the room.
+  bool confirmed() const { return confirmWaits_ || folderChange_; }
   const std::string& selectedUser() const { return view_.users()[view_.userIndex()]; }
 
   const Stored stored_;

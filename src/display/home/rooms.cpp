@@ -72,7 +72,9 @@ void Rooms::reload() {
   if (listing_.running()) return;
   listing_.start([](JobSide<Folders>& side) {
     Folders rooms = listRoots(side.stop());
-    // The answers are kept, so that asking for them later does not touch the disk.
+    side.post(rooms);
+    // A room without a telling name has to be walked. The answers are kept, so that asking for them later
+    // does not touch the disk.
     for (const fs::path& room : rooms) classifyFolder(room, side.stop());
     side.post(std::move(rooms));
   });

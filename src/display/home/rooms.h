@@ -20,10 +20,11 @@ std::size_t roomFor(const std::vector<std::filesystem::path>& rooms, const std::
 /// The rooms of the library, and the selected one. Main thread only.
 class Rooms {
  public:
-  /// Has the library read anew, and each room's kind found out, in the background.
+  /// Has the library read anew in the background, and then each room's kind found out.
   void reload();
   bool reading() const { return listing_.running() || listing_.waiting() > 0; }
-  /// True once for each list that has come; the selected room stays selected if it is still there.
+  /// True once for each list that has come, one before the kinds are known and one after; the selected room
+  /// stays selected if it is still there.
   bool poll();
   /// Selects the room that the hint means.
   void choose(const std::string& hint) { index_ = roomFor(folders_, hint, index_); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <utility>
 
 #include "display/toolkit/key_input.h"
@@ -28,9 +29,25 @@ constexpr std::array musicKeys{
 
 // --- Keys ---
 
+constexpr PlaybackScreen::Key PlaybackScreen::movieKeys[] = {
+    {SDLK_LEFT, &PlaybackScreen::sideways},
+    {SDLK_RIGHT, &PlaybackScreen::sideways},
+    {SDLK_AUDIOFASTFORWARD, &PlaybackScreen::mediaSeek},
+    {SDLK_AUDIOREWIND, &PlaybackScreen::mediaSeek},
+    {SDLK_UP, &PlaybackScreen::dropSeekBar},
+    {SDLK_RETURN, &PlaybackScreen::openPosters},
+    {SDLK_KP_ENTER, &PlaybackScreen::openPosters},
+    {SDLK_PRINTSCREEN, &PlaybackScreen::snapshot},
+};
+
 Meaning PlaybackScreen::key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) {
-  if (focusOf(facts) == FocusName::Music) return press.down ? musicKeyDown(press.key) : Meaning(Unhandled());
-  return press.down ? movieKeyDown(press, facts, nowMs) : movieKeyUp(press.key, facts);
+  if (focusOf(facts) == FocusName::Music) {
+    const auto* entry = std::ranges::find(musicKeys, press.key, &KeyCode::key);
+    return press.down && entry != musicKeys.end() ? Meaning(entry->code) : Meaning(Unhandled());
+  }
+  if (!press.down) return movieKeyUp(press.key, facts);
+  const auto* entry = std::ranges::find(movieKeys, press.key, &Key::key);
+  return entry != std::end(movieKeys) ? (this->*entry->serve)(press, facts, nowMs) : Meaning(Unhandled());
 }
 
 Meaning PlaybackScreen::move(Direction direction, const FocusFacts& facts, Uint64 /*nowMs*/) {
@@ -39,36 +56,32 @@ Meaning PlaybackScreen::move(Direction direction, const FocusFacts& facts, Uint6
   return direction == Direction::Right ? Meaning(NavCode::SeekForward) : Meaning(Unhandled());
 }
 
-Meaning PlaybackScreen::movieKeyDown(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) {
-  switch (press.key) {
-    case SDLK_LEFT:
-    case SDLK_RIGHT:
-      return sidewaysDown(press, facts, nowMs);
-    case SDLK_AUDIOFASTFORWARD:
-      return startSeek(NavCode::SeekForward, nowMs);
-    case SDLK_AUDIOREWIND:
-      return startSeek(NavCode::SeekBackward, nowMs);
-    case SDLK_UP:
-      if (!videoPaused_) seekBar_.clearActivity();
-      return Handled();
-    case SDLK_RETURN:
-    case SDLK_KP_ENTER:
-      return press.repeat ? Meaning(Handled()) : Meaning(NavCode::OpenPosters);
-    case SDLK_PRINTSCREEN:
-      return facts.running() ? Meaning(Handled()) : Meaning(NavCode::Snapshot);
-    default:
-      return Unhandled();
-  }
-}
-
 /// While a film runs they seek; while it stands they are the volume.
-Meaning PlaybackScreen::sidewaysDown(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) {
+Meaning PlaybackScreen::sideways(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) {
   const bool right = press.key == SDLK_RIGHT;
   if (facts.running() || facts.stripAny) {
     return startSeek(right ? NavCode::SeekForward : NavCode::SeekBackward, nowMs);
   }
   volumeKey_ = press.key;
   return right ? NavCode::VolumeUpPress : NavCode::VolumeDownPress;
+}
+
+Meaning PlaybackScreen::mediaSeek(const KeyPress& press, const FocusFacts& /*facts*/, Uint64 nowMs) {
+  return startSeek(press.key == SDLK_AUDIOFASTFORWARD ? NavCode::SeekForward : NavCode::SeekBackward, nowMs);
+}
+
+Meaning PlaybackScreen::dropSeekBar(const KeyPress& /*press*/, const FocusFacts& /*facts*/,
+                                    Uint64 /*nowMs*/) {
+  if (!videoPaused_) seekBar_.clearActivity();
+  return Handled();
+}
+
+Meaning PlaybackScreen::openPosters(const KeyPress& press, const FocusFacts& /*facts*/, Uint64 /*nowMs*/) {
+  return press.repeat ? Meaning(Handled()) : Meaning(NavCode::OpenPosters);
+}
+
+Meaning PlaybackScreen::snapshot(const KeyPress& /*press*/, const FocusFacts& facts, Uint64 /*nowMs*/) {
+  return facts.running() ? Meaning(Handled()) : Meaning(NavCode::Snapshot);
 }
 
 Meaning PlaybackScreen::startSeek(NavCode code, Uint64 nowMs) {
@@ -84,11 +97,6 @@ Meaning PlaybackScreen::movieKeyUp(SDL_Keycode key, const FocusFacts& facts) {
   if (facts.chooserOpen || facts.stripAny) return Handled();
   seekFocus_ = false;
   return NavCode::SeekCommit;
-}
-
-Meaning PlaybackScreen::musicKeyDown(SDL_Keycode key) const {
-  const auto* entry = std::ranges::find(musicKeys, key, &KeyCode::key);
-  return entry != musicKeys.end() ? Meaning(entry->code) : Meaning(Unhandled());
 }
 
 std::optional<NavCode> PlaybackScreen::volumeRelease(const KeyPress& press) {
@@ -142,17 +150,15 @@ void PlaybackScreen::destroyTextures() {
 
 // --- Drawing ---
 
-bool PlaybackScreen::drawPicture(const FrameContext& frame, const PictureView& picture) {
+bool PlaybackScreen::drawPicture(const FrameContext& frame, const FocusFacts& facts,
+                                 const PictureView& picture, std::int64_t positionUs) {
   PictureView shown = picture;
   if (!(shown.sampleAspect > 0)) shown.sampleAspect = 1.0;
   if (!picture_.upload(frame.renderer, shown)) return false;
+  positionUs_ = positionUs;
   SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
   SDL_RenderClear(frame.renderer);
   picture_.draw(frame, shown);
-  return true;
-}
-
-void PlaybackScreen::drawLogo(const FrameContext& frame, const FocusFacts& facts) {
   clearLogo_.follow(frame.renderer, currentVideo_, frame.nowMs);
   clearLogo_.draw(frame,
                   {.videoPlaying = videoPlaying_,
@@ -160,17 +166,15 @@ void PlaybackScreen::drawLogo(const FrameContext& frame, const FocusFacts& facts
                    .homeMode = facts.homeMode,
                    .stripOn = facts.stripAny},
                   currentVideo_);
+  volumeBar_.draw(frame);
+  return true;
 }
 
-void PlaybackScreen::drawSeekBar(const FrameContext& frame, const FocusFacts& facts,
-                                 std::int64_t positionUs) {
-  seekBar_.draw(frame, {.positionUs = positionUs,
+void PlaybackScreen::draw(const FrameContext& frame, const FocusFacts& facts) {
+  seekBar_.draw(frame, {.positionUs = positionUs_,
                         .videoPaused = videoPaused_,
                         .seekFocus = seekFocus_,
                         .stripShown = facts.stripShown});
-}
-
-void PlaybackScreen::drawPauseIcon(const FrameContext& frame, const FocusFacts& facts) {
   pauseIcon_.draw(frame, videoPaused_ && !facts.homeMode);
 }
 

@@ -22,9 +22,15 @@ class PlaybackScreen final : public Layer {
  public:
   explicit PlaybackScreen(Orientation orientation) : picture_(orientation) {}
 
+  bool owns(FocusName focus) const override {
+    return focus == FocusName::Movie || focus == FocusName::Seek || focus == FocusName::Music;
+  }
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
   Meaning move(Direction direction, const FocusFacts& facts, Uint64 nowMs) override;
   bool repeats(const FocusFacts& facts) const override { return facts.seekFocus; }
+  /// The seek bar and the pause icon.
+  void draw(const FrameContext& frame, const FocusFacts& facts) override;
+  void destroyTextures() override;
 
   /// A key that changes the volume came up, under whatever focus; it ends its steps.
   std::optional<NavCode> volumeRelease(const KeyPress& press);
@@ -53,21 +59,25 @@ class PlaybackScreen final : public Layer {
   }
 
   VideoPicture& picture() { return picture_; }
-  /// False skips the frame.
-  bool drawPicture(const FrameContext& frame, const PictureView& picture);
-  void drawLogo(const FrameContext& frame, const FocusFacts& facts);
-  void drawVolume(const FrameContext& frame) { volumeBar_.draw(frame); }
-  void drawSeekBar(const FrameContext& frame, const FocusFacts& facts, std::int64_t positionUs);
-  void drawPauseIcon(const FrameContext& frame, const FocusFacts& facts);
-  /// Textures go before the renderer that they live on.
-  void destroyTextures();
+  /// The picture below all screens, with the clear logo and the volume. False skips the frame.
+  /// `positionUs` is for the seek bar; negative means not known.
+  bool drawPicture(const FrameContext& frame, const FocusFacts& facts, const PictureView& picture,
+                   std::int64_t positionUs);
 
  private:
-  Meaning movieKeyDown(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
-  Meaning sidewaysDown(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  struct Key {
+    SDL_Keycode key;
+    Meaning (PlaybackScreen::*serve)(const KeyPress&, const FocusFacts&, Uint64);
+  };
+  static const Key movieKeys[];
+
+  Meaning sideways(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  Meaning mediaSeek(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  Meaning dropSeekBar(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  Meaning openPosters(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  Meaning snapshot(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
   Meaning movieKeyUp(SDL_Keycode key, const FocusFacts& facts);
   Meaning startSeek(NavCode code, Uint64 nowMs);
-  Meaning musicKeyDown(SDL_Keycode key) const;
 
   VideoPicture picture_;
   SeekBar seekBar_;
@@ -75,6 +85,7 @@ class PlaybackScreen final : public Layer {
   PauseIcon pauseIcon_;
   ClearLogo clearLogo_;
   std::filesystem::path currentVideo_;
+  std::int64_t positionUs_ = -1;  ///< of the picture that is drawn
   bool audioItem_ = false;
   bool videoPlaying_ = true;
   bool videoPaused_ = false;  ///< by the viewer

@@ -42,8 +42,7 @@ Meaning Strip::key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs)
 
 /// In the letters too, since remotes often send no repeats of their own.
 bool Strip::repeats(const FocusFacts& facts) const {
-  const FocusName focus = focusOf(facts);
-  return (focus == FocusName::Tv || focus == FocusName::Poster) && (!selectionSettling_ || letterBar_.open());
+  return owns(focusOf(facts)) && (!selectionSettling_ || letterBar_.open());
 }
 
 Meaning Strip::move(Direction direction, const FocusFacts& /*facts*/, Uint64 nowMs) {
@@ -171,8 +170,8 @@ void Strip::updateHoldWrites() {
   stored_.settings.holdWrites(state_.visible || state_.sliding);
 }
 
-void Strip::advance(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
-                    Uint64 nowMs) {
+void Strip::endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
+                     Uint64 nowMs) {
   letterBar_.forgetTyped(nowMs);
   const double reveal = stripReveal(state_, nowMs);
   if (!state_.sliding || (state_.slidingIn ? reveal < 1 : reveal > 0)) return;
@@ -197,14 +196,14 @@ const Poster* Strip::watchedToggleTarget(MediaKind roomKind) const {
   return state_.visible && episode ? poster : nullptr;
 }
 
-void Strip::draw(const FrameContext& frame, MediaKind roomKind) {
-  if (!state_.visible && !state_.sliding) return;
+void Strip::draw(const FrameContext& frame, const FocusFacts& facts) {
+  if (facts.chooserOpen || (!state_.visible && !state_.sliding)) return;
   const int missing = posterTarget - static_cast<int>(posters_.list().size());
   posters_.takePendingPosters(frame.renderer, posterHeight, missing > 0 ? missing : posterBatch);
   posters_.dropBadTextures(frame.nowMs);
   letterBar_.draw(frame);
   const Poster* poster = selectedPoster();
-  const bool labelled = roomKind == MediaKind::Series && poster != nullptr;
+  const bool labelled = facts.roomKind == MediaKind::Series && poster != nullptr;
   drawStrip(frame, state_, posters_,
             {.label = labelled ? stripLabel(seriesDepth(posters_.openFolder()), poster->path) : "",
              .error = errorLine_});

@@ -21,9 +21,12 @@ class Strip final : public Layer {
  public:
   explicit Strip(const Stored& stored) : stored_(stored), posters_(stored.users) {}
 
+  bool owns(FocusName focus) const override { return focus == FocusName::Tv || focus == FocusName::Poster; }
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
   Meaning move(Direction direction, const FocusFacts& facts, Uint64 nowMs) override;
   bool repeats(const FocusFacts& facts) const override;
+  void draw(const FrameContext& frame, const FocusFacts& facts) override;
+  void destroyTextures() override { posters_.clear(); }
   /// Enter, wherever it comes from.
   Meaning activate(const FocusFacts& facts, Uint64 nowMs);
 
@@ -43,7 +46,8 @@ class Strip final : public Layer {
   void forgetPendingFolder() { pendingFolder_.reset(); }
   void forgetTyped() { letterBar_ = {}; }
   /// Once per frame: ends a slide, and opens the folder that has waited for it. `slideIn`: no picture runs.
-  void advance(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn, Uint64 nowMs);
+  void endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
+                Uint64 nowMs);
 
   Posters& posters() { return posters_; }
   const Posters& posters() const { return posters_; }
@@ -55,8 +59,6 @@ class Strip final : public Layer {
   /// Stands above the strip until the next step in it.
   void showError(std::string text) { errorLine_ = std::move(text); }
   void clearError() { errorLine_.clear(); }
-
-  void draw(const FrameContext& frame, MediaKind roomKind);
 
  private:
   struct Key {

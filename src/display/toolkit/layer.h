@@ -6,6 +6,7 @@
 #include <SDL.h>
 
 #include "display/toolkit/focus.h"
+#include "display/toolkit/frame_context.h"
 #include "display/toolkit/held_keys.h"
 #include "display/toolkit/nav_code.h"
 
@@ -34,7 +35,7 @@ struct EnterRoom {
 /// What a key, or the time, means to the program.
 using Meaning = std::variant<Unhandled, Handled, NavCode, OpenRoom, EnterRoom>;
 
-/// One screen, as the input meets it. Main thread only; times are the clock's milliseconds.
+/// One screen, as the window holds it. Main thread only; times are the clock's milliseconds.
 class Layer {
  public:
   Layer() = default;
@@ -42,6 +43,8 @@ class Layer {
   Layer(const Layer&) = delete;
   Layer& operator=(const Layer&) = delete;
 
+  /// Whether the keys are this screen's under a focus.
+  virtual bool owns(FocusName focus) const = 0;
   /// A key while this screen has the focus.
   virtual Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) = 0;
   /// A direction that was pressed, or that is held and repeats.
@@ -50,6 +53,13 @@ class Layer {
   virtual bool repeats(const FocusFacts& facts) const = 0;
   /// Text and mouse events reach the screen that has the focus; most have no use for them.
   virtual Meaning event(const SDL_Event& /*event*/, Uint64 /*nowMs*/) { return Unhandled(); }
+  /// Once per pass, before the keys: what time and workers have brought.
+  virtual Meaning advance(Uint64 /*nowMs*/) { return Unhandled(); }
+
+  /// Over the picture and the layers below; nothing if it is not open.
+  virtual void draw(const FrameContext& frame, const FocusFacts& facts) = 0;
+  /// Textures go before the renderer that they live on.
+  virtual void destroyTextures() = 0;
 };
 
 }  // namespace tavek
