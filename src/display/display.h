@@ -54,6 +54,8 @@ class Display {
   void setVideoPlaying(bool playing);
   /// The pause of the viewer; setVideoPlaying(false) clears it, so it is set after that.
   void setVideoPaused(bool paused);
+  bool videoPlaying() const { return playback_.videoPlaying(); }
+  bool videoPaused() const { return playback_.videoPaused(); }
   void startVideoFadeIn() { playback_.startFadeIn(clock_.ticksMs()); }
   void startVideoFadeOut() { playback_.startFadeOut(clock_.ticksMs()); }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cassert>
 #include <exception>
 #include <iostream>
 #include <utility>
@@ -108,6 +109,7 @@ void Viewing::pass() {
   serveTimes(code);
   serveSelection();
   repeatVolume();
+  assert(inStep());
   if (state_ == ItemState::Finished) return;
   if (state_ == ItemState::Starting) return waitForFile();
   runs(state_) ? showTurn() : showStanding();
@@ -188,6 +190,13 @@ void Viewing::enter(ItemState next) {
   if (next == ItemState::Finished && !opened_) return;
   display_.setVideoPlaying(runs(next));
   display_.setVideoPaused(pausedByViewer(next));
+}
+
+/// Whether the player and the screen do what the state says.
+bool Viewing::inStep() const {
+  if (!opened_ || state_ == ItemState::Finished) return true;
+  return play_.paused() != runs(state_) && display_.videoPlaying() == runs(state_) &&
+         display_.videoPaused() == pausedByViewer(state_);
 }
 
 void Viewing::steerPlayer(ItemActs acts, ItemRequest request) {

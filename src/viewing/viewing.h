@@ -46,6 +46,7 @@ class Viewing {
   void serve(ItemRequest request);
   ItemFacts facts() const;
   void enter(ItemState next);
+  bool inStep() const;
   void steerPlayer(ItemActs acts, ItemRequest request);
   void steerScreen(ItemActs acts);
 
