@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 
 #include "media/colour.h"
+#include "media/tone_curve.h"
 
 extern "C" {
 #include <libavutil/imgutils.h>
@@ -17,6 +20,8 @@ namespace tavek {
 namespace {
 
 constexpr AVPixelFormat screenFormat = AV_PIX_FMT_YUV420P;
+/// Of pictures whose light is still to be toned down, which takes more levels.
+constexpr AVPixelFormat brightFormat = AV_PIX_FMT_YUV420P10;
 /// Rows of this alignment suit the vector code of the scaler and of the screen's upload.
 constexpr int rowAlignment = 32;
 
@@ -108,18 +113,33 @@ ffmpeg::BufferPoolPtr makePool(int width, int height) {
   return ffmpeg::BufferPoolPtr(av_buffer_pool_init(static_cast<std::size_t>(bytes) + padding, nullptr));
 }
 
+ffmpeg::FramePtr makeBright(int width, int height) {
+  ffmpeg::FramePtr frame = ffmpeg::makeFrame();
+  if (frame) {
+    frame->format = brightFormat;
+    frame->width = width;
+    frame->height = height;
+  }
+  if (!frame || av_frame_get_buffer(frame.get(), 0) < 0)
+    throw std::runtime_error("Conversion: no memory for a picture");
+  return frame;
+}
+
 }  // namespace
 
 Conversion::Kind Conversion::kindOf(const AVFrame& frame) {
-  return {frame.width, frame.height, frame.format, matrixOf(frame), isFullRange(frame)};
+  return {frame.width,     frame.height,       frame.format,
+          matrixOf(frame), isFullRange(frame), frame.color_trc == AVCOL_TRC_SMPTE2084};
 }
 
 Conversion::Conversion(const AVFrame& source, int scalerFlags)
     : kind_(kindOf(source)),
       targetMatrix_(targetMatrixFor(kind_.matrix)),
       context_(makeScalerOrThrow(source.width, source.height, {kind_.format, kind_.matrix, kind_.fullRange},
-                                 {screenFormat, targetMatrix_, false}, scalerFlags)),
-      pool_(makePool(source.width, source.height)) {}
+                                 {kind_.pq ? brightFormat : screenFormat, targetMatrix_, false},
+                                 scalerFlags)),
+      pool_(makePool(source.width, source.height)),
+      bright_(kind_.pq ? makeBright(source.width, source.height) : nullptr) {}
 
 bool Conversion::fits(const AVFrame& source) const {
   return kindOf(source) == kind_;
@@ -138,8 +158,31 @@ ffmpeg::FramePtr Conversion::convert(const AVFrame& source) {
   picture->color_range = AVCOL_RANGE_MPEG;
   av_image_fill_arrays(picture->data, picture->linesize, picture->buf[0]->data, screenFormat, source.width,
                        source.height, rowAlignment);
-  scale(context_.get(), source, *picture);
+  if (bright_) {
+    toneDown(source, *picture);
+  } else {
+    scale(context_.get(), source, *picture);
+  }
   return picture;
+}
+
+void Conversion::toneDown(const AVFrame& source, AVFrame& picture) {
+  scale(context_.get(), source, *bright_);
+  picture.color_trc = AVCOL_TRC_BT709;
+  const ToneCurve& curve = toneCurve();
+  for (int plane = 0; plane < 3; ++plane) {
+    const ToneCurve::Table& table = plane == 0 ? curve.luma : curve.chroma;
+    const int width = plane == 0 ? picture.width : (picture.width + 1) / 2;
+    const int height = plane == 0 ? picture.height : (picture.height + 1) / 2;
+    for (int row = 0; row < height; ++row) {
+      const auto* from = reinterpret_cast<const std::uint16_t*>(
+          bright_->data[plane] + std::ptrdiff_t{row} * bright_->linesize[plane]);
+      std::uint8_t* to = picture.data[plane] + std::ptrdiff_t{row} * picture.linesize[plane];
+      std::transform(from, from + width, to, [&](std::uint16_t sample) {
+        return table[std::min<std::size_t>(sample, ToneCurve::levels - 1)];
+      });
+    }
+  }
 }
 
 void convertOnce(const AVFrame& source, AVFrame& destination, int scalerFlags) {
