@@ -20,6 +20,9 @@ class StoredUsers {
   StoredUsers(StateMemory& memory, FolderPlayback& playback, MediaNotes& notes)
       : memory_(memory), playback_(playback), notes_(notes) {}
 
+  /// Takes up what was changed in the file from outside. Reads the disk.
+  void reread() { memory_.reread(); }
+
   std::vector<std::string> users();
   std::string activeUser();
   void setActiveUser(const std::string& name);

@@ -1,4 +1,5 @@
 // What keys mean on each screen, without a window.
+#include <fstream>
 #include <functional>
 #include <string>
 #include <thread>
@@ -69,7 +70,9 @@ class KeysTest : public testing::Test {
   }
 
   test::TurnedClock clock;
-  StateStore store{test::library.path() / "persist.json"};
+  const test::TempFolder folder;
+  const std::filesystem::path stateFile = folder.path() / "persist.json";
+  StateStore store{stateFile};
   std::unique_ptr<Display> display;
 };
 
@@ -221,6 +224,21 @@ TEST_F(KeysTest, WhatIsPressedOnTheWayHomeCounts) {
   EXPECT_FALSE(display->atHome());
   EXPECT_TRUE(display->stripShown());
   store.parts().users.setActiveUser("Alex");
+}
+
+/// The disk with the library was mounted when the users of none were on the screen.
+TEST_F(KeysTest, UsersOfALibraryThatComesLateAreShown) {
+  chooseUser();
+  std::ofstream(stateFile)
+      << R"({"user": "Oma", "users": {"Oma": {"mode": "movies"}, "Opa": {"mode": "movies"}}})";
+  for (int pass = 0; pass < 1000 && store.parts().users.activeUser() != "Oma"; ++pass) {
+    clock.turn(milliseconds(20));
+    std::this_thread::sleep_for(milliseconds(1));
+    display->pollInput();
+  }
+  // The first may be meant for those who were there before, and then only shows the others.
+  for (int press = 0; press < 2; ++press) EXPECT_EQ(key(SDLK_RIGHT), None);
+  EXPECT_EQ(store.parts().users.activeUser(), "Opa");
 }
 
 TEST_F(KeysTest, AClosedWindowQuits) {

@@ -10,6 +10,8 @@ namespace tavek {
 namespace {
 
 constexpr Uint64 folderChangeMs = 500;
+/// A disk may be mounted long after the start, or be put in while the users are shown.
+constexpr Uint64 lookAgainMs = 2000;
 
 }  // namespace
 
@@ -30,6 +32,8 @@ Meaning Home::key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) 
     view_.setArrows(false, false);
     return Handled();
   }
+  // The key was meant for those who are still on the screen.
+  if (othersCame()) return takeRooms(nowMs);
   const auto* entry = std::ranges::find(keys, press.key, &Key::key);
   return entry != std::end(keys) ? (this->*entry->serve)(press, facts, nowMs) : Meaning(Unhandled());
 }
@@ -73,7 +77,6 @@ Meaning Home::confirmUser(Uint64 nowMs) {
 Meaning Home::switchRoom(bool up) {
   if (confirmed()) return Handled();
   view_.setArrows(up, !up);
-  if (rooms_.folders().empty()) rooms_.reload();
   const auto count = rooms_.folders().size();
   const std::size_t index = rooms_.index() + (up ? std::size_t{0} - 1 : 1);
   if (index >= count) return Handled();
@@ -91,14 +94,8 @@ Meaning Home::makeUserCurrent() {
 // --- Its life ---
 
 Meaning Home::advance(Uint64 nowMs) {
-  if (rooms_.poll()) {
-    stored_.users.ensureRooms(rooms_.folders());
-    if (!homeMode_) return Handled();
-    rooms_.choose(
-        stored_.users.userMode(confirmWaits_ ? selectedUser() : stored_.users.activeUser()).value_or(""));
-    if (confirmWaits_ && chooserOpen_) confirmUser(nowMs);
-    return OpenRoom{room()};
-  }
+  if (rooms_.poll()) return takeRooms(nowMs);
+  if (homeMode_ && nowMs >= lookedAt_ + lookAgainMs) look(nowMs);
   if (!folderChange_ || nowMs < folderChange_->at + folderChangeMs) return Unhandled();
   const std::filesystem::path folder = std::exchange(folderChange_, std::nullopt)->folder;
   closeChooser();
@@ -106,21 +103,50 @@ Meaning Home::advance(Uint64 nowMs) {
   return EnterRoom{folder};
 }
 
+/// For the users too: theirs is a file of the library.
+void Home::look(Uint64 nowMs) {
+  lookedAt_ = nowMs;
+  rooms_.reload([users = &stored_.users] { users->reread(); });
+}
+
+bool Home::othersCame() const {
+  return chooserOpen_ && homeMode_ && !folderChange_ && view_.users() != stored_.users.users();
+}
+
+Meaning Home::takeRooms(Uint64 nowMs) {
+  stored_.users.ensureRooms(rooms_.folders());
+  const bool others = othersCame();
+  if (!homeMode_ || (!rooms_.changed() && !others && !confirmWaits_)) return Handled();
+  if (others) {
+    // Those that were shown stood in for the ones of a library that has come late.
+    confirmWaits_ = false;
+    showUsers();
+  }
+  rooms_.choose(
+      stored_.users.userMode(confirmWaits_ ? selectedUser() : stored_.users.activeUser()).value_or(""));
+  if (confirmWaits_ && chooserOpen_) confirmUser(nowMs);
+  return OpenRoom{room()};
+}
+
 void Home::arrive(Uint64 nowMs) {
   folderChange_.reset();
   confirmWaits_ = false;
-  rooms_.reload();
+  look(nowMs);
   rooms_.choose(stored_.users.userMode(stored_.users.activeUser()).value_or(""));
   view_.startFadeIn(nowMs);
   view_.showHint(nowMs);
   homeMode_ = true;
 }
 
-Meaning Home::openChooser(bool videoPlaying) {
+void Home::showUsers() {
   std::vector<std::string> users = stored_.users.users();
   const auto active = std::ranges::find(users, stored_.users.activeUser());
   const auto index = active == users.end() ? 0 : static_cast<std::size_t>(active - users.begin());
   view_.setUsers(std::move(users), index);
+}
+
+Meaning Home::openChooser(bool videoPlaying) {
+  showUsers();
   view_.setArrows(false, false);
   const bool opens = !chooserOpen_ && !view_.users().empty();
   chooserOpen_ = !view_.users().empty();

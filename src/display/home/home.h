@@ -18,7 +18,7 @@ namespace tavek {
 /// and down; Enter leads into the room. It can lie over an item too, and then has paused it.
 class Home final : public Layer {
  public:
-  explicit Home(const Stored& stored) : stored_(stored) { rooms_.reload(); }
+  explicit Home(const Stored& stored) : stored_(stored) { look(0); }
 
   bool owns(FocusName focus) const override;
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
@@ -67,6 +67,11 @@ class Home final : public Layer {
   Meaning confirmUser(Uint64 nowMs);
   Meaning switchRoom(bool up);
   Meaning makeUserCurrent();
+  void look(Uint64 nowMs);
+  Meaning takeRooms(Uint64 nowMs);
+  /// The users in the file are not those on the screen.
+  bool othersCame() const;
+  void showUsers();
   /// The user is chosen; nothing else is chosen any more on the way to the room.
   bool confirmed() const { return confirmWaits_ || folderChange_; }
   const std::string& selectedUser() const { return view_.users()[view_.userIndex()]; }
@@ -74,6 +79,7 @@ class Home final : public Layer {
   const Stored stored_;
   HomeView view_;
   Rooms rooms_;
+  Uint64 lookedAt_ = 0;
   bool confirmWaits_ = false;  ///< for the first list of rooms, on a slow disk
   bool homeMode_ = false;
   bool chooserOpen_ = false;

@@ -68,27 +68,31 @@ std::size_t roomFor(const Folders& rooms, const std::string& hint, std::size_t c
   return roomNamed(rooms, "video").value_or(0);
 }
 
-void Rooms::reload() {
+void Rooms::reload(std::function<void()> before) {
   if (listing_.running()) return;
-  listing_.start([](JobSide<Folders>& side) {
+  listing_.start([before = std::move(before)](JobSide<Listing>& side) {
+    before();
     Folders rooms = listRoots(side.stop());
-    side.post(rooms);
+    side.post({rooms, false});
     // A room without a telling name has to be walked. The answers are kept, so that asking for them later
     // does not touch the disk.
     for (const fs::path& room : rooms) classifyFolder(room, side.stop());
-    side.post(std::move(rooms));
+    side.post({std::move(rooms), true});
   });
 }
 
 bool Rooms::poll() {
-  auto folders = listing_.take();
-  if (folders) take(std::move(*folders));
-  return folders.has_value();
+  auto listing = listing_.take();
+  if (listing) take(std::move(*listing));
+  return listing.has_value();
 }
 
-void Rooms::take(Folders folders) {
+void Rooms::take(Listing listing) {
+  changed_ = listing.folders != folders_ || (listing.kindsKnown && !kindsKnown_);
+  if (!changed_) return;
+  kindsKnown_ = listing.kindsKnown;
   const fs::path selected = index_ < folders_.size() ? folders_[index_] : fs::path();
-  folders_ = std::move(folders);
+  folders_ = std::move(listing.folders);
   const auto same = std::ranges::find(folders_, selected);
   index_ = static_cast<std::size_t>(same - folders_.begin());
   if (index_ >= folders_.size()) index_ = roomFor(folders_, "", index_);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,12 +21,15 @@ std::size_t roomFor(const std::vector<std::filesystem::path>& rooms, const std::
 /// The rooms of the library, and the selected one. Main thread only.
 class Rooms {
  public:
-  /// Has the library read anew in the background, and then each room's kind found out.
-  void reload();
+  /// Has the library read anew in the background, after what else is to be done there, and then each room's
+  /// kind found out.
+  void reload(std::function<void()> before);
   bool reading() const { return listing_.running() || listing_.waiting() > 0; }
   /// True once for each list that has come, one before the kinds are known and one after; the selected room
   /// stays selected if it is still there.
   bool poll();
+  /// The last one told something new.
+  bool changed() const { return changed_; }
   /// Selects the room that the hint means.
   void choose(const std::string& hint) { index_ = roomFor(folders_, hint, index_); }
   void select(std::size_t index) { index_ = index; }
@@ -38,10 +42,16 @@ class Rooms {
   const std::vector<std::string>& labels() const { return labels_; }
 
  private:
-  void take(std::vector<std::filesystem::path> folders);
+  struct Listing {
+    std::vector<std::filesystem::path> folders;
+    bool kindsKnown = false;
+  };
+  void take(Listing listing);
 
-  BackgroundJob<std::vector<std::filesystem::path>> listing_;
+  BackgroundJob<Listing> listing_;
   std::vector<std::filesystem::path> folders_;
+  bool kindsKnown_ = false;
+  bool changed_ = false;
   std::vector<std::string> labels_{"library"};
   std::size_t index_ = 0;
 };
