@@ -21,21 +21,32 @@ void write(const fs::path& file, const char* text) {
   std::ofstream(file) << text;
 }
 
-TEST(ReplaceFile, KeepsTheModeUnlessOneIsGiven) {
+TEST(ReplaceFile, KeepsModesAndLinks) {
   const test::TempFolder temp;
   const fs::path file = temp.path() / "deep" / "file";
+  const fs::path link = temp.path() / "deep" / "link";
   const struct {
+    const fs::path& path;
     const char* bytes;
     std::optional<mode_t> mode;
     mode_t wanted;
-  } cases[] = {{"new", 0600, 0600}, {"kept", {}, 0600}, {"", 0640, 0640}, {"last", {}, 0640}};
+  } cases[] = {{file, "a longer text", 0600, 0600},
+               {file, "kept", {}, 0600},
+               {link, "", 0640, 0640},
+               {link, "last", {}, 0640}};
   for (const auto& c : cases) {
-    EXPECT_TRUE(replaceFile(file, c.bytes, c.mode));
+    EXPECT_TRUE(replaceFile(c.path, c.bytes, c.mode));
     struct stat status {};
     stat(file.c_str(), &status);
     EXPECT_EQ(status.st_mode & 07777, c.wanted) << c.bytes;
     EXPECT_EQ(contentOf(file), c.bytes);
+    if (!fs::exists(link)) fs::create_symlink("file", link);
+    EXPECT_TRUE(fs::is_symlink(link)) << c.bytes;
   }
+  for (const fs::path& none : {temp.path() / "deep", file / "below"})
+    EXPECT_FALSE(replaceFile(none, "")) << none;
+  EXPECT_EQ(std::distance(fs::directory_iterator(temp.path() / "deep"), {}), 2)
+      << "no temporary file is left";
 }
 
 TEST(RenameNoReplace, NeverTakesAName) {
