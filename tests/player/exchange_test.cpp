@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "player/media_queue.h"
-#include "player/sound_clock.h"
 #include "player/stale_frames.h"
 
 namespace tavek {
@@ -136,63 +135,31 @@ TEST(FrameQueue, GivesADecoderItsPicturesBackWhenItIsClosed) {
 }
 
 TEST(StaleFrames, AreThoseOfThePlaceBeforeTheSeek) {
-  const auto frame = [](std::int64_t stamp) {
-    ffmpeg::FramePtr made = ffmpeg::makeFrame();
-    made->best_effort_timestamp = stamp;
-    return made;
+  StaleFrames frames;
+  const auto isStale = [&](std::int64_t stamp) {
+    const ffmpeg::FramePtr frame = ffmpeg::makeFrame();
+    frame->best_effort_timestamp = stamp;
+    return frames.isStale(*frame);
   };
   const ffmpeg::PacketPtr packet = ffmpeg::makePacket();
-  StaleFrames frames;
-  EXPECT_FALSE(frames.isStale(*frame(900))) << "nobody has sought";
+  EXPECT_FALSE(isStale(900)) << "nobody has sought";
   for (const std::int64_t old : {900, 100}) {
     frames.seek();
     packet->dts = 480;
     packet->pts = 520;
     frames.sent(*packet);
-    packet->dts = packet->pts = 500;
-    frames.sent(*packet);
-    EXPECT_TRUE(frames.isStale(*frame(old)));
-    EXPECT_TRUE(frames.isStale(*frame(old + 1)));
-    EXPECT_FALSE(frames.isStale(*frame(480)));
-    EXPECT_FALSE(frames.isStale(*frame(900))) << "what follows a picture of the new place is new";
+    EXPECT_TRUE(isStale(old) && isStale(old + 1)) << old;
+    EXPECT_FALSE(isStale(480));
+    EXPECT_FALSE(isStale(900)) << "what follows a picture of the new place is new";
   }
   frames.seek();
   frames.sent(*packet);
-  for (int i = 0; i < 32; ++i) EXPECT_TRUE(frames.isStale(*frame(i)));
-  EXPECT_FALSE(frames.isStale(*frame(32))) << "no decoder held so many: its stamps are its own";
+  for (int i = 0; i < 32; ++i) EXPECT_TRUE(isStale(i));
+  EXPECT_FALSE(isStale(32)) << "no decoder held so many: its stamps are its own";
   frames.seek();
   packet->dts = packet->pts = AV_NOPTS_VALUE;
   frames.sent(*packet);
-  EXPECT_FALSE(frames.isStale(*frame(7))) << "nothing is known of what was sent";
-}
-
-TEST(SoundClock, IsKnownOnlyWhileSoundIsHeard) {
-  SoundClock clock;
-  const SoundClock::Time t0{milliseconds(1000)};
-  const auto at = [&](int ms) { return clock.heardUs(t0 + milliseconds(ms)); };
-  clock.seek(1);
-  clock.wrote(1, 500'000, 500'000, t0);
-  EXPECT_EQ(at(300), 0) << "nothing is heard before the device has started";
-  clock.wrote(1, 600'000, 450'000, t0);
-  for (const auto& [afterMs, heard] :
-       {std::pair{-20, 150'000}, std::pair{0, 150'000}, std::pair{100, 250'000}, std::pair{450, 600'000},
-        std::pair{900, 600'000}}) {
-    EXPECT_EQ(at(afterMs), heard) << afterMs;
-  }
-  clock.pause(t0 + milliseconds(100));
-  EXPECT_EQ(at(400), 250'000) << "it stands in a pause";
-  clock.wrote(1, 650'000, 400'000, t0 + milliseconds(200));
-  EXPECT_EQ(at(400), 250'000) << "and while the device is filled up in the pause";
-  clock.resume(t0 + milliseconds(500));
-  EXPECT_EQ(at(600), 350'000) << "it goes on from where it stood";
-  clock.seek(2);
-  clock.wrote(1, 900'000, 1, t0);
-  EXPECT_EQ(at(600), 0) << "what comes late from before a seek says nothing";
-  clock.wrote(2, 100'000, 40'000, t0);
-  clock.silence(1);
-  EXPECT_EQ(at(0), 60'000);
-  clock.silence(2);
-  EXPECT_EQ(at(0), 0);
+  EXPECT_FALSE(isStale(7)) << "nothing is known of what was sent";
 }
 
 }  // namespace

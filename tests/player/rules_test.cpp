@@ -5,7 +5,6 @@
 
 #include "player/pacer.h"
 #include "player/pacing.h"
-#include "player/playback_timer.h"
 #include "player/seek_rules.h"
 #include "support/turned_clock.h"
 
@@ -128,25 +127,6 @@ TEST(Pacer, KeepsUpWithTheSoundOnAScreenThatRefreshesSlowly) {
     EXPECT_LE(result.mostInARow, c.mostInARow) << c.what;
     EXPECT_LE(result.behindAtEndUs, c.mostBehindUs) << c.what;
     EXPECT_GE(result.behindAtEndUs, -20'000) << c.what;
-  }
-}
-
-TEST(PlaybackTimer, WorksOffFourIntervalsOfLateness) {
-  using std::chrono::milliseconds;
-  constexpr std::int64_t d = 40'000;
-  for (const auto& [stallMs, restarts] :
-       {std::pair{150, false}, std::pair{300, true}, std::pair{1000, true}}) {
-    PlaybackTimer timer;
-    auto now = PlaybackTimer::Clock::time_point(milliseconds(5000));
-    timer.reset(now);
-    EXPECT_EQ(timer.expectedSleepUs(now, d), d);
-    EXPECT_EQ(timer.advance(now, d), d);  // due at 40 ms
-    now += milliseconds(30);
-    EXPECT_EQ(timer.expectedSleepUs(now, d), 50'000);
-    EXPECT_EQ(timer.advance(now, d), 50'000);  // due at 80 ms
-    now += milliseconds(50 + 40 + stallMs);
-    EXPECT_EQ(timer.advance(now, d), 0);
-    EXPECT_EQ(timer.advance(now, d) == d, restarts) << stallMs;
   }
 }
 
