@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "player/media_queue.h"
+#include "player/sound_clock.h"
 #include "player/stale_frames.h"
 
 namespace tavek {
@@ -160,6 +161,16 @@ TEST(StaleFrames, AreThoseOfThePlaceBeforeTheSeek) {
   packet->dts = packet->pts = AV_NOPTS_VALUE;
   frames.sent(*packet);
   EXPECT_FALSE(isStale(7)) << "nothing is known of what was sent";
+}
+
+TEST(SoundClock, StaysBetweenWhatIsHeardAndWhatIsWritten) {
+  const SoundClock::Time t0{milliseconds(1000)};
+  SoundClock clock;
+  clock.wrote(0, 600'000, 450'000, t0);
+  for (const auto& [afterMs, heardUs] :
+       {std::pair{-20, 150'000}, std::pair{100, 250'000}, std::pair{450, 600'000}, std::pair{900, 600'000}}) {
+    EXPECT_EQ(clock.heardUs(t0 + milliseconds(afterMs)), heardUs) << afterMs;
+  }
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "player/pacer.h"
 #include "player/pacing.h"
+#include "player/playback_timer.h"
 #include "player/seek_rules.h"
 #include "support/turned_clock.h"
 
@@ -127,6 +128,21 @@ TEST(Pacer, KeepsUpWithTheSoundOnAScreenThatRefreshesSlowly) {
     EXPECT_LE(result.mostInARow, c.mostInARow) << c.what;
     EXPECT_LE(result.behindAtEndUs, c.mostBehindUs) << c.what;
     EXPECT_GE(result.behindAtEndUs, -20'000) << c.what;
+  }
+}
+
+TEST(PlaybackTimer, WorksOffFourIntervalsOfLateness) {
+  using std::chrono::milliseconds;
+  for (const auto& [lateMs, restarts] :
+       {std::pair{150, false}, std::pair{170, true}, std::pair{1000, true}}) {
+    PlaybackTimer timer;
+    auto now = PlaybackTimer::Clock::time_point(milliseconds(5000));
+    timer.reset(now);
+    EXPECT_EQ(timer.expectedSleepUs(now, 40'000), 40'000);
+    EXPECT_EQ(timer.advance(now, 40'000), 40'000);
+    now += milliseconds(40 + 40 + lateMs);
+    EXPECT_EQ(timer.advance(now, 40'000), 0) << lateMs;
+    EXPECT_EQ(timer.advance(now, 40'000), restarts ? 40'000 : 0) << lateMs;
   }
 }
 
