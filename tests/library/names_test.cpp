@@ -4,6 +4,7 @@
 
 #include "base/text.h"
 #include "library/episode_name.h"
+#include "library/file_types.h"
 #include "library/match_key.h"
 #include "library/titles.h"
 #include "support/media_root.h"
@@ -21,6 +22,24 @@ void expectAll(const std::string& rows, Answer answer) {
     const std::string second = end < middle ? row.substr(end + 3, middle - end - 3) : "";
     EXPECT_EQ(answer(row.substr(0, end), second), row.substr(middle + 3)) << row;
   }
+}
+
+TEST(FileTypes, AreToldByTheName) {
+  expectAll(
+      "a.FLAC = audio video film|a.mp3 = audio video film|a.alac = audio|a.MKV = video film|"
+      "/b/a.rmvb = video film|a theme.mkv = video film|trailers.mkv = video film|resample.mp4 = video film|"
+      "theme.mp3 = audio video|Sample.MKV = video|trailer.mp4 = video|a-Sample.avi = video|"
+      "a-trailer.mov = video|a.jpg = |a.WebP = |a.SRT = |a.nfo = |a.mkv.zip = |mkv = |.mkv = | = |a. = |"
+      "/x.mkv/a = ",
+      [](auto file, auto) {
+        return trim(std::string(isAudioFile(file) ? "audio " : "") + (isVideoFile(file) ? "video " : "") +
+                    (isFilm(file) ? "film" : ""));
+      });
+  const auto complete = completeVideoExtensions({"JPG", "Odd", ".dot"});
+  EXPECT_TRUE(complete.contains(".odd") && complete.contains(".dot"));
+  EXPECT_EQ(complete.size(), 25u + 2u);
+  const auto listed = demuxerExtensions();
+  EXPECT_TRUE(listed.contains("mka") && listed.contains("mp3") && !listed.contains(""));
 }
 
 TEST(Titles, KeepWhatTheyAreMadeOf) {

@@ -79,10 +79,8 @@ TEST(Conversion, GivesLimitedRangeInAMatrixThatScreensKnow) {
 TEST(Conversion, TakesBuffersFromItsPoolAgain) {
   const auto source = makePicture(AV_PIX_FMT_YUVJ420P, {1, 2, 3});
   auto conversion = std::make_unique<Conversion>(*source, SWS_FAST_BILINEAR);
-  auto first = conversion->convert(*source);
-  const auto* buffer = first->data[0];
-  first.reset();
-  auto second = conversion->convert(*source);
+  const auto* buffer = conversion->convert(*source)->data[0];
+  const auto second = conversion->convert(*source);
   EXPECT_EQ(second->data[0], buffer);
   conversion.reset();
   EXPECT_EQ(second->data[0][0], 17) << "a picture outlives its conversion";

@@ -227,24 +227,5 @@ TEST(AudioOutput, ADeviceGivenBackWhileItIsOpenedIsNotHeard) {
   EXPECT_EQ(playing.sound.timesOpened(), 2);
 }
 
-TEST(AudioOutput, TheMainThreadMayDoAnythingWhileTheAudioThreadWrites) {
-  Playing playing;
-  playing.open();
-  AudioOutput& output = *playing.output;
-  std::jthread audio([&] { playing.write(50); });
-  for (int i = 0; i < 100; ++i) {
-    output.adjustVolume(i % 3 == 0 ? 1 : -1);
-    EXPECT_LE(output.volumeDb(), output.volumeCeilingDb() + 1e-9);
-    EXPECT_LE(output.delayUs(), 700'000);
-    if (i % 7 == 0) output.flush();
-    if (i % 10 == 0) output.hold();
-    if (i % 10 == 5) output.resume();
-    if (i % 20 == 0) output.close();
-    if (i % 20 == 3) output.reopen();
-    std::this_thread::sleep_for(2ms);
-  }
-  output.resume();
-}
-
 }  // namespace
 }  // namespace tavek
