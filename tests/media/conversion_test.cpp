@@ -3,7 +3,6 @@
 #include <array>
 #include <stdexcept>
 #include <string>
-#include <tuple>
 
 #include <gmock/gmock.h>
 
@@ -94,27 +93,20 @@ TEST(Conversion, KnowsItsSourceAndRefusesOthers) {
   EXPECT_FALSE(conversion.fits(*makePicture(AV_PIX_FMT_YUVJ420P, {0, 0, 0}, 66)));
   source->colorspace = AVCOL_SPC_BT2020_NCL;
   EXPECT_FALSE(conversion.fits(*source));
-  const std::tuple<AVPixelFormat, int, const char*> refused[] = {{AV_PIX_FMT_VAAPI, 64, "vaapi"},
-                                                                 {AV_PIX_FMT_UYYVYY411, 64, "uyyvyy411"},
-                                                                 {AV_PIX_FMT_NONE, 64, "unknown"},
-                                                                 {AV_PIX_FMT_YUV444P, 0, "yuv444p"}};
-  for (const auto& [format, size, name] : refused) {
-    source->format = format;
-    source->width = source->height = size;
-    EXPECT_THAT([&] { const Conversion none(*source, SWS_FAST_BILINEAR); },
-                testing::ThrowsMessage<std::runtime_error>("Conversion: failed SwsContext for " +
-                                                           std::string(name) + " -> yuv420p"));
+  for (const AVPixelFormat none : {AV_PIX_FMT_VAAPI, AV_PIX_FMT_UYYVYY411, AV_PIX_FMT_NONE}) {
+    source->format = none;
+    EXPECT_THROW(Conversion(*source, SWS_FAST_BILINEAR), std::runtime_error) << none;
   }
+  source->format = AV_PIX_FMT_YUV444P;
+  source->width = 0;
+  EXPECT_THAT(
+      [&] { Conversion(*source, SWS_FAST_BILINEAR); },
+      testing::ThrowsMessage<std::runtime_error>("Conversion: failed SwsContext for yuv444p -> yuv420p"));
 }
 
 TEST(Colour, IsSaidByTheFrameOrByItsHeight) {
-  const struct {
-    AVPixelFormat format;
-    int height;
-    AVColorSpace matrix;
-    AVColorRange range;
-    std::optional<PictureColours> shown;
-  } cases[] = {
+  using Shown = std::optional<PictureColours>;
+  const std::tuple<AVPixelFormat, int, AVColorSpace, AVColorRange, Shown> cases[] = {
       {AV_PIX_FMT_YUV420P, 576, AVCOL_SPC_UNSPECIFIED, untold, Bt601},
       {AV_PIX_FMT_YUV420P, 577, AVCOL_SPC_UNSPECIFIED, untold, Bt709},
       {AV_PIX_FMT_YUV420P, 1080, AVCOL_SPC_BT470BG, limited, Bt601},
@@ -123,13 +115,13 @@ TEST(Colour, IsSaidByTheFrameOrByItsHeight) {
       {AV_PIX_FMT_YUV420P, 1080, AVCOL_SPC_BT709, full, {}},
       {AV_PIX_FMT_YUV420P, 2160, AVCOL_SPC_BT2020_NCL, limited, {}},
   };
-  for (const auto& c : cases) {
+  for (const auto& [format, height, matrix, range, shown] : cases) {
     const auto frame = ffmpeg::makeFrame();
-    frame->format = c.format;
-    frame->height = c.height;
-    frame->colorspace = c.matrix;
-    frame->color_range = c.range;
-    EXPECT_EQ(screenColoursOf(*frame), c.shown) << c.format << " " << c.height << " " << c.matrix;
+    frame->format = format;
+    frame->height = height;
+    frame->colorspace = matrix;
+    frame->color_range = range;
+    EXPECT_EQ(screenColoursOf(*frame), shown) << format << " " << height << " " << matrix;
   }
 }
 

@@ -1,5 +1,6 @@
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <semaphore>
 #include <thread>
 
@@ -49,18 +50,10 @@ TEST(MediaQueue, BlockedThreadsWakeUp) {
   for (const auto& c : cases) {
     PacketQueue full({.count = 1}), empty({.count = 1});
     ASSERT_TRUE(push(full, 1));
-    std::atomic<int> woken = 0;
     bool taken = !c.taken;
-    std::thread producer([&] {
-      taken = push(full, 2);
-      ++woken;
-    });
-    std::thread consumer([&] {
-      EXPECT_EQ(pop(empty), -1);
-      ++woken;
-    });
+    std::thread producer([&] { taken = push(full, 2); });
+    std::thread consumer([&] { EXPECT_EQ(pop(empty), -1) << c.what; });
     std::this_thread::sleep_for(milliseconds(70));
-    EXPECT_EQ(woken, 0) << c.what;
     const auto start = SteadyClock::now();
     c.wake(full);
     if (!stopSignalled) empty.close();
@@ -73,6 +66,26 @@ TEST(MediaQueue, BlockedThreadsWakeUp) {
   }
 }
 
+/// A decoder that fills a queue until it is closed.
+class Decoder {
+ public:
+  Decoder(FrameQueue& queue, std::function<AVBufferRef*()> makePicture)
+      : thread_([this, &queue, makePicture = std::move(makePicture)] {
+          for (;; ++taken) {
+            Tagged<ffmpeg::FramePtr> picture{ffmpeg::makeFrame()};
+            picture.item->buf[0] = makePicture();
+            if (!queue.push(picture)) break;
+          }
+          ended = true;
+        }) {}
+
+  std::atomic<std::size_t> taken = 0;
+  std::atomic<bool> ended = false;
+
+ private:
+  std::jthread thread_;
+};
+
 TEST(FrameQueue, IsBoundByBytesAsWell) {
   const struct {
     const char* what;
@@ -84,55 +97,29 @@ TEST(FrameQueue, IsBoundByBytesAsWell) {
   };
   for (const auto& c : cases) {
     FrameQueue queue({.count = 20, .bytes = 20'000'000, .countAtLeast = 3});
-    std::atomic<std::size_t> taken = 0;
-    std::thread producer([&] {
-      for (;; ++taken) {
-        Tagged<ffmpeg::FramePtr> picture{ffmpeg::makeFrame()};
-        picture.item->buf[0] = av_buffer_alloc(c.bytes);
-        if (!queue.push(picture)) return;
-      }
-    });
-    EXPECT_TRUE(soon([&] { return taken >= c.taken; })) << c.what;
+    const Decoder decoder(queue, [&] { return av_buffer_alloc(c.bytes); });
+    EXPECT_TRUE(soon([&] { return decoder.taken >= c.taken; })) << c.what;
     std::this_thread::sleep_for(milliseconds(20));
-    EXPECT_EQ(taken, c.taken) << c.what;
+    EXPECT_EQ(decoder.taken, c.taken) << c.what;
     queue.close();
-    producer.join();
   }
 }
 
-/// Lends out a fixed number of pictures, and waits for one to come back.
-class Lender {
- public:
-  ffmpeg::FramePtr lend() {
-    free_.acquire();
-    ffmpeg::FramePtr picture = ffmpeg::makeFrame();
-    picture->buf[0] = av_buffer_create(
-        byte_, 1, [](void* lender, std::uint8_t*) { static_cast<Lender*>(lender)->free_.release(); }, this,
-        0);
-    return picture;
-  }
-
- private:
-  std::uint8_t byte_[1]{};
-  std::counting_semaphore<4> free_{4};
-};
-
 TEST(FrameQueue, GivesADecoderItsPicturesBackWhenItIsClosed) {
-  Lender decoder;
+  std::uint8_t byte[1]{};
+  std::counting_semaphore<4> free(4);
+  const auto giveBack = [](void* lent, std::uint8_t*) {
+    static_cast<std::counting_semaphore<4>*>(lent)->release();
+  };
   FrameQueue queue;
-  std::atomic<bool> refused = false;
-  std::thread producer([&] {
-    for (bool taken = true; taken;) {
-      Tagged<ffmpeg::FramePtr> picture{decoder.lend()};
-      taken = queue.push(picture);
-    }
-    refused = true;
+  const Decoder decoder(queue, [&] {
+    free.acquire();
+    return av_buffer_create(byte, 1, giveBack, &free, 0);
   });
-  std::this_thread::sleep_for(milliseconds(20));
+  EXPECT_TRUE(soon([&] { return decoder.taken == 4; }));
   queue.close();
-  EXPECT_TRUE(soon([&] { return refused.load(); })) << "the decoder waits for its pictures";
+  EXPECT_TRUE(soon([&] { return decoder.ended.load(); })) << "the decoder waits for its pictures";
   queue.clear();
-  producer.join();
 }
 
 TEST(StaleFrames, AreThoseOfThePlaceBeforeTheSeek) {

@@ -18,17 +18,7 @@ extern "C" {
 namespace tavek {
 namespace {
 
-using std::chrono::microseconds;
-using std::chrono::milliseconds;
-using std::chrono::seconds;
-using SteadyClock = std::chrono::steady_clock;
-
-/// Nothing is kept without a file.
-const Stored& stored() {
-  static StateStore store{""};
-  static const Stored parts = store.parts();
-  return parts;
-}
+using namespace std::chrono;
 
 std::string clip(const std::string& words, const std::string& extension) {
   const std::filesystem::path folder = TAVEK_TEST_MEDIA;
@@ -61,15 +51,15 @@ struct Sitting {
   explicit Sitting(const std::string& path, Sound sound = Sound::None)
       : clock(microseconds(sound == Sound::None ? 0 : 2000)),
         card(clock, sound == Sound::Heard),
-        play({path, {}, SoundMode::Stereo}, {clock, stored(), card.factory()}) {
-    const auto limit = SteadyClock::now() + seconds(10);
+        play({path, {}, SoundMode::Stereo}, {clock, stored, card.factory()}) {
+    const auto limit = steady_clock::now() + seconds(10);
     const auto ready = [&] {
       if (play.opening() == Play::Opening::Underway) return false;
       const bool waitsForCard =
           sound == Sound::Heard && play.opening() == Play::Opening::Open && play.sound();
       return !waitsForCard || card.timesOpened() > 0;
     };
-    while (!ready() && SteadyClock::now() < limit) std::this_thread::sleep_for(microseconds(50));
+    while (!ready() && steady_clock::now() < limit) std::this_thread::sleep_for(microseconds(50));
   }
 
   /// Goes round for so long on the clock, or to the end. What was seen adds up.
@@ -79,12 +69,12 @@ struct Sitting {
     while (turn != Play::Turn::Ended && clock.now() - begun < span) {
       const auto before = clock.now();
       turn = play.nextTurn();
-      longestTurn = std::max(longestTurn, std::chrono::duration_cast<microseconds>(clock.now() - before));
+      longestTurn = std::max(longestTurn, duration_cast<microseconds>(clock.now() - before));
       if (turn != Play::Turn::Picture) continue;
       ++pictures;
       play.presented();
     }
-    playedSeconds += std::chrono::duration<double>(clock.now() - begun).count();
+    playedSeconds += duration<double>(clock.now() - begun).count();
     return turn;
   }
 
@@ -96,6 +86,8 @@ struct Sitting {
     return error.what();
   }
 
+  StateStore store{""};  ///< nothing is kept without a file
+  const Stored stored = store.parts();
   test::TurnedClock clock;
   Card card;
   Play play;
@@ -143,7 +135,7 @@ TEST(Play, TakesItsTimeToTheEnd) {
     EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended) << c.what;
     EXPECT_EQ(sitting.pictures, c.pictures) << c.what;
     EXPECT_NEAR(sitting.playedSeconds, c.seconds, c.sound == Sound::None ? 0.05 : 0.3) << c.what;
-    EXPECT_NEAR(static_cast<double>(sitting.play.positionUs()), c.seconds * 1e6, 100'000) << c.what;
+    EXPECT_NEAR(double(sitting.play.positionUs()), c.seconds * 1e6, 100'000) << c.what;
     EXPECT_LE(sitting.longestTurn, milliseconds(50)) << c.what;
     EXPECT_EQ(sitting.play.heardUs(), 0) << c.what;
     EXPECT_EQ(sitting.play.error(), nullptr) << c.what;
@@ -211,20 +203,29 @@ TEST(Play, KeepsItsPaceAndItsSound) {
 
 TEST(Play, SeeksAnywhereAndPlaysOnToTheEnd) {
   Sitting sitting(film("24", "2"));
-  sitting.play.start(1'000'000);
+  Play& play = sitting.play;
+  play.start(1'000'000);
   for (const std::int64_t target : {1'900'000, 0, 1'999'999, 1'200'000, 1'990'000}) {
-    sitting.play.requestSeek(target);
-    EXPECT_EQ(sitting.play.positionUs(), target);
+    play.requestSeek(target);
+    EXPECT_EQ(play.positionUs(), target);
     EXPECT_EQ(sitting.run(milliseconds(60)), Play::Turn::Picture) << target;
     // The key frame before the target is at most ten pictures away.
-    EXPECT_NEAR(static_cast<double>(sitting.play.positionUs()), static_cast<double>(target), 450'000)
-        << target;
+    EXPECT_NEAR(double(play.positionUs()), double(target), 450'000) << target;
   }
-  // The end is met, and its place is still good for a seek.
   EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
-  sitting.play.requestSeek(0);
-  EXPECT_EQ(sitting.run(milliseconds(60)), Play::Turn::Picture);
-  EXPECT_LT(sitting.play.positionUs(), 100'000);
+  play.requestSeek(0);
+  EXPECT_EQ(sitting.run(milliseconds(60)), Play::Turn::Picture) << "the end is as good a place as any";
+  EXPECT_LT(play.positionUs(), 100'000);
+
+  play.pause();
+  EXPECT_FALSE(play.takeNewest());
+  const std::uint64_t before = play.pictureSerial();
+  play.requestSeek(1'250'000);
+  const auto limit = steady_clock::now() + seconds(5);
+  while (!play.takeNewest() && steady_clock::now() < limit) std::this_thread::sleep_for(microseconds(100));
+  EXPECT_GT(play.pictureSerial(), before);
+  EXPECT_EQ(play.positionUs(), 1'250'000);
+  EXPECT_FALSE(play.takeNewest()) << "one picture is enough for a place";
 }
 
 /// Fourteen seconds in which these pictures cannot be decoded.
@@ -275,23 +276,6 @@ TEST(Play, GetsOverDamageOrFailsAsAnItem) {
     EXPECT_EQ(sitting.failure().substr(0, c.error.size()), c.error) << c.what << ": " << sitting.failure();
     EXPECT_EQ(sitting.failure().empty(), c.error.empty()) << c.what;
   }
-}
-
-TEST(Play, ASeekInAPauseShowsItsPicture) {
-  Sitting sitting(film("24", "2"));
-  sitting.play.start(0);
-  sitting.run(milliseconds(200));
-  sitting.play.pause();
-  EXPECT_FALSE(sitting.play.takeNewest());
-  const std::uint64_t before = sitting.play.pictureSerial();
-  sitting.play.requestSeek(1'250'000);
-  const auto limit = SteadyClock::now() + seconds(5);
-  while (!sitting.play.takeNewest() && SteadyClock::now() < limit) {
-    std::this_thread::sleep_for(microseconds(100));
-  }
-  EXPECT_GT(sitting.play.pictureSerial(), before);
-  EXPECT_EQ(sitting.play.positionUs(), 1'250'000);
-  EXPECT_FALSE(sitting.play.takeNewest()) << "one picture is enough for a place";
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
-#include <map>
 #include <numbers>
-#include <sstream>
-#include <tuple>
 
 #include <alsa/asoundlib.h>
 #include <gtest/gtest.h>
@@ -34,36 +31,32 @@ TEST(ChannelRules, TheDevicesOrderIsFollowedWhereItCanBeTrusted) {
   EXPECT_EQ(channelMapFor(Positions{fr, fl, rl, rr}, 6), Slots{}) << "another count";
 }
 
-TEST(Eld, TheLargestDescriptorOfAPresentMonitorCounts) {
-  const std::map<std::string, int> files = {
-      {"  monitor_present\t\t1 \r\nsad_count 9\n\tsad0_channels\t8\t\nsad1_channels 2\n", 8},
-      {"sad12_channels  6 [0x8]\nsad3 of 9_channels: 4 or 5\nmonitor_present 1", 6},
-      {"monitor_present 0\nsad0_channels 8\n", 0},
-      {"monitor_present\nsad0_channels 8\n", 0},
-      {"monitor_present 1\nsad0_rates 8\nsad0_channels none\nxsad0_channels 8\n", 0},
-      {"monitor_present 1\nsad0_channels 99999999999999999999\n", 2147483647},
-      {"", 0}};
-  for (const auto& [text, channels] : files) {
-    std::istringstream file(text);
-    EXPECT_EQ(parseEld(file).value_or(0), channels) << text;
-  }
+/// The channels that the ELD files "eld#3.0" and so on of a card tell; -1 if there is none.
+int channelsOf(const std::vector<const char*>& files) {
+  const test::TempFolder folder;
+  std::filesystem::create_directory(folder.path() / "card1");
+  for (std::size_t i = 0; i < files.size(); ++i)
+    std::ofstream(folder.path() / "card1" / ("eld#3." + std::to_string(i))) << files[i];
+  const auto sink = readSinkChannels(folder.path(), 1, 3);
+  return sink.eldFound ? sink.channels.value_or(0) : -1;
 }
 
-TEST(Eld, TheFirstFileThatShowsAMonitorWithChannelsWins) {
-  const test::TempFolder folder;
-  const std::filesystem::path card = folder.path() / "card1";
-  EXPECT_FALSE(readSinkChannels(folder.path(), 1, 3).eldFound);
-  std::filesystem::create_directory(card);
-  const std::tuple<const char*, const char*, std::optional<int>> files[] = {
-      {"eld#3.0", "monitor_present 0\nsad0_channels 8\n", {}},
-      {"eld#3.4", "monitor_present 1\nsad0_channels 4\n", {}},
-      {"eld#3.2", "monitor_present 1\nsad0_channels 6\n", 6},
-      {"eld#3.3", "monitor_present 1\nsad0_channels 8\n", 6}};
-  for (const auto& [name, text, channels] : files) {
-    std::ofstream(card / name) << text;
-    EXPECT_TRUE(readSinkChannels(folder.path(), 1, 3).eldFound);
-    EXPECT_EQ(readSinkChannels(folder.path(), 1, 3).channels, channels) << name;
-  }
+TEST(Eld, TheLargestDescriptorOfTheFirstPresentMonitorCounts) {
+  const std::pair<std::vector<const char*>, int> cases[] = {
+      {{}, -1},
+      {{"  monitor_present\t\t1 \r\nsad_count 9\n\tsad0_channels\t8\t\nsad1_channels 2\n"}, 8},
+      {{"sad12_channels  6 [0x8]\nsad3 of 9_channels: 4 or 5\nmonitor_present 1"}, 6},
+      {{"monitor_present 0\nsad0_channels 8\n"}, 0},
+      {{"monitor_present\nsad0_channels 8\n"}, 0},
+      {{"monitor_present 1\nsad0_rates 8\nsad0_channels none\nxsad0_channels 8\n"}, 0},
+      {{"monitor_present 1\nsad0_channels 99999999999999999999\n"}, 2147483647},
+      {{"monitor_present 0\nsad0_channels 8\n", "", "monitor_present 1\nsad0_channels 6\n",
+        "monitor_present 1\nsad0_channels 8\n"},
+       6},
+      {{"", "", "", "", "monitor_present 1\nsad0_channels 4\n"}, 0},
+  };
+  for (const auto& [files, channels] : cases)
+    EXPECT_EQ(channelsOf(files), channels) << (files.empty() ? "no file" : files.front());
 }
 
 using Block = std::vector<std::int16_t>;

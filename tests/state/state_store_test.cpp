@@ -170,45 +170,43 @@ TEST_F(StateStoreTest, ResumesByUserThenByNameThenByFolder) {
   EXPECT_EQ(users.resumePosition(in("movies/F/2.mkv")), std::nullopt) << "there are two now";
 }
 
-TEST_F(StateStoreTest, StartsAnewWhatTakesTheRoom) {
-  const std::string lost = in("movies/lost.mkv");
-  users.setPosition(lost, 7, "Ann");
-  users.renameMedia(lost, in("movies/found.mkv"));
-  EXPECT_EQ(saved().profiles["Ann"].movies.playing, in("movies/found.mkv"));
-  users.setPlaying(in("movies/found.mkv"), "");
-  EXPECT_EQ(users.resumePosition(in("movies/found.mkv")), 7);
-  users.setPlaying(in("movies/next.mkv"), "");
-  EXPECT_EQ(users.resumePosition(in("movies/next.mkv")), 0);
-  users.clearPlaying(in("Movies"));
-  EXPECT_EQ(saved().profiles["Ann"].movies, RoomState());
+TEST_F(StateStoreTest, LetsWhatIsKnownFollowARename) {
+  const std::string old = in("movies/a"), moved = in("movies/A/a"), away = in("kids/A/a");
+  users.markWatched(old, true, "Ann");
+  users.setPosition(old, 7, "Ann");
+  notes.setScanNoteA(old, "tt1");
+  notes.setScanNoteB(in("tv/a"), "1");
+  for (const int width : {4, 0}) notes.setFrameSize(old, width, 3);
+  playback.setPlaybackVolume(old, 2);
+  users.renameMedia(old, moved);
+  const std::string folder = R"({"offset":7,"volume":2,"watched":true})";
+  EXPECT_EQ(kept("movies/playback.json"), folder) << "it serves the new path too";
+  EXPECT_THAT(saved().profiles["Ann"].movies.watched, ElementsAre(moved));
+  EXPECT_EQ(saved().profiles["Ann"].movies.playing, moved);
+  put("kids/A/playback.json", "{}");
+  users.renameMedia(moved, away);
+  EXPECT_EQ(kept("kids/A/playback.json") + kept("movies/playback.json"), folder);
+  EXPECT_EQ(*notes.scanNoteA(away) + notes.scanNoteB(in("tv/a")).value_or(""), "tt1");
+  EXPECT_TRUE(notes.frameSize(away)->width == 4 && !notes.frameSize(old));
 }
 
-TEST_F(StateStoreTest, KnowsWhatWasWatched) {
-  const std::string old = in("tv/Show/e.mkv");
-  users.markWatched(old, true, "Ann");
+TEST_F(StateStoreTest, KnowsWhatPlaysAndWhatWasWatched) {
+  const std::string episode = in("tv/Show/e.mkv");
+  users.setPosition(episode, 7, "");
+  users.setPlaying(episode, "");
+  EXPECT_EQ(users.resumePosition(episode), 7);
+  users.setPlaying(in("tv/next.mkv"), "");
+  EXPECT_EQ(users.resumePosition(in("tv/next.mkv")), 0) << "what takes the room starts anew";
+  users.clearPlaying(in("TV"));
+  EXPECT_EQ(saved().profiles["Ann"].tv, RoomState());
+  users.markWatched(episode, true, "Ann");
   users.markWatched(in("tv/b.mkv"), true, "Cid");
-  EXPECT_TRUE(users.isWatched(old) && !users.isWatched(in("tv/./Show/e.mkv")));
+  EXPECT_TRUE(users.isWatched(episode) && !users.isWatched(in("tv/./Show/e.mkv")));
   for (const auto& [folder, watched] : table("tv/./Show/ => 1 ;; tv => 1 ;; tv/Sho => 0 ;; movies => 0"))
     EXPECT_EQ(users.hasWatchedBelow(in(folder)), watched == "1") << folder;
   EXPECT_THAT(users.users(), ElementsAre("Ann", "Bob", "Cid"));
-  users.renameMedia(old, in("tv/new"));
-  EXPECT_THAT(saved().profiles["Ann"].tv.watched, ElementsAre(in("tv/new")));
-  users.markWatched(in("tv/new"), false, "");
+  users.markWatched(episode, false, "");
   EXPECT_TRUE(saved().profiles["Ann"].tv.watched.empty());
-}
-
-TEST_F(StateStoreTest, LetsWhatIsKnownFollowARename) {
-  notes.setScanNoteA(in("movies/a"), "tt1");
-  notes.setScanNoteB(in("tv/a"), "1");
-  for (const int width : {4, 0}) notes.setFrameSize(in("movies/a"), width, 3);
-  playback.setPlaybackVolume(in("movies/a"), 2);
-  users.renameMedia(in("movies/a"), in("movies/A/a"));
-  EXPECT_EQ(kept("movies/playback.json"), R"({"volume":2})") << "it serves the new path too";
-  put("kids/A/playback.json", "{}");
-  users.renameMedia(in("movies/A/a"), in("kids/A/a"));
-  EXPECT_EQ(kept("kids/A/playback.json") + kept("movies/playback.json"), R"({"volume":2})");
-  EXPECT_EQ(*notes.scanNoteA(in("kids/A/a")) + notes.scanNoteB(in("tv/a")).value_or(""), "tt1");
-  EXPECT_TRUE(notes.frameSize(in("kids/A/a"))->width == 4 && !notes.frameSize(in("movies/a")));
 }
 
 TEST_F(StateStoreTest, ChangesUsers) {
@@ -370,28 +368,25 @@ TEST_F(StateStoreTest, RemovesWhatDeadWritersLeft) {
 
 TEST(SaveThread, GathersRequestsAndIsLeftWhileItsDiskStalls) {
   using namespace std::chrono_literals;
-  struct Disk {
-    std::atomic<int> saves{0};
-    std::atomic<bool> stalls{false};
-  };
-  const auto disk = std::make_shared<Disk>();
+  static std::atomic<int> count = 0;
+  static std::atomic<bool> stalls = false;
   {
-    SaveThread saves([disk] {
-      ++disk->saves;
-      while (disk->stalls) std::this_thread::sleep_for(1ms);
+    SaveThread saves([] {
+      ++count;
+      while (stalls) std::this_thread::sleep_for(1ms);
       return true;
     });
     EXPECT_TRUE(saves.flush(5s)) << "with nothing to do";
     for (int i = 0; i < 20; ++i) saves.request(Save::Always);
     EXPECT_TRUE(saves.flush(5s));
-    EXPECT_EQ(disk->saves, 1);
-    disk->stalls = true;
+    EXPECT_EQ(count, 1);
+    stalls = true;
     saves.request(Save::Always);
     const auto start = std::chrono::steady_clock::now();
     EXPECT_FALSE(saves.flush(100ms));
     EXPECT_LT(std::chrono::steady_clock::now() - start, 2s);
   }
-  disk->stalls = false;
+  stalls = false;
 }
 
 TEST_F(StateStoreTest, PicksWhatToResume) {
