@@ -95,13 +95,15 @@ TEST(MediaPaths, FindRoomsAndSeries) {
 }
 
 TEST(MediaPaths, NameRooms) {
-  std::string normal;
-  for (const char* name : {"Movie", "tvshows", "Series", "Videos", "Kids", ""})
-    normal += normalizeRoomName(name) + ' ';
-  EXPECT_EQ(normal, "movies tv tv video kids  ");
-  EXPECT_EQ(roomNameOfMedia((mediaRoot() / "Kids/a/b.mkv").string()), "kids");
-  EXPECT_EQ(roomNameOfMedia("TV/a/b.mkv"), "tv");
-  for (const char* elsewhere : {"/other/b.mkv", ""}) EXPECT_EQ(roomNameOfMedia(elsewhere), "movies");
+  const std::string root = mediaRoot().string();
+  const std::pair<std::string, const char*> media[] = {{root + "/Kids/a/b.mkv", "kids"},
+                                                       {root + "/Movie/b.mkv", "movies"},
+                                                       {"tvshows/b.mkv", "tv"},
+                                                       {"Series/a/b.mkv", "tv"},
+                                                       {"Videos/b.mkv", "video"},
+                                                       {"/other/b.mkv", "movies"},
+                                                       {"", "movies"}};
+  for (const auto& [path, room] : media) EXPECT_EQ(roomNameOfMedia(path), room) << path;
   EXPECT_EQ(roomNameOfRoot("/") + roomLabelOf("/media/Kids", "x") + roomLabelOf("/", "Tv"), "movieskidstv");
 }
 
@@ -111,7 +113,7 @@ TEST(NextItem, FollowsEpisodesAndTracks) {
        "Show/Season 1/S01E02.mp3|Show/Season 1/S01E03.mkv|Show/Season 2/S02E01 Back.mkv|"
        "Show/Season 1/S01E03.notes|Show/Season 1/Extra.mkv|Show/Season 1/S01E02-sample.mkv|"
        "Other/1x01.mkv|Other/1x02 Two.mkv|Other/S01E04.mkv|S01E09.mkv");
-  make("music/Album", "2 Two.flac|07 Seven.flac|Intro.flac|cover.jpg|inner/3 Three.flac");
+  make("music/Album", "2 Two.flac|07 Seven.flac|00 Zero.mp3|a.mp3|Bonus.flac|cover.jpg|inner/3 Three.flac");
   // An item, and the one after it or nothing.
   constexpr const char* cases[][2] = {
       {"tv/Show/Season 1/S01E02.mp3", "tv/Show/Season 1/S01E03.mkv"},
@@ -125,8 +127,10 @@ TEST(NextItem, FollowsEpisodesAndTracks) {
       {"tv/Other/1x02 Two.mkv", "tv/Other/S01E04.mkv"},
       {"tv/S01E09.mkv", "tv/Show/Season 2/S02E01 Back.mkv"},
       {"music/Album/2 Two.flac", "music/Album/07 Seven.flac"},
-      {"music/Album/07 Seven.flac", "music/Album/Intro.flac"},
-      {"music/Album/Intro.flac", ""},
+      {"music/Album/07 Seven.flac", "music/Album/00 Zero.mp3"},
+      {"music/Album/00 Zero.mp3", "music/Album/a.mp3"},
+      {"music/Album/a.mp3", "music/Album/Bonus.flac"},
+      {"music/Album/Bonus.flac", ""},
       {"music/Gone/1 One.flac", ""},
   };
   for (const auto& [current, expected] : cases) {

@@ -74,15 +74,6 @@ TEST(EpisodeName, ReadsSeasonAndEpisode) {
       });
 }
 
-TEST(EpisodeName, OrdersTracks) {
-  constexpr const char* order[] = {"2 Song.flac", "07 Song.flac", "10.mp3", "99999999999.mp3", "0 zero.mp3",
-                                   "00 x.mp3",    "a.mp3",        "B.mp3",  "Intro.flac"};
-  for (const auto& a : order) {
-    for (const auto& b : order) EXPECT_EQ(trackLess(a, b), &a < &b) << a << " < " << b;
-  }
-  EXPECT_FALSE(trackLess("1 a.mp3", "01 b.mp3") || trackLess("01 b.mp3", "1 a.mp3"));
-}
-
 TEST(EpisodeName, GivesTheLabelsParts) {
   expectAll(
       "S02E05 Pilot = S02/E05/Pilot/2 05|Show.s10e1._-  The End-thumb = S10/E1/The End/10 1|"
