@@ -1,7 +1,7 @@
 #include "base/file_write.h"
 
 #include <fstream>
-#include <sys/stat.h>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -21,21 +21,23 @@ void write(const fs::path& file, const char* text) {
   std::ofstream(file) << text;
 }
 
-TEST(ReplaceFile, KeepsTheModeUnlessOneIsGiven) {
+TEST(ReplaceFile, KeepsModesAndLinks) {
   const test::TempFolder temp;
-  const fs::path file = temp.path() / "deep" / "file";
-  const struct {
-    const char* bytes;
-    std::optional<mode_t> mode;
-    mode_t wanted;
-  } cases[] = {{"new", 0600, 0600}, {"kept", {}, 0600}, {"", 0640, 0640}, {"last", {}, 0640}};
-  for (const auto& c : cases) {
-    EXPECT_TRUE(replaceFile(file, c.bytes, c.mode));
-    struct stat status {};
-    stat(file.c_str(), &status);
-    EXPECT_EQ(status.st_mode & 07777, c.wanted) << c.bytes;
-    EXPECT_EQ(contentOf(file), c.bytes);
+  const fs::path folder = temp.path() / "deep";
+  const std::tuple<const char*, const char*, std::optional<mode_t>, mode_t> cases[] = {
+      {"file", "a longer text", 0600, 0600},
+      {"file", "kept", {}, 0600},
+      {"link", "", 0640, 0640},
+      {"link", "last", {}, 0640}};
+  for (const auto& [name, bytes, mode, wanted] : cases) {
+    EXPECT_TRUE(replaceFile(folder / name, bytes, mode));
+    EXPECT_EQ(static_cast<mode_t>(fs::status(folder / "file").permissions()), wanted) << bytes;
+    EXPECT_EQ(contentOf(folder / "file"), bytes);
+    if (!fs::exists(folder / "link")) fs::create_symlink("file", folder / "link");
+    EXPECT_TRUE(fs::is_symlink(folder / "link")) << bytes;
   }
+  for (const char* none : {"", "file/below"}) EXPECT_FALSE(replaceFile(folder / none, "")) << none;
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2) << "no temporary file is left";
 }
 
 TEST(RenameNoReplace, NeverTakesAName) {

@@ -8,6 +8,7 @@
 
 #include "media/codec.h"
 #include "media/error.h"
+#include "media/stream_choice.h"
 #include "support/temp_folder.h"
 
 namespace tavek {
@@ -40,29 +41,31 @@ class MovieFile : public testing::Test {
   ffmpeg::PacketPtr packet_ = ffmpeg::makePacket();
 };
 
+/// Neither does it reach another file, nor a pipe.
 TEST_F(MovieFile, FailsToOpenWithItsReason) {
-  EXPECT_EQ(failure("none.mkv"), "FFmpeg: No such file or directory [expr: ret] @ video/demultiplex:68");
-  const std::string song = make("song.mp3", "-f lavfi -i sine=d=0.2");
-  EXPECT_EQ(failure(song), "FFmpeg: No video stream found in input file");
-  EXPECT_EQ(failure(song, Pictures::Optional), "");
-}
-
-TEST_F(MovieFile, ReachesNoOtherFileAndNoPipe) {
   const std::string segment = make("segment.ts", "-f lavfi -i testsrc=s=64x48:r=10:d=1 -c:v mpeg2video");
+  const std::string song = make("song.mp3", "-f lavfi -i sine=d=0.2");
   const auto write = [&](const char* name, const std::string& text) {
     std::ofstream(folder_.path() / name) << text;
     return (folder_.path() / name).string();
   };
-  const std::string list =
-      write("film.mkv", "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\n" + segment + "\n");
-  const std::string script = write("script.mkv", "ffconcat version 1.0\nfile segment.ts\n");
   const std::string pipe = (folder_.path() / "pipe.mkv").string();
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  EXPECT_EQ(failure(segment), "");
-  EXPECT_THAT(failure(list), testing::StartsWith("FFmpeg: Invalid data found"));
-  EXPECT_THAT(failure(script), testing::StartsWith("FFmpeg: Invalid data found"));
-  EXPECT_EQ(failure(pipe), "FFmpeg: Invalid argument [expr: ret] @ video/demultiplex:68");
-  EXPECT_THAT(failure("concat:" + segment), testing::StartsWith("FFmpeg: No such file"));
+  const std::pair<std::string, const char*> cases[] = {
+      {segment, ""},
+      {song, "FFmpeg: No video stream found in input file"},
+      {"none.mkv", "FFmpeg: No such file or directory [expr: ret] @ video/demultiplex:68"},
+      {pipe, "FFmpeg: Invalid argument [expr: ret] @ video/demultiplex:68"},
+      {"concat:" + segment, "FFmpeg: No such file"},
+      {write("list.mkv", "#EXTM3U\n#EXT-X-TARGETDURATION:1\n#EXTINF:1,\n" + segment + "\n"),
+       "FFmpeg: Invalid data found"},
+      {write("script.mkv", "ffconcat version 1.0\nfile segment.ts\n"), "FFmpeg: Invalid data found"},
+  };
+  for (const auto& [path, reason] : cases) {
+    EXPECT_THAT(failure(path), testing::StartsWith(reason)) << path;
+    EXPECT_EQ(failure(path).empty(), *reason == '\0') << path;
+  }
+  EXPECT_EQ(failure(song, Pictures::Optional), "");
 }
 
 TEST_F(MovieFile, EndsWhenItIsInterrupted) {
@@ -80,43 +83,32 @@ TEST_F(MovieFile, EndsWhenItIsInterrupted) {
 
 /// Positions count from the first moment of the file, and seeking counts so too.
 TEST_F(MovieFile, CountsFromItsFirstMoment) {
-  const struct {
-    const char* name;
-    const char* arguments;
-  } files[] = {
+  const std::pair<const char*, const char*> files[] = {
       {"late.ts", "-f lavfi -i testsrc=s=64x48:r=10:d=4 -c:v mpeg2video -g 10 -output_ts_offset 5000"},
       {"song.mp3", "-f lavfi -i sine=d=4"},
       {"film.mp4", "-f lavfi -i testsrc=s=64x48:r=10:d=4 -c:v mpeg4 -g 10"},
   };
-  for (const auto& file : files) {
-    Demultiplexer demuxer(make(file.name, file.arguments), {}, Pictures::Optional, never);
+  for (const auto& [name, arguments] : files) {
+    Demultiplexer demuxer(make(name, arguments), {}, Pictures::Optional, never);
     const bool song = demuxer.videoStreamIndex() < 0;
     const AVRational timeBase = song ? demuxer.audioTimeBase() : demuxer.videoTimeBase();
     const auto nextMs = [&] {
       av_packet_unref(packet_.get());
       return demuxer.readPacket(packet_.get()) ? demuxer.positionUs(packet_->pts, timeBase) / 1000 : -1;
     };
-    EXPECT_NEAR(static_cast<double>(nextMs()), 0, 60) << file.name;
+    EXPECT_NEAR(static_cast<double>(nextMs()), 0, 60) << name;
     while (nextMs() >= 0) {
     }
     // The end of the file is no reason not to go back.
-    for (const int targetMs : {2500, 0, 3900}) {
-      EXPECT_TRUE(demuxer.seek(targetMs * 1000)) << file.name;
+    for (const int targetMs : {2500, 0, 3900, -5000}) {
+      EXPECT_TRUE(demuxer.seek(targetMs * 1000)) << name;
       const auto found = static_cast<double>(nextMs());
-      EXPECT_GE(found, targetMs - 1100) << file.name << " to " << targetMs;
+      EXPECT_GE(found, targetMs - 1100) << name << " to " << targetMs;
       // A stream without an index is found to a picture.
-      EXPECT_LE(found, targetMs == 0 ? 60 : targetMs + 110) << file.name << " to " << targetMs;
+      EXPECT_LE(found, targetMs <= 0 ? 60 : targetMs + 110) << name << " to " << targetMs;
       EXPECT_TRUE(!song || found > targetMs - 100) << "the time stamps start anew";
     }
   }
-}
-
-TEST_F(MovieFile, TellsACoverFromPictures) {
-  const std::string cover = make("cover.jpg", "-f lavfi -i testsrc=s=64x48 -frames:v 1");
-  const std::string song =
-      make("covered.mp3", "-f lavfi -i sine=d=0.5 -i " + cover + " -map 0 -map 1 -c:v copy");
-  EXPECT_TRUE(Demultiplexer(song, {}, Pictures::Needed, never).pictureIsAttached());
-  EXPECT_FALSE(Demultiplexer(makeMovie(), {}, Pictures::Needed, never).pictureIsAttached());
 }
 
 /// One scrambled packet is told apart from a failure, and the decoder goes on behind it.
@@ -147,45 +139,28 @@ TEST_F(MovieFile, TellsOfItsStreams) {
   EXPECT_DOUBLE_EQ(info.videoFramesPerSecond, 10);
   EXPECT_EQ(info.audioSampleRate, 44100);
   EXPECT_NEAR(static_cast<double>(info.durationUs), 2e6, 5e4);
+  EXPECT_FALSE(demuxer.pictureIsAttached());
+  const std::string cover = make("cover.jpg", "-f lavfi -i testsrc=s=64x48 -frames:v 1");
+  const std::string song =
+      make("covered.mp3", "-f lavfi -i sine=d=0.5 -i " + cover + " -map 0 -map 1 -c:v copy");
+  EXPECT_TRUE(Demultiplexer(song, {}, Pictures::Needed, never).pictureIsAttached());
   const Demultiplexer silent(make("silent.avi", "-f lavfi -i testsrc=d=0.2 -c:v mpeg4"), "en",
                              Pictures::Needed, never);
   EXPECT_EQ(silent.audioParameters(), nullptr);
   EXPECT_EQ(silent.movieInfo().audioCodecName, "");
 }
 
-TEST_F(MovieFile, SeeksToTheKeyFrameBefore) {
-  Demultiplexer demuxer(makeMovie(), {}, Pictures::Needed, never);
-  const auto nextPictureMs = [&] {
-    do {
-      av_packet_unref(packet_.get());
-      if (!demuxer.readPacket(packet_.get())) return std::int64_t{-1};
-    } while (packet_->stream_index != demuxer.videoStreamIndex());
-    return packet_->pts;
-  };
-  EXPECT_TRUE(demuxer.seek(1'500'000));
-  EXPECT_EQ(nextPictureMs(), 1000);
-  EXPECT_TRUE(demuxer.seek(-5'000'000));
-  EXPECT_EQ(nextPictureMs(), 0);
-}
-
-TEST_F(MovieFile, GivesEveryPictureToItsCodec) {
-  Demultiplexer demuxer(makeMovie(), {}, Pictures::Needed, never);
-  Codec codec(demuxer.videoParameters());
-  EXPECT_EQ(codec.width() * 1000 + codec.height(), 64048);
-  const auto frame = ffmpeg::makeFrame();
-  int pictures = 0;
-  for (; demuxer.readPacket(packet_.get()); av_packet_unref(packet_.get())) {
-    if (packet_->stream_index != demuxer.videoStreamIndex()) continue;
-    EXPECT_EQ(codec.sendPacket(packet_.get()), Decoded::Done);
-    while (codec.receiveFrame(frame.get()) == Decoded::Done) ++pictures;
-  }
-  EXPECT_EQ(codec.sendPacket(nullptr), Decoded::Done);
-  while (codec.receiveFrame(frame.get()) == Decoded::Done) ++pictures;
-  EXPECT_EQ(pictures, 20);
-  EXPECT_EQ(codec.pixelFormat(), AV_PIX_FMT_YUV420P);
-  EXPECT_EQ(codec.sendPacket(nullptr), Decoded::NotNow);
-  codec.flush();
-  EXPECT_EQ(codec.sendPacket(nullptr), Decoded::Done);
+TEST(AudioChoice, PutsChannelsBeforeLanguage) {
+  const std::pair<std::vector<AudioStream>, std::optional<std::size_t>> cases[] = {
+      {{}, {}},
+      {{{2, "eng"}, {6, "fra"}, {6, "ENG"}}, 2},
+      {{{2, "eng"}, {6, "fra"}}, 1},
+      {{{2, "deu"}, {2, {}}, {2, "fra"}}, 0},
+      {{{2, {}}, {2, "eng"}, {2, "en"}}, 1},
+      {{{-3, {}}, {0, "e"}}, 1}};
+  for (const auto& [streams, chosen] : cases) EXPECT_EQ(chooseAudioStream(streams, "en"), chosen) << &chosen;
+  EXPECT_EQ(chooseAudioStream(cases[4].first, {}), 0u);
+  EXPECT_EQ(chooseAudioStream(cases[3].first, ""), 0u);
 }
 
 }  // namespace tavek

@@ -1,12 +1,14 @@
-#include "library/poster_listing.h"
-
 #include <fstream>
 #include <set>
 
 #include <gtest/gtest.h>
 
+#include "base/paths.h"
 #include "base/text.h"
 #include "library/film_candidates.h"
+#include "library/media_paths.h"
+#include "library/next_item.h"
+#include "library/poster_listing.h"
 #include "support/media_root.h"
 
 namespace tavek {
@@ -15,12 +17,125 @@ namespace {
 namespace fs = std::filesystem;
 using test::library;
 
+void clear() {
+  for (const auto& entry : fs::directory_iterator(library.path())) fs::remove_all(entry.path());
+}
+
 /// Makes empty files, and folders ("x/"), in a folder of the library; a bar stands between the names.
 void make(const std::string& folder, const std::string& names) {
   std::istringstream list(names);
   for (std::string name; std::getline(list, name, '|');) {
     create_directories((library.path() / folder / name).parent_path());
     if (!name.ends_with('/')) std::ofstream(library.path() / folder / name).flush();
+  }
+}
+
+TEST(MediaPaths, ClassifyFolders) {
+  make("",
+       "shows/A/Season 1/s01e02 Pilot.mkv|mixed/Show.S01E02.mkv|mixed/S01E02 folder/S1E2 x.mkv|"
+       "mixed/S01x02.mkv|mixed/4x3 1x01.mkv|crossed/A/1x01.mkv");
+  EXPECT_EQ(knownKind(mediaRoot() / "shows"), std::nullopt) << "only a walk can tell";
+  Flag stop;
+  stop = true;
+  EXPECT_EQ(classifyFolder(mediaRoot() / "shows", stop), MediaKind::Movies);
+  EXPECT_EQ(knownKind(mediaRoot() / "shows"), std::nullopt) << "a walk that was stopped tells nothing";
+  std::string kinds;
+  for (const char* folder : {"tv", "TV/", "/else/Series", "shows", "shows/./A/..", "VIDEOS", "Music", "Kids",
+                             "mixed", "absent", "crossed"}) {
+    kinds += std::to_string(static_cast<int>(classifyFolder(mediaRoot() / folder, {})));
+  }
+  EXPECT_EQ(kinds, "11111230001");
+  EXPECT_EQ(knownKind(mediaRoot() / "shows"), MediaKind::Series);
+  EXPECT_EQ(knownKind(mediaRoot() / "never/TV"), MediaKind::Series);
+  EXPECT_EQ(classifyFolder("", {}), MediaKind::Movies);
+  make("absent", "S01E01.mkv");
+  EXPECT_EQ(classifyFolder(mediaRoot() / "absent", {}), MediaKind::Movies) << "the first answer is kept";
+}
+
+TEST(MediaPaths, ListRooms) {
+  const auto names = [] {
+    std::string result;
+    for (const fs::path& room : listRoots({})) result += room.lexically_relative(mediaRoot()).string() + ' ';
+    return result;
+  };
+  clear();
+  make("", "persist.json|.hidden/film.mkv");
+  EXPECT_EQ(names(), "movies tv video music ");
+  make("", "tv/|Zoo/");
+  fs::create_directory_symlink(library.path() / "tv", library.path() / "link");
+  fs::create_symlink(library.path() / "nowhere", library.path() / "broken");
+  EXPECT_EQ(names(), "Zoo link tv ");
+}
+
+TEST(MediaPaths, TellWhatLiesInside) {
+  for (const char* inside : {"/m/tv/", "/m/tv", "/m/./tv//x", "/m/tv\\x"})
+    EXPECT_TRUE(isInside(inside, "/m/tv")) << inside;
+  for (const char* outside : {"/m/tv2", "/m/tv/../x", "/m", ""})
+    EXPECT_FALSE(isInside(outside, "/m/tv")) << outside;
+  EXPECT_FALSE(isInside("/m", ""));
+}
+
+TEST(MediaPaths, FindRoomsAndSeries) {
+  const auto nameOf = [](const std::optional<fs::path>& path) {
+    return path ? path->lexically_relative(mediaRoot()).string() : "-";
+  };
+  // The room, the series room, the depth in it, the series folder.
+  for (const std::string line :
+       {"= - - 0 -", "movies/a.mkv= movies - 0 -", "tv= tv tv 0 -", "tv/A/= tv tv 1 -", "tv/../x= x - 0 -",
+        "tv/./A/Season 1= tv tv 2 tv/A", "tv/A/S 1/S01E01.mkv= tv tv 3 tv/A", "../tv/A/B= - - 0 -",
+        "/else/tv/A/B= - - 0 -"}) {
+    const std::string path = line.substr(0, line.find('='));
+    const fs::path full = mediaRoot() / path;
+    EXPECT_EQ(path + "= " + nameOf(roomRootOf(full)) + ' ' + nameOf(seriesRootOf(full)) + ' ' +
+                  std::to_string(seriesDepth(full)) + ' ' + nameOf(seriesFolderOf(full)),
+              line);
+  }
+  EXPECT_EQ(roomRootOf(""), std::nullopt);
+  EXPECT_EQ(roomRootOf(mediaRoot().string() + "\\x"), std::nullopt);
+}
+
+TEST(MediaPaths, NameRooms) {
+  const std::string root = mediaRoot().string();
+  const std::pair<std::string, const char*> media[] = {{root + "/Kids/a/b.mkv", "kids"},
+                                                       {root + "/Movie/b.mkv", "movies"},
+                                                       {"tvshows/b.mkv", "tv"},
+                                                       {"Series/a/b.mkv", "tv"},
+                                                       {"Videos/b.mkv", "video"},
+                                                       {"/other/b.mkv", "movies"},
+                                                       {"", "movies"}};
+  for (const auto& [path, room] : media) EXPECT_EQ(roomNameOfMedia(path), room) << path;
+  EXPECT_EQ(roomNameOfRoot("/") + roomLabelOf("/media/Kids", "x") + roomLabelOf("/", "Tv"), "movieskidstv");
+}
+
+TEST(NextItem, FollowsEpisodesAndTracks) {
+  clear();
+  make("tv",
+       "Show/Season 1/S01E02.mp3|Show/Season 1/S01E03.mkv|Show/Season 2/S02E01 Back.mkv|"
+       "Show/Season 1/S01E03.notes|Show/Season 1/Extra.mkv|Show/Season 1/S01E02-sample.mkv|"
+       "Other/1x01.mkv|Other/1x02 Two.mkv|Other/S01E04.mkv|S01E09.mkv");
+  make("music/Album", "2 Two.flac|07 Seven.flac|00 Zero.mp3|a.mp3|Bonus.flac|cover.jpg|inner/3 Three.flac");
+  // An item, and the one after it or nothing.
+  constexpr const char* cases[][2] = {
+      {"tv/Show/Season 1/S01E02.mp3", "tv/Show/Season 1/S01E03.mkv"},
+      {"tv/Show/Season 1/S01E03.mkv", "tv/Show/Season 2/S02E01 Back.mkv"},
+      {"tv/Show/Season 1/../Season 1/S01E02.mp3", "tv/Show/Season 1/S01E03.mkv"},
+      {"tv/Show/Season 1/S01E02 renamed.mp3", "tv/Show/Season 1/S01E03.mkv"},
+      {"tv/Show/Season 2/S02E01 Back.mkv", ""},
+      {"tv/Show/Season 1/Extra.mkv", ""},
+      {"tv/Show/Season 1/S07E01.mp3", ""},
+      {"tv/Other/1x01.mkv", "tv/Other/1x02 Two.mkv"},
+      {"tv/Other/1x02 Two.mkv", "tv/Other/S01E04.mkv"},
+      {"tv/S01E09.mkv", "tv/Show/Season 2/S02E01 Back.mkv"},
+      {"music/Album/2 Two.flac", "music/Album/07 Seven.flac"},
+      {"music/Album/07 Seven.flac", "music/Album/00 Zero.mp3"},
+      {"music/Album/00 Zero.mp3", "music/Album/a.mp3"},
+      {"music/Album/a.mp3", "music/Album/Bonus.flac"},
+      {"music/Album/Bonus.flac", ""},
+      {"music/Gone/1 One.flac", ""},
+  };
+  for (const auto& [current, expected] : cases) {
+    const auto next = nextItemAfter(library.path() / current, {});
+    EXPECT_EQ(next ? next->lexically_relative(library.path()) : "", expected) << current;
   }
 }
 
@@ -47,7 +162,7 @@ std::string list(const std::string& folder) {
 }
 
 /// Folder, the files in it, the listing.
-constexpr const char* cases[][3] = {
+constexpr const char* listings[][3] = {
     {"Movies",
      "F 10.mkv|F 10.jpg|F 2.avi|F 2.poster.png|Notes.jpg|fanart.jpg|F 2.fanart.jpg|Old.mkv|Old.POSTER.jpg|"
      "dir.jpg/|Box/Two (1979)/Two.mkv|Box/Two (1979)/Two.jpeg|Box/Two (1979)/FANART.PNG|Box/poster.jpg|"
@@ -89,24 +204,21 @@ constexpr const char* cases[][3] = {
     {"gone", "", "poster candidates\n"}};
 
 TEST(Listing, IsWhatTheFolderCallsFor) {
-  for (const auto& entry : fs::directory_iterator(library.path())) fs::remove_all(entry.path());
+  clear();
   make("", "Videos/Sea/|TV/");
   fs::create_directory_symlink("..", library.path() / "Videos/Sea/loop");
   fs::create_symlink("b.srt", library.path() / "Videos/c.jpg");
   fs::create_symlink("nowhere", library.path() / "Videos/d.jpg");
   fs::create_directory_symlink("show 2", library.path() / "TV/Alias");
-  for (const auto& [folder, files, listing] : cases) make(folder, files);
+  for (const auto& [folder, files, listing] : listings) make(folder, files);
   fs::permissions(library.path() / "Videos/closed", fs::perms::none);
-  for (const auto& [folder, files, listing] : cases) EXPECT_EQ(list(folder), listing);
+  for (const auto& [folder, files, listing] : listings) EXPECT_EQ(list(folder), listing);
   fs::permissions(library.path() / "Videos/closed", fs::perms::owner_all);
 }
 
 TEST(Listing, GivesAPosterTheFilmOfItsFolder) {
-  const struct {
-    const char* folder;
-    const char* videos;
-    const char* plays;  ///< empty for none
-  } folders[] = {
+  // The folder of the poster, the videos there, the one that it plays.
+  constexpr const char* folders[][3] = {
       {"Two (1990)", "More.mkv|Two (1991).mkv", "Two (1991).mkv"},
       {"1984 (1956)", "1984.mkv|b.mkv", "1984.mkv"},
       {"ÄRGER (1990)", "ärger.mkv|b.mkv", "ärger.mkv"},
@@ -115,12 +227,10 @@ TEST(Listing, GivesAPosterTheFilmOfItsFolder) {
       {"Any (1990)", "one.mkv|one-sample.mkv|Any 1990/Any 1990.mkv", "Any 1990/Any 1990.mkv"},
   };
   for (const auto& [name, videos, plays] : folders) {
-    const std::string folder = std::string("own/") + name;
-    make(folder, videos);
-    const fs::path full = library.path() / folder;
-    EXPECT_EQ(findVideoForPoster(full / "poster.jpg", {}, Flag()).value_or(""),
-              *plays != '\0' ? full / plays : "")
-        << name;
+    make(std::string("own/") + name, videos);
+    const fs::path folder = library.path() / "own" / name;
+    const auto found = findVideoForPoster(folder / "poster.jpg", {}, Flag());
+    EXPECT_EQ(found ? fs::path(*found).lexically_relative(folder) : "", plays) << name;
   }
 }
 
