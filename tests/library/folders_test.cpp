@@ -95,12 +95,12 @@ TEST(MediaPaths, FindRoomsAndSeries) {
 }
 
 TEST(MediaPaths, NameRooms) {
-  const std::string root = mediaRoot().string();
-  const std::pair<std::string, const char*> media[] = {{root + "/Kids/a/b.mkv", "kids"},
-                                                       {root + "/Movie/b.mkv", "movies"},
-                                                       {"tvshows/b.mkv", "tv"},
-                                                       {"Series/a/b.mkv", "tv"},
-                                                       {"Videos/b.mkv", "video"},
+  std::string normal;
+  for (const char* name : {"Movie", "tvshows", "Series", "Videos", "Kids", ""})
+    normal += normalizeRoomName(name) + ' ';
+  EXPECT_EQ(normal, "movies tv tv video kids  ");
+  const std::pair<std::string, const char*> media[] = {{(mediaRoot() / "Kids/a/b.mkv").string(), "kids"},
+                                                       {"TV/a/b.mkv", "tv"},
                                                        {"/other/b.mkv", "movies"},
                                                        {"", "movies"}};
   for (const auto& [path, room] : media) EXPECT_EQ(roomNameOfMedia(path), room) << path;

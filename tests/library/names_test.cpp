@@ -85,7 +85,8 @@ TEST(EpisodeName, GivesTheLabelsParts) {
       });
   expectAll(
       " Specials  = 0|S02 = 2|Season 10 = 10|Show SEASON03 x = 3|Seasons, season   5 = 5|Season = |"
-      "Staffel 02 = 2|SAISON 1 = 1|Temporada 3 = 3|stagione1 = 1|СЕЗОН 2 = 2|Series 4 = 4|Extras = | = ",
+      "Staffel 02 = 2|SAISON 1 = 1|Temporada 3 = 3|stagione1 = 1|СЕЗОН 2 = 2|Series 4 = 4|"
+      "2. Staffel = 2|1 сезон = 1|1ª temporada = 1|2 Fast = |Extras = | = ",
       [](auto name, auto) { return seasonOfFolder(name); });
   for (const char* name : {"SEASON", "Seasons", "s1", "specials", "Staffel 2", "Saison 1", "Temporada 3",
                            "Stagione 1", "Сезон 2", "Series 4"})

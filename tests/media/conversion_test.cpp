@@ -18,6 +18,8 @@ namespace {
 using enum PictureColours;
 
 constexpr AVColorRange untold = AVCOL_RANGE_UNSPECIFIED, limited = AVCOL_RANGE_MPEG, full = AVCOL_RANGE_JPEG;
+constexpr AVColorSpace untoldMatrix = AVCOL_SPC_UNSPECIFIED;
+constexpr auto pq = AVCOL_TRC_SMPTE2084, hlg = AVCOL_TRC_ARIB_STD_B67;
 
 /// One colour all over; samples above 8 bits take two bytes.
 ffmpeg::FramePtr makePicture(AVPixelFormat format, std::array<int, 3> colour, int size = 64) {
@@ -53,6 +55,7 @@ TEST(Conversion, GivesLimitedRangeInAMatrixThatScreensKnow) {
     AVColorRange range;
     std::array<int, 3> before, after;
     PictureColours colours;
+    AVColorTransferCharacteristic curve = AVCOL_TRC_UNSPECIFIED;
   } cases[] = {
       {"as it is", AV_PIX_FMT_YUV420P, AVCOL_SPC_SMPTE170M, limited, {235, 100, 90}, {235, 100, 90}, Bt601},
       {"4:4:4", AV_PIX_FMT_YUV444P, AVCOL_SPC_SMPTE170M, limited, {81, 90, 240}, {81, 90, 240}, Bt601},
@@ -62,11 +65,17 @@ TEST(Conversion, GivesLimitedRangeInAMatrixThatScreensKnow) {
       // Pure red, (255, 0, 0), in each matrix.
       {"BT.2020", AV_PIX_FMT_YUV420P10, AVCOL_SPC_BT2020_NCL, limited, {74, 97, 240}, {63, 102, 240}, Bt709},
       {"240M", AV_PIX_FMT_YUV420P, AVCOL_SPC_SMPTE240M, limited, {62, 102, 240}, {63, 102, 240}, Bt709},
+      // Light of 100 cd/m2, which is half of what a screen gives, and of 1000 and more, which is all.
+      {"PQ", AV_PIX_FMT_YUV420P10, untoldMatrix, limited, {127, 128, 128}, {181, 128, 128}, Bt601, pq},
+      {"PQ white", AV_PIX_FMT_YUV420P10, untoldMatrix, limited, {181, 138, 118}, {235, 153, 103}, Bt601, pq},
+      {"PQ glare", AV_PIX_FMT_YUV420P10, untoldMatrix, limited, {235, 200, 40}, {235, 240, 16}, Bt601, pq},
+      {"HLG", AV_PIX_FMT_YUV420P10, untoldMatrix, limited, {127, 128, 128}, {127, 128, 128}, Bt601, hlg},
   };
   for (const auto& c : cases) {
     const auto source = makePicture(c.format, c.before);
     source->colorspace = c.matrix;
     source->color_range = c.range;
+    source->color_trc = c.curve;
     Conversion conversion(*source, SWS_FAST_BILINEAR);
     const auto picture = conversion.convert(*source);
     for (std::size_t plane = 0; plane < 3; ++plane)

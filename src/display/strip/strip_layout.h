@@ -10,8 +10,8 @@
 
 #include "display/strip/strip_state.h"
 
-/// Where the posters of the strip lie, and what its labels say. Pixels; times are SDL_GetTicks64
-/// milliseconds.
+/// Where the posters of the strip lie, and what its labels say. Pixels, and milliseconds of the
+/// display's clock.
 namespace tavek {
 
 inline constexpr std::size_t postersOnScreen = 11;

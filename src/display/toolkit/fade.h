@@ -6,7 +6,8 @@
 
 namespace tavek {
 
-/// The state of an overlay that fades in and out; `startedAt` is SDL_GetTicks64 milliseconds, 0 when at rest.
+/// The state of an overlay that fades in and out; `startedAt` is in milliseconds of the display's clock, 0 at
+/// rest.
 struct FadePair {
   bool visible = false;
   Uint64 startedAt = 0;

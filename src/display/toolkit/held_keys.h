@@ -10,7 +10,7 @@ namespace tavek {
 enum class Direction : std::size_t { Left = 0, Right = 1, Up = 2, Down = 3 };
 
 /// The direction keys that are held, with the repeats that the program makes itself: remotes often send none.
-/// Times are SDL_GetTicks64 milliseconds.
+/// Times are milliseconds of the display's clock.
 class HeldKeys {
  public:
   /// Lets go of the opposite direction.
