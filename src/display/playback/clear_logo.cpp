@@ -1,7 +1,6 @@
 #include "display/playback/clear_logo.h"
 
 #include <algorithm>
-#include <system_error>
 
 #include <SDL_image.h>
 
@@ -55,16 +54,11 @@ SDL_Point episodeLinePlace(int width, int height, const SDL_Rect& logo, SDL_Poin
   return {(width - line.x) / 2, y};
 }
 
-ClearLogo::FileState ClearLogo::stateOf(const fs::path& file) {
-  std::error_code ignored;
-  return {file, fs::last_write_time(file, ignored), fs::file_size(file, ignored)};
-}
-
 ClearLogo::Found ClearLogo::look(const fs::path& video, const FileState& loaded,
                                  const FileState& unreadable) {
   const std::optional<fs::path> file = clearLogoFor(video);
   if (!file) return {};
-  FileState state = stateOf(*file);
+  FileState state = fileStateOf(*file);
   if (state == loaded || state == unreadable) return {std::move(state), nullptr};
   return {std::move(state), {loadImage(*file).release(), SdlDeleter()}};
 }

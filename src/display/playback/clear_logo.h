@@ -9,6 +9,7 @@
 #include <SDL.h>
 
 #include "base/background_job.h"
+#include "base/file_state.h"
 #include "display/toolkit/fade.h"
 #include "display/toolkit/frame_context.h"
 #include "display/toolkit/sdl_handles.h"
@@ -49,18 +50,11 @@ class ClearLogo {
             const std::filesystem::path& currentVideo);
 
  private:
-  struct FileState {
-    std::filesystem::path path;
-    std::filesystem::file_time_type changedAt;
-    std::uintmax_t size = 0;
-    bool operator==(const FileState&) const = default;
-  };
   /// What the search has come to.
   struct Found {
     FileState file;  ///< without a path if there is none
     std::shared_ptr<SDL_Surface> picture;
   };
-  static FileState stateOf(const std::filesystem::path& file);
   static Found look(const std::filesystem::path& video, const FileState& loaded, const FileState& unreadable);
   void take(SDL_Renderer* renderer, Found found);
   void drawEpisodeLine(const FrameContext& frame, const SDL_Rect& logo, std::uint8_t alpha,

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <fstream>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <SDL_image.h>
@@ -131,6 +132,18 @@ SurfacePtr converted(const SDL_Surface& picture) {
   return SurfacePtr(SDL_ConvertSurfaceFormat(const_cast<SDL_Surface*>(&picture), SDL_PIXELFORMAT_RGBA32, 0));
 }
 
+SurfacePtr shrunkTo(SurfacePtr picture, SDL_Point size) {
+  if (picture->h <= size.y) return converted(*picture);
+  // What a JPEG decodes to needs no step in between.
+  const bool plain = picture->format->format == SDL_PIXELFORMAT_RGB24;
+  if (!plain) picture = converted(*picture);
+  if (!picture) return {};
+  SurfacePtr shrunk(SDL_CreateRGBSurfaceWithFormat(0, std::max(size.x, 1), std::max(size.y, 1), 32,
+                                                   SDL_PIXELFORMAT_RGBA32));
+  if (shrunk) plain ? shrink<3>(*picture, *shrunk) : shrink<4>(*picture, *shrunk);
+  return shrunk;
+}
+
 }  // namespace
 
 std::optional<SDL_Point> pictureSizeOf(std::span<const std::byte> bytes) {
@@ -156,16 +169,18 @@ SurfacePtr loadImage(const std::filesystem::path& file) {
 
 SurfacePtr fittedToHeight(SurfacePtr picture, int height) {
   if (!picture) return {};
-  if (picture->h <= height) return converted(*picture);
-  // What a JPEG decodes to needs no step in between.
-  const bool plain = picture->format->format == SDL_PIXELFORMAT_RGB24;
-  if (!plain) picture = converted(*picture);
-  if (!picture) return {};
   const auto width = static_cast<int>(std::int64_t{picture->w} * height / picture->h);
-  SurfacePtr fitted(
-      SDL_CreateRGBSurfaceWithFormat(0, std::max(width, 1), height, 32, SDL_PIXELFORMAT_RGBA32));
-  if (fitted) plain ? shrink<3>(*picture, *fitted) : shrink<4>(*picture, *fitted);
-  return fitted;
+  return shrunkTo(std::move(picture), {width, height});
+}
+
+SurfacePtr fittedTo(SurfacePtr picture, SDL_Point area, Fit fit) {
+  if (!picture) return {};
+  const double across = static_cast<double>(area.x) / picture->w;
+  const double down = static_cast<double>(area.y) / picture->h;
+  const double scale = fit == Fit::Cover ? std::max(across, down) : std::min(across, down);
+  const SDL_Point size{static_cast<int>(std::lround(picture->w * scale)),
+                       static_cast<int>(std::lround(picture->h * scale))};
+  return shrunkTo(std::move(picture), size);
 }
 
 }  // namespace tavek

@@ -19,8 +19,14 @@ std::optional<SDL_Point> pictureSizeOf(std::span<const std::byte> bytes);
 /// The picture, or null with the reason in SDL_GetError. Decodes nothing of more than 64 million pixels.
 SurfacePtr loadImage(const std::filesystem::path& file);
 
-/// The picture as RGBA32, made smaller to fit the height, in its proportions; never larger. Null for null,
-/// and without memory.
+/// How a picture lies in an area, in its proportions.
+enum class Fit {
+  Inside,  ///< all of it, with room left over
+  Cover,   ///< all of the area, with parts of the picture beyond it
+};
+
+/// The picture as RGBA32, made smaller to fit; never larger. Null for null, and without memory.
 SurfacePtr fittedToHeight(SurfacePtr picture, int height);
+SurfacePtr fittedTo(SurfacePtr picture, SDL_Point area, Fit fit);
 
 }  // namespace tavek
