@@ -1,6 +1,4 @@
 // From the home screen to a film and back, over a library made for the test.
-#include <iterator>
-#include <random>
 #include <signal.h>
 #include <sstream>
 
@@ -157,24 +155,6 @@ TEST_F(HomeTest, WhatIsBrokenOrGoneIsNamedAndAnotherPlays) {
   EXPECT_TRUE(says("[Resume] Failed to open persisted file for user \"Alex\""));
   program->signal(SIGTERM);
   expectEnd(sanitized ? 6 : 2, false);
-}
-
-TEST_F(HomeTest, ManyKeysAtRandomLeaveTheProgramAtWork) {
-  addLibrary();
-  open();
-  std::istringstream names(
-      "Left Right Up Down Return Return XF86AudioPlay XF86HomePage XF86Back Escape a 7 BackSpace");
-  const std::vector<std::string> keys{std::istream_iterator<std::string>(names), {}};
-  std::mt19937 random(2);
-  for (int i = 0; i < (sanitized ? 500 : 1500); ++i) {
-    stage.screen.press(keys[random() % keys.size()]);
-    rig::let(0.01 * double(random() % 4));
-  }
-  ASSERT_FALSE(program->waitForEnd(0)) << program->status() << program->errors();
-  stage.screen.closeWindow();
-  expectEnd(sanitized ? 120 : 60, false);
-  EXPECT_EQ(program->errors().find("FFmpeg"), std::string::npos) << program->errors();
-  EXPECT_TRUE(kept().starts_with("{\n\t\"user\": ") && kept().ends_with("\n}")) << kept();
 }
 
 }  // namespace

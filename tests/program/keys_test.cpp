@@ -1,8 +1,5 @@
 // Steering a playing film by keys.
 #include <cstdlib>
-#include <iterator>
-#include <random>
-#include <sstream>
 
 #include "program/program_run.h"
 
@@ -138,29 +135,6 @@ TEST_F(KeysTest, PauseShowsItsOverlaysAndServesVolumeAndSeek) {
   EXPECT_EQ(stage.screen.count(logoRow, 0, 1920, isRed), 0);
   stage.screen.closeWindow();
   expectEnd(1.5);
-}
-
-TEST_F(KeysTest, SomeThousandAtRandomLeaveTheFilmPlaying) {
-  std::istringstream names(
-      "XF86AudioPlay XF86AudioRewind XF86AudioForward Left Right Up Down Return KP_Enter Menu Print Escape "
-      "BackSpace XF86AudioRaiseVolume XF86AudioLowerVolume XF86Search XF86Back space a q F11 Tab");
-  const std::vector<std::string> keys{std::istream_iterator<std::string>(names), {}};
-  addLong();
-  start({"long.mkv", "long.mkv", "long.mkv"});
-  ASSERT_TRUE(waitForNumber(longFilm));
-  std::mt19937 random(1);
-  for (int i = 0; i < (sanitized ? 1500 : 3000); ++i) {
-    const std::string& key = keys[random() % keys.size()];
-    const auto what = random() % 4;
-    if (what != 0) stage.screen.hold(key);
-    if (what != 1) stage.screen.release(key);
-    rig::let(0.002);
-  }
-  for (const std::string& key : keys) stage.screen.release(key);
-  ASSERT_FALSE(program->waitForEnd(0)) << program->status() << program->errors();
-  // The program serves at most one key per picture, so the wish to close waits behind the keys.
-  stage.screen.closeWindow();
-  expectEnd(sanitized ? 200 : 90);
 }
 
 }  // namespace
