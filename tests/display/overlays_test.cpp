@@ -1,12 +1,9 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 
-#include <SDL_image.h>
 #include <gtest/gtest.h>
 
 #include "display/playback/clear_logo.h"
@@ -23,6 +20,7 @@ namespace tavek {
 namespace {
 
 namespace fs = std::filesystem;
+using test::writeText;
 
 FrameContext frameAt(const test::Offscreen& screen, Uint64 nowMs) {
   screen.clear();
@@ -130,23 +128,7 @@ TEST(ClearLogoTest, LogoShrinksToItsShareOfTheWindow) {
 /// An episode, and the files where its logo may lie.
 class ClearLogoFileTest : public testing::Test {
  protected:
-  ClearLogoFileTest() {
-    fs::create_directories(episode.parent_path());
-    fs::remove(showLogo);
-  }
-
-  /// A white picture, as the bytes of a file.
-  static std::string png() {
-    const SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, 400, 100, 32, SDL_PIXELFORMAT_RGBA32));
-    SDL_FillRect(surface.get(), nullptr, theme::white);
-    const fs::path file = test::library.path() / "made.png";
-    IMG_SavePNG(surface.get(), file.c_str());
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-  static void write(const fs::path& file, const std::string& bytes) {
-    std::ofstream(file, std::ios::binary) << bytes;
-  }
+  ClearLogoFileTest() { fs::remove(showLogo); }
 
   /// Until the search has come to an end.
   void follow(ClearLogo& logo, const test::Offscreen& screen, fs::path video = {}) {
@@ -167,10 +149,10 @@ class ClearLogoFileTest : public testing::Test {
 TEST_F(ClearLogoFileTest, LogoBesideTheItemGoesBeforeTheShows) {
   const fs::path beside = show / "Season 2/clearlogo.png";
   EXPECT_FALSE(clearLogoFor(episode));
-  write(showLogo, "x");
-  write(beside, "");
+  writeText(showLogo, "x");
+  writeText(beside, "");
   EXPECT_EQ(clearLogoFor(episode), showLogo) << "an empty file does not count";
-  write(beside, "x");
+  writeText(beside, "x");
   EXPECT_EQ(clearLogoFor(episode), beside);
   fs::remove(beside);
 }
@@ -178,11 +160,11 @@ TEST_F(ClearLogoFileTest, LogoBesideTheItemGoesBeforeTheShows) {
 TEST_F(ClearLogoFileTest, UnreadableFileIsTriedAgainWhenItChanges) {
   const test::Offscreen screen(64, 64);
   ClearLogo logo;
-  const std::string good = png();
-  write(showLogo, std::string(good.size(), 'x'));
+  const std::string good = test::png(400, 100);
+  writeText(showLogo, std::string(good.size(), 'x'));
   const auto changedAt = fs::last_write_time(showLogo);
   follow(logo, screen);
-  write(showLogo, good);
+  writeText(showLogo, good);
   fs::last_write_time(showLogo, changedAt);
   follow(logo, screen);
   EXPECT_FALSE(logo.loaded()) << "not decoded again as long as it looks the same";
@@ -196,7 +178,7 @@ TEST_F(ClearLogoFileTest, UnreadableFileIsTriedAgainWhenItChanges) {
 
 TEST_F(ClearLogoFileTest, LogoAndLineFadeOverAPausedPicture) {
   const test::Offscreen screen;
-  write(showLogo, png());
+  writeText(showLogo, test::png(400, 100));
   ClearLogo logo;
   follow(logo, screen);
   const auto drawAfter = [&](Uint64 ms, const ClearLogoInput& input) {

@@ -74,5 +74,14 @@ TEST_F(Resume, MarkAndPositionFollowFromWhereAFilmIsLeft) {
   EXPECT_LT(playUntil("F/film.mkv", 0.5), 1) << "the last second is the end";
 }
 
+TEST_F(Resume, AviStartsAnew) {
+  const auto film =
+      add("old.avi", {.seconds = 10, .video = "-c:v mpeg4 -q:v 3", .sound = "", .container = "avi"});
+  remember("Ann", block("Ann", film, 5));
+  EXPECT_LT(playUntil("old.avi", 0.5), 0.5);
+  EXPECT_NE(rig::readText(film.parent_path() / "playback.json").find("\"boundary\":1000000"),
+            std::string::npos);
+}
+
 }  // namespace
 }  // namespace tavek

@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <fcntl.h>
-#include <fstream>
 #include <poll.h>
 #include <signal.h>
-#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <sys/prctl.h>
@@ -51,16 +49,6 @@ double now() {
   timespec time{};
   clock_gettime(CLOCK_MONOTONIC, &time);
   return seconds(time);
-}
-
-std::string readText(const std::filesystem::path& file) {
-  std::ostringstream text;
-  text << std::ifstream(file, std::ios::binary).rdbuf();
-  return text.str();
-}
-
-void writeText(const std::filesystem::path& file, const std::string& text) {
-  std::ofstream(file, std::ios::binary) << text;
 }
 
 Program::Program(const std::vector<std::string>& arguments, const Environment& environment, int outputPipe) {

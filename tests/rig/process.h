@@ -32,10 +32,9 @@ inline void let(double seconds) {
   std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
 }
 
+using test::readText;
 using test::TempFolder;
-
-std::string readText(const std::filesystem::path& file);
-void writeText(const std::filesystem::path& file, const std::string& text);
+using test::writeText;
 
 using Environment = std::map<std::string, std::string>;
 

@@ -104,10 +104,6 @@ Recording SoundServer::recording(double since) const {
   return heard_.between(since, heard_.end());
 }
 
-void SoundServer::vanish() {
-  server_->signal(SIGKILL);
-}
-
 void SoundServer::stop() {
   server_->signal(SIGSTOP);
 }

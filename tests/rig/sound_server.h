@@ -38,8 +38,6 @@ class SoundServer {
 
   Environment environment() const;
   Recording recording(double since = 0) const;
-  /// Kills the server, as when a device is pulled out.
-  void vanish();
   /// It answers nobody any more, until it goes on.
   void stop();
   void goOn();
