@@ -122,40 +122,25 @@ TEST_F(KeysTest, EachKeyHasItsCodeOnEachScreen) {
 
 TEST_F(KeysTest, RepeatsAndReleases) {
   const struct {
-    const char* what;
     void (KeysTest::*reach)();
     SDL_Keycode sym;
     std::string events;  ///< down, again, up
     std::vector<NavCode> codes;
   } cases[] = {
-      {"a toggle that is sent twice counts once",
-       &KeysTest::play,
-       SDLK_AUDIOPLAY,
-       "ddaudu",
-       {TogglePause, None, None, None, TogglePause, None}},
-      {"a running film drops the repeats of a seek key",
-       &KeysTest::play,
-       SDLK_RIGHT,
-       "dau",
-       {SeekForward, None, SeekCommit}},
-      {"a pause takes them as volume",
-       &KeysTest::pause,
-       SDLK_LEFT,
-       "dau",
-       {VolumeDownPress, VolumeDownPress, VolumeDownRelease}},
-      {"Enter never repeats", &KeysTest::play, SDLK_RETURN, "au", {None, None}},
-      {"the media keys commit on release",
-       &KeysTest::play,
-       SDLK_AUDIOREWIND,
-       "dau",
-       {SeekBackward, SeekBackward, SeekCommit}},
+      // A toggle that is sent twice counts once.
+      {&KeysTest::play, SDLK_AUDIOPLAY, "ddaudu", {TogglePause, None, None, None, TogglePause, None}},
+      // A running film drops the repeats of a seek key, and a pause takes them as volume.
+      {&KeysTest::play, SDLK_RIGHT, "dau", {SeekForward, None, SeekCommit}},
+      {&KeysTest::pause, SDLK_LEFT, "dau", {VolumeDownPress, VolumeDownPress, VolumeDownRelease}},
+      {&KeysTest::play, SDLK_RETURN, "au", {None, None}},
+      {&KeysTest::play, SDLK_AUDIOREWIND, "dau", {SeekBackward, SeekBackward, SeekCommit}},
   };
   for (const auto& c : cases) {
     (this->*c.reach)();
     display->pollInput();
     std::vector<NavCode> codes;
     for (const char event : c.events) codes.push_back(key(c.sym, event != 'u', event == 'a'));
-    EXPECT_EQ(codes, c.codes) << c.what;
+    EXPECT_EQ(codes, c.codes) << SDL_GetKeyName(c.sym);
   }
 }
 

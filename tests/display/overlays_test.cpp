@@ -28,11 +28,9 @@ FrameContext frameAt(const test::Offscreen& screen, Uint64 nowMs) {
 }
 
 TEST(OverlaysTest, TimesAreWrittenWithHoursOnlyFromOneHourOn) {
-  EXPECT_EQ(formatTime(-1'000'000), "0:00");
-  EXPECT_EQ(formatTime(7'999'999), "0:07");
-  EXPECT_EQ(formatTime(3'599'000'000), "59:59");
-  EXPECT_EQ(formatTime(3'600'000'000), "1:00:00");
-  EXPECT_EQ(formatTime(36'061'000'000), "10:01:01");
+  const std::pair<std::int64_t, const char*> times[] = {
+      {-1, "0:00"}, {7, "0:07"}, {3599, "59:59"}, {3600, "1:00:00"}, {36061, "10:01:01"}};
+  for (const auto& [seconds, text] : times) EXPECT_EQ(formatTime(seconds * 1'000'000), text);
 }
 
 TEST(OverlaysTest, FadesRunForHalfASecondAfterTheChange) {
@@ -184,19 +182,19 @@ TEST_F(ClearLogoFileTest, LogoAndLineFadeOverAPausedPicture) {
   const auto drawAfter = [&](Uint64 ms, const ClearLogoInput& input) {
     logo.draw(frameAt(screen, nowMs += ms), input, episode);
   };
-  for (const ClearLogoInput& hiding :
-       {ClearLogoInput{}, ClearLogoInput{.videoPlaying = true, .stripOn = true},
-        ClearLogoInput{.videoPaused = true, .homeMode = true}}) {
+  const ClearLogoInput hiding[] = {
+      {}, {.videoPlaying = true, .stripOn = true}, {.videoPaused = true, .homeMode = true}};
+  for (const ClearLogoInput& hides : hiding) {
     drawAfter(100, {.videoPaused = true});
     drawAfter(250, {.stripOn = true});
-    EXPECT_NEAR(redOf(screen.pixel(640, 120)), 127, 1) << nowMs;
-    EXPECT_GT(screen.drawnArea().h, 100 + 8) << "the episode line, at " << nowMs;
-    drawAfter(250, hiding);
-    drawAfter(500, hiding);
-    EXPECT_EQ(screen.drawnArea(), SDL_Rect{}) << nowMs;
+    EXPECT_NEAR(redOf(screen.pixel(640, 120)), 127, 1) << &hides - hiding;
+    EXPECT_GT(screen.drawnArea().h, 100 + 8) << "the episode line, " << &hides - hiding;
+    drawAfter(250, hides);
+    drawAfter(500, hides);
+    EXPECT_EQ(screen.drawnArea(), SDL_Rect{}) << &hides - hiding;
   }
   logo.setSuppressed(true);
-  drawAfter(100, {.videoPaused = true});
+  drawAfter(500, {.videoPaused = true});
   drawAfter(500, {.videoPaused = true});
   EXPECT_EQ(screen.drawnArea(), SDL_Rect{});
 }
