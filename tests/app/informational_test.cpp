@@ -13,12 +13,6 @@ std::string printed(void (*print)(std::ostream&, Arguments...), const std::decay
   return out.str();
 }
 
-TEST(Help, PadsItsRowsAndEndsWithABlankLine) {
-  EXPECT_THAT(printed(printHelp),
-              testing::EndsWith("\033[38;2;255;255;255mtavek --fanart-scan           \033[38;2;255;255;0m"
-                                "  # force fanart scan now\033[0m\n\n"));
-}
-
 TEST(Decoders, ArePrintedByTypeInColumns) {
   const std::string green = "\033[1m\033[38;2;0;255;0m";
   const std::string cyan = "\033[0m \033[1m\033[38;2;0;255;255m";

@@ -137,22 +137,6 @@ TEST_F(DisplayTest, FadesInAndLeavesNoBlendingBehind) {
   EXPECT_EQ(red(*display, 100, 100), 0);
 }
 
-TEST_F(DisplayTest, LaysItsOverlaysOverAPausedPicture) {
-  const auto display = make();
-  const Picture picture(320, 180);
-  display->setDuration(60'000'000);
-  display->setVideoPaused(true);
-  display->showSeekBar();
-  display->presentFrame(picture.view(), 30'000'000);
-  std::this_thread::sleep_for(std::chrono::milliseconds(520));
-  display->presentFrame(picture.view(), 30'000'000);
-  // The icon's left bar over the grey half, and the knob in the middle of the seek bar.
-  EXPECT_GT(red(*display, 314, 190), 240);
-  const Colour knob = test::pixelAt(display->renderer(), width / 2, height - 97);
-  EXPECT_GT(redOf(knob), 240);
-  EXPECT_LT(blueOf(knob), 20);
-}
-
 /// One that nobody sees has to be named.
 TEST_F(DisplayTest, WithoutAScreenEveryCallIsHarmless) {
   unsetenv("DISPLAY");

@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "base/background_job.h"
-#include "base/process_flags.h"
 #include "display/display.h"
 #include "state/state_store.h"
 #include "support/media_root.h"
@@ -210,15 +208,6 @@ TEST_F(KeysTest, UsersOfALibraryThatComesLateAreShown) {
   // The first may be meant for those who were there before, and then only shows the others.
   for (int press = 0; press < 2; ++press) EXPECT_EQ(key(SDLK_RIGHT), None);
   EXPECT_EQ(store.parts().users.activeUser(), "Opa");
-}
-
-TEST_F(KeysTest, AClosedWindowQuits) {
-  SDL_Event close{};
-  close.type = SDL_QUIT;
-  SDL_PushEvent(&close);
-  EXPECT_EQ(display->pollInput(), Quit);
-  EXPECT_TRUE(quitRequested);
-  quitRequested = false;
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "display/strip/posters.h"
 
-#include <thread>
-
 #include <gtest/gtest.h>
 
 #include "base/process_flags.h"
@@ -125,22 +123,6 @@ TEST_F(PostersTest, TheVeryNameIsSelected) {
     posters.jumpToTyped(text);
     EXPECT_EQ(selected(), title) << text;
   }
-}
-
-TEST_F(PostersTest, LoadingStopsWhenTheFolderIsLeftOrGone) {
-  for (int i = 0; i < 60; ++i) addFilm("film " + std::to_string(i));
-  write("kids/a.mkv");
-  posters.openPosterFolder(screen.renderer(), at("movies"));
-  posters.openPosterFolder(screen.renderer(), at("kids"));
-  EXPECT_TRUE(posters.list().empty());
-  posters.openPosterFolder(screen.renderer(), at("movies"));
-  fs::remove_all(at("movies"));
-  while (!posters.posterListComplete()) take();
-  take();
-  EXPECT_LE(posters.list().size(), 60U);
-  posters.openPosterFolder(screen.renderer(), at("nowhere"));
-  while (!posters.posterListComplete()) take();
-  EXPECT_TRUE(posters.list().empty());
 }
 
 }  // namespace

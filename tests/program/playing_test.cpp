@@ -12,23 +12,6 @@ using rig::Line;
 using rig::Recording;
 using rig::Sight;
 
-TEST_F(ProgramTest, PlaysAFilmInTimeAndSaysNothing) {
-  add("film.mkv", {.seconds = 10, .audio = "-c:a aac -b:a 128k"});
-  start({"film.mkv"});
-  expectEnd(25);
-
-  const Recording sound = stage.sound.recording(program->startedAt() - 0.3);
-  ASSERT_EQ(sound.onsets().size(), 1U) << "one tone without a gap";
-  const double begin = sound.onsets().front();
-  EXPECT_NEAR(sound.between(begin + 1, begin + 9).pitch(), 1000, 1);
-  EXPECT_NEAR(sound.between(begin + 1, begin + 9).level(), -3, 0.5)
-      << "the first sound sets the volume to full";
-  EXPECT_GT(sound.between(begin + 9.8, begin + 9.9).level(), -4);
-  EXPECT_LT(sound.between(begin + 10.2, sound.end()).level(), -60);
-
-  EXPECT_GE(watch.sights().size(), sanitized ? 120U : 230U);
-}
-
 TEST_F(ProgramTest, SoundAndPictureAgree) {
   add("film.mkv", {.seconds = 40, .sound = rig::beeps});
   start({"film.mkv"});
@@ -115,7 +98,12 @@ TEST_F(ProgramTest, KindsOfFilmsAllPlay) {
     EXPECT_NEAR(sights.back().at - from, 2, view == Turned ? 6 : mild(1));
     EXPECT_GT(sights.back().at - from, 1.65);
     const Recording sound = stage.sound.recording().between(from + 0.6, from + 1.4);
-    EXPECT_NEAR(sound.level() < -60 ? 0 : sound.pitch(), pitch, 2);
+    if (pitch == 0) {
+      EXPECT_LT(sound.level(), -60);
+    } else {
+      EXPECT_NEAR(sound.pitch(), pitch, 2);
+      EXPECT_NEAR(sound.level(), -3, 0.5) << "the first sound sets the volume to full";
+    }
   }
   const std::vector<Sight> quicker = watch.numbered(8020, 8050);  // the uneven one's other second
   ASSERT_FALSE(quicker.empty());
