@@ -117,14 +117,8 @@ TEST(LetterBar, StartsAtTheSelectedName) {
   EXPECT_EQ(bar.typedText(), "q");
   bar.forgetTyped(2100);
   EXPECT_EQ(bar.typedText(), "");
-  const std::pair<const char*, char> cells[] = {{"", 'A'},
-                                                {"(500) Days", '5'},
-                                                {"\xC3\x9C"
-                                                 "ber",
-                                                 'U'},
-                                                {"\xC3\xA9t\xC3\xA9", 'E'},
-                                                {"\xD0\x91\xD1\x80\xD0\xB0\xD1\x82", 'Z'},
-                                                {"...", 'Z'}};
+  const std::pair<const char*, char> cells[] = {{"", 'A'},    {"(500) Days", '5'}, {"Über", 'U'},
+                                                {"été", 'E'}, {"Брат", 'Z'},       {"...", 'Z'}};
   for (const auto& [title, cell] : cells) EXPECT_EQ(letterAlphabet[letterCellOf(title)], cell) << title;
 }
 
