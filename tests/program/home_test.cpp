@@ -14,11 +14,8 @@ enum Film { Alpha = 1000, Beta = 3000, Kid = 5000, First = 7000, Second = 9000 }
 class HomeTest : public ProgramTest {
  protected:
   void addFilm(const std::string& path, Film film) {
-    const fs::path file = stage.library.path() / path;
-    fs::create_directories(file.parent_path());
-    fs::copy_file(
-        rig::makeClip({.width = 320, .height = 180, .seconds = 40, .firstNumber = film}, TAVEK_TEST_MEDIA),
-        file);
+    const fs::path file =
+        add("../" + path, {.width = 320, .height = 180, .seconds = 40, .firstNumber = film});
     rig::Program poster(
         {"convert", "-size", "200x300", "gradient:", (file.parent_path() / "poster.jpg").string()}, {});
     ASSERT_TRUE(poster.waitForEnd(20));

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <signal.h>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -96,14 +95,6 @@ Environment SoundServer::environment() const {
 Recording SoundServer::recording(double since) const {
   const std::scoped_lock hold(lock_);
   return heard_.between(since, heard_.end());
-}
-
-void SoundServer::stop() {
-  server_->signal(SIGSTOP);
-}
-
-void SoundServer::goOn() {
-  server_->signal(SIGCONT);
 }
 
 void SoundServer::readSamples(int pipe) {
