@@ -1,8 +1,7 @@
-#include "display/strip/posters.h"
-
 #include <gtest/gtest.h>
 
 #include "base/process_flags.h"
+#include "display/strip/strip.h"
 #include "display/toolkit/image_file.h"
 #include "state/state_store.h"
 #include "support/media_root.h"
@@ -132,6 +131,30 @@ TEST_F(PostersTest, WhatStillLoadsStaysInItsFolder) {
   EXPECT_EQ(shown(), ">kids/a.png:160 ");
   load("nowhere");
   EXPECT_EQ(shown(), "");
+}
+
+TEST_F(PostersTest, TheStripStaysWhereItIsOnItsWayOutAndLettersRepeat) {
+  for (const char* name : {"alien", "brazil", "casablanca"}) addFilm(name);
+  Strip strip(store.parts());
+  strip.openPosterFolder(screen.renderer(), at("movies"), 0);
+  while (!strip.posters().posterListComplete() || strip.posters().list().size() < 3)
+    strip.posters().takePendingPosters(screen.renderer(), 240, 99);
+  const auto selected = [&] { return strip.selectedPoster()->path.stem(); };
+  strip.show(at("movies/alien.mkv"), false, 1000);
+  strip.hide(2000);
+  strip.show(at("movies/brazil.mkv"), false, 2060);
+  EXPECT_EQ(selected(), "alien");
+  strip.endSlide(screen.renderer(), {}, false, 2200);
+  strip.show(at("movies/brazil.mkv"), false, 3000);
+  EXPECT_EQ(selected(), "brazil");
+
+  const FocusFacts facts{.stripShown = true, .stripAny = true};
+  EXPECT_FALSE(strip.repeats(facts)) << "it has just jumped by itself";
+  strip.move(Direction::Up, facts, 3200);
+  EXPECT_TRUE(strip.repeats(facts));
+  strip.move(Direction::Right, facts, 3300);
+  EXPECT_EQ(selected(), "casablanca");
+  strip.destroyTextures();
 }
 
 }  // namespace
