@@ -33,6 +33,7 @@ Display::~Display() {
 // --- Drawing ---
 
 void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) {
+  owner_.check();
   if (!usable() || picture.width < 1 || picture.height < 1) return;
   const FrameContext frame = frameContext();
   strip_.endSlide(frame.renderer, playback_.currentVideo(), !playback_.videoPlaying(), frame.nowMs);
@@ -124,6 +125,7 @@ void Display::openChooser() {
 }
 
 void Display::runChooser() {
+  owner_.check();
   // What was pressed on the way home counts.
   if (!home_.chooserOpen()) openChooser();
   while (usable() && home_.chooserOpen() && !quitRequested) {

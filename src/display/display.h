@@ -10,6 +10,7 @@
 
 #include "base/clock.h"
 #include "base/orientation.h"
+#include "base/owner_thread.h"
 #include "display/home/home.h"
 #include "display/playback/playback_screen.h"
 #include "display/screen.h"
@@ -134,6 +135,7 @@ class Display {
   void presentHome();
   FrameContext frameContext() const;
 
+  OwnerThread owner_;
   Clock& clock_;
   PlaybackScreen playback_;
   Screen screen_;

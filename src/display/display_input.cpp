@@ -25,6 +25,7 @@ constexpr std::array globalKeys{
 }  // namespace
 
 NavCode Display::pollInput() {
+  owner_.check();
   const Uint64 now = clock_.ticksMs();
   for (Layer* layer : layers_) carryOut(layer->advance(now));
   updateFocus();

@@ -65,6 +65,7 @@ Play::Opening Play::opening() const {
 }
 
 void Play::start(std::int64_t positionUs) {
+  owner_.check();
   positionAt_ = clock_.now();
   if (positionUs > 0) {
     requestSeek(positionUs);
@@ -80,12 +81,14 @@ void Play::start(std::int64_t positionUs) {
 }
 
 void Play::pause() {
+  owner_.check();
   engine_->exchange().paused = true;
   if (sound() != nullptr) sound()->hold();
   engine_->exchange().soundClock.pause(clock_.now());
 }
 
 void Play::resume() {
+  owner_.check();
   engine_->exchange().paused = false;
   if (sound() != nullptr) sound()->resume();
   due_.reset();
@@ -95,6 +98,7 @@ void Play::resume() {
 }
 
 void Play::requestSeek(std::int64_t positionUs) {
+  owner_.check();
   positionUs_ = wrapPosition(positionUs, durationUs());
   positionAt_ = clock_.now();
   next_.reset();
@@ -106,6 +110,7 @@ void Play::requestSeek(std::int64_t positionUs) {
 }
 
 Play::Turn Play::nextTurn() {
+  owner_.check();
   if (error()) return Turn::Ended;
   const Clock::Time limit = clock_.now() + longestTurn;
   const Turn turn = followsSound() ? soundTurn(limit) : pictureTurn(limit);
@@ -192,6 +197,7 @@ bool Play::takeFresh() {
 }
 
 bool Play::takeNewest() {
+  owner_.check();
   return takeFresh();
 }
 
