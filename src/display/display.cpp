@@ -38,12 +38,25 @@ void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) 
   const FrameContext frame = frameContext();
   strip_.endSlide(frame.renderer, playback_.currentVideo(), !playback_.videoPlaying(), frame.nowMs);
   const FocusFacts facts = focusFacts();
-  if (!playback_.drawPicture(frame, facts, picture, positionUs)) return;
+  followMusic(frame, facts);
+  if (!playback_.drawPicture(frame, picture, positionUs, music_.covers())) return;
+  music_.drawNowPlaying(frame);
+  playback_.drawOnPicture(frame, facts);
   for (Layer* layer : layers_) layer->draw(frame, facts);
   SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
   SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
   if (!facts.videoPlaying) statusLines_.draw(frame, facts.homeMode);
   SDL_RenderPresent(renderer());
+}
+
+void Display::followMusic(const FrameContext& frame, const FocusFacts& facts) {
+  static const std::filesystem::path none;
+  const Poster* browsed = facts.roomKind == MediaKind::Music && facts.stripAny ? selectedPoster() : nullptr;
+  const bool posters = facts.stripShown && !facts.chooserOpen && !strip_.posters().list().empty();
+  music_.follow(frame, {.playing = facts.audioItem ? playback_.currentVideo() : none,
+                        .browsed = browsed != nullptr ? browsed->path : none,
+                        .stripShown = facts.stripShown,
+                        .edge = posters ? strip_.top(frame) : frame.height});
 }
 
 void Display::presentBlank() {

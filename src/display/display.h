@@ -12,6 +12,7 @@
 #include "base/orientation.h"
 #include "base/owner_thread.h"
 #include "display/home/home.h"
+#include "display/music/music_screen.h"
 #include "display/playback/playback_screen.h"
 #include "display/screen.h"
 #include "display/status_lines.h"
@@ -78,6 +79,8 @@ class Display {
   void showStrip();
   void hideStrip() { strip_.hide(clock_.ticksMs()); }
   bool stripShown() const { return strip_.shown(); }
+  /// On the strip, as left and right do.
+  void stepSelection(int delta) { strip_.moveSideways(delta, clock_.ticksMs()); }
   /// After a change of what was watched, or of the user.
   void refreshWatchedBits() { strip_.posters().refreshWatchedBits(); }
   const Posters& posters() const { return strip_.posters(); }
@@ -132,6 +135,7 @@ class Display {
   void openRoom(const std::filesystem::path& room);
   void enterRoom(const std::filesystem::path& room);
 
+  void followMusic(const FrameContext& frame, const FocusFacts& facts);
   void presentHome();
   FrameContext frameContext() const;
 
@@ -141,8 +145,9 @@ class Display {
   Screen screen_;
   Strip strip_;
   Home home_;
+  MusicScreen music_;
   /// The screens in the order in which they are drawn, over the picture.
-  const std::array<Layer*, 3> layers_{&home_, &playback_, &strip_};
+  const std::array<Layer*, 4> layers_{&home_, &playback_, &strip_, &music_};
   StatusLines statusLines_;
   KeyInput keys_;
   FocusName focus_ = FocusName::Movie;  ///< the last one, to see it change

@@ -7,6 +7,7 @@
 
 #include "base/paths.h"
 #include "base/text.h"
+#include "library/album.h"
 #include "library/episode_name.h"
 #include "library/episode_still.h"
 #include "library/file_types.h"
@@ -104,21 +105,24 @@ std::vector<ListedPoster> listCandidates(std::vector<PosterCandidate> candidates
   return posters;
 }
 
-/// An album is a folder that holds tracks; the first one found stands for it.
+/// An album is a folder that holds tracks; the first one by its name stands for it.
 std::vector<ListedPoster> listAlbums(const fs::path& folder, const Flag& stop) {
   std::map<std::string, std::string> firstTracks;  // by the folder
   walkBelow(isInside(folder, musicRoot()) ? musicRoot() : folder, stop,
             [&](const fs::recursive_directory_iterator& entry) {
               if (isAudioFile(entry->path()) && isRegularFile(*entry)) {
                 FileText track(entry->path().string());
-                firstTracks.try_emplace(std::string(track.folder()), track.path());
+                std::string& first = firstTracks[std::string(track.folder())];
+                if (first.empty() || track.path() < first) first = track.path();
               }
               return true;
             });
   std::vector<ListedPoster> posters;
+  CoverCache covers;
   for (const auto& [album, track] : firstTracks) {
     if (stop || posters.size() == albumLimit) break;
-    posters.push_back({track, track, matchKeyOf(track), {}, fs::path(album).filename().string(), false});
+    posters.push_back({track, track, matchKeyOf(track), findAlbumCover(covers, track).value_or("").string(),
+                       fs::path(album).filename().string(), false});
   }
   return posters;
 }

@@ -22,6 +22,9 @@ using std::chrono::milliseconds;
 constexpr milliseconds longestTurn{50};
 /// How often the position of a song moves on.
 constexpr microseconds songStep{33'333};
+/// Near its end, so that the next one is not kept waiting.
+constexpr microseconds lastSongStep{4'000};
+constexpr std::int64_t songEndUs = 300'000;
 constexpr milliseconds endingLimit{200};
 
 /// Counted over all items: the screen still holds the last picture of the one before.
@@ -149,7 +152,8 @@ Play::Turn Play::pictureTurn(Clock::Time limit) {
 Play::Turn Play::soundTurn(Clock::Time limit) {
   if (heardOut()) return Turn::Ended;
   const bool fresh = takeFresh();
-  clock_.sleepUntil(std::min(clock_.now() + songStep, limit));
+  const bool nearEnd = positionUs_ + songEndUs > durationUs();
+  clock_.sleepUntil(std::min(clock_.now() + (nearEnd ? lastSongStep : songStep), limit));
   const Clock::Time now = clock_.now();
   const auto passed = std::chrono::duration_cast<microseconds>(now - positionAt_).count();
   const std::int64_t heard = heardUs();

@@ -14,6 +14,11 @@ ItemStep stay(State state) {
   return {state};
 }
 
+/// In a music room the seek keys go from track to track, and with the strip from album to album.
+ItemStep stepTrack(State state, const ItemFacts& facts) {
+  return {state, {facts.stripShown ? StepSelection : StepTrack}};
+}
+
 /// What ends an item, or opens the strip over it, is the same whether it runs or stands.
 ItemStep leaveOrBrowse(State state, Request request, const ItemFacts& facts) {
   switch (request) {
@@ -27,6 +32,7 @@ ItemStep leaveOrBrowse(State state, Request request, const ItemFacts& facts) {
     case Request::PlaySelection:
       return {state, {Resolve}};
     case Request::Selected:
+    case Request::TrackFound:
       return {State::Finished, {StorePosition}};
     case Request::OpenPosters:
       if (facts.seriesItem) return {State::Browsing, {StorePosition, Pause, FreeSoundDevice, OpenStrip}};
@@ -58,7 +64,7 @@ ItemStep whileRunning(State state, Request request, const ItemFacts& facts) {
       return {State::Paused, {StorePosition, Pause, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
-      return facts.musicRoom ? stay(state) : ItemStep{State::Seeking, {Seek}};
+      return facts.musicRoom ? stepTrack(state, facts) : ItemStep{State::Seeking, {Seek}};
     case Request::SeekCommit:
       return {State::Playing, {ShowSeekBar}};
     case Request::ClosePosters:
@@ -76,10 +82,11 @@ ItemStep whilePaused(Request request, const ItemFacts& facts) {
       return {State::Playing, {StorePosition, Resume, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
-      if (facts.musicRoom) return stay(State::Paused);
+      if (facts.musicRoom) return stepTrack(State::Paused, facts);
       return {State::SeekingInPause, {Seek, ShowSeekBar}};
     case Request::SeekCommit:
       return {State::Paused, {ShowSeekBar}};
+    case Request::TrackFound:
     case Request::Leave:
       return {State::Finished, {StorePosition}};
     default:
@@ -94,7 +101,7 @@ ItemStep whileBrowsing(Request request, const ItemFacts& facts) {
       return {State::Playing, {StorePosition, Resume, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
-      if (facts.musicRoom) return stay(State::Browsing);
+      if (facts.musicRoom) return stepTrack(State::Browsing, facts);
       return {State::SeekingInPause, {Seek, ShowSeekBar}};
     case Request::OpenPosters:
       if (!facts.stripShown) return {State::Browsing, {StorePosition, OpenStrip}};

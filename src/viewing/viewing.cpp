@@ -12,6 +12,7 @@
 #include "base/process_flags.h"
 #include "base/text.h"
 #include "display/display.h"
+#include "library/album.h"
 #include "library/file_types.h"
 #include "library/media_paths.h"
 #include "library/next_item.h"
@@ -108,6 +109,7 @@ void Viewing::pass() {
   if (display_.takePauseToggle()) serve(ItemRequest::TogglePause);
   serveTimes(code);
   serveSelection();
+  serveNeighbour();
   repeatVolume();
   assert(inStep());
   if (state_ == ItemState::Finished) return;
@@ -155,9 +157,19 @@ void Viewing::serveTimes(NavCode code) {
 }
 
 void Viewing::serveSelection() {
-  auto item = selection_.poll(display_);
-  if (!item || state_ == ItemState::Finished) return;
-  serve(ItemRequest::Selected);
+  if (auto item = selection_.poll(display_)) goTo(ItemRequest::Selected, std::move(*item));
+}
+
+void Viewing::serveNeighbour() {
+  auto track = neighbour_.take();
+  if (!track) return;
+  trackSteps_ = 0;
+  if (*track) goTo(ItemRequest::TrackFound, std::move(**track));
+}
+
+void Viewing::goTo(ItemRequest request, std::filesystem::path item) {
+  if (state_ == ItemState::Finished) return;
+  serve(request);
   if (state_ != ItemState::Finished) return;
   nextPath_ = std::move(item);
   display_.clearError();
@@ -209,7 +221,10 @@ void Viewing::steerPlayer(ItemActs acts, ItemRequest request) {
     play_.takeSoundDevice();
     play_.resume();
   }
-  if (acts.has(ItemAct::Seek)) seekStep(request == ItemRequest::SeekForward ? +1 : -1);
+  const int direction = request == ItemRequest::SeekForward ? +1 : -1;
+  if (acts.has(ItemAct::Seek)) seekStep(direction);
+  if (acts.has(ItemAct::StepTrack)) stepTrack(direction);
+  if (acts.has(ItemAct::StepSelection)) display_.stepSelection(direction);
   if (acts.has(ItemAct::SeekToStart)) play_.requestSeek(0);
 }
 
@@ -243,6 +258,7 @@ void Viewing::begin() {
   display_.selectRoomForPath(path_);
   musicRoom_ = display_.roomKind() == MediaKind::Music;
   play_.start(startPosition());
+  lookAhead();
   startGuardUntil_ = clock_.now() + startGuard;
 }
 
@@ -367,13 +383,27 @@ bool Viewing::watched() const {
   return countsAsWatched(play_.positionUs(), play_.durationUs());
 }
 
-/// Music goes on by itself; a film does not.
+/// Two quick presses go two tracks, or as far as the album goes.
+void Viewing::stepTrack(int direction) {
+  trackSteps_ += direction;
+  neighbour_.start([path = path_, steps = trackSteps_](auto& side) {
+    std::optional<std::filesystem::path> track;
+    for (int step = steps; step != 0 && !track && !side.stop(); step += step > 0 ? -1 : +1) {
+      track = neighbourTrack(path, step, side.stop());
+    }
+    side.post(std::move(track));
+  });
+}
+
+/// Music goes on by itself, and without a pause; a film does not.
+void Viewing::lookAhead() {
+  if (!isAudioFile(path_)) return;
+  following_.start([path = path_](auto& side) { side.post(nextItemAfter(path, side.stop())); });
+}
+
 void Viewing::chooseNext() {
   if (nextPath_ || !ended_ || !isAudioFile(path_)) return;
-  using Next = std::optional<std::filesystem::path>;
-  BackgroundJob<Next> job;
-  job.start([path = path_](JobSide<Next>& side) { side.post(nextItemAfter(path, side.stop())); });
-  nextPath_ = awaitOnScreen(display_, clock_, job).value_or(std::nullopt);
+  nextPath_ = awaitOnScreen(display_, clock_, following_).value_or(std::nullopt);
   if (!nextPath_ && watched() && musicRoom_) nextPath_.emplace();
 }
 

@@ -43,6 +43,7 @@ class Viewing {
   void serveVolume(NavCode code);
   void serveTimes(NavCode code);
   void serveSelection();
+  void goTo(ItemRequest request, std::filesystem::path item);
   void serve(ItemRequest request);
   ItemFacts facts() const;
   void enter(ItemState next);
@@ -60,6 +61,9 @@ class Viewing {
   void showVolumeBar();
   void takeSnapshot();
   void switchWatched();
+  void stepTrack(int direction);
+  void serveNeighbour();
+  void lookAhead();
   void chooseNext();
 
   // What is kept of an item for its next start.
@@ -88,6 +92,9 @@ class Viewing {
   HeldVolume volume_;
   Selection selection_{Selection::Loading::StatusLine};
   BackgroundJob<std::monostate> snapshot_;
+  BackgroundJob<std::optional<std::filesystem::path>> neighbour_;
+  BackgroundJob<std::optional<std::filesystem::path>> following_;  ///< what plays after a song
+  int trackSteps_ = 0;  ///< that keys have asked for, and neighbour_ looks for
   std::optional<std::filesystem::path> nextPath_;
 };
 

@@ -60,7 +60,8 @@ TEST(ItemState, StepsByTheTable) {
       {running, seekKeys, S::Seeking, {Seek}},
       {standing, seekKeys, S::SeekingInPause, {Seek, ShowSeekBar}},
       {{S::Settling}, seekKeys, S::SeekingInPause, {Pause, Seek, ShowSeekBar}},
-      {{S::Playing, S::Seeking, S::Paused, S::Browsing}, seekKeys, same, {}, {.musicRoom = true}},
+      {{S::Playing, S::Paused}, seekKeys, same, {StepTrack}, {.musicRoom = true}},
+      {{S::Browsing}, seekKeys, same, {StepSelection}, {.musicRoom = true, .stripShown = true}},
       {running, {R::SeekCommit}, S::Playing, {ShowSeekBar}},
       {{S::Paused}, {R::SeekCommit}, same, {ShowSeekBar}},
       {{S::SeekingInPause}, {R::SeekCommit}, S::Settling, {Resume, ShowSeekBar}},
@@ -78,11 +79,11 @@ TEST(ItemState, StepsByTheTable) {
       {running, {R::ClosePosters}, same, {HideStrip}},
       {open, {R::PlaySelection}, same, {Resolve}},
 
-      {open, {R::Selected, R::PreviousItem, R::Leave}, S::Finished, {StorePosition}},
+      {open, {R::Selected, R::TrackFound, R::PreviousItem, R::Leave}, S::Finished, {StorePosition}},
       {open, {R::PreviousItem}, same, {SeekToStart, ShowSeekBar}, {.pastStart = true}},
       {running, {R::StreamEnded}, S::Finished, {StorePosition, ShowSeekBar}},
       {open, {R::GoHome}, S::Ending, {StorePosition, Pause, FadeOut}},
-      {{S::Paused}, {R::Leave}, S::Finished, {StorePosition}},
+      {{S::Paused}, {R::TrackFound, R::Leave}, S::Finished, {StorePosition}},
       {{S::Ending}, {R::Leave, R::FadedOut}, S::Finished, {StorePosition}},
   };
   std::set<std::pair<S, R>> listed;

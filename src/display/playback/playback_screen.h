@@ -23,7 +23,7 @@ class PlaybackScreen final : public Layer {
   explicit PlaybackScreen(Orientation orientation) : picture_(orientation) {}
 
   bool owns(FocusName focus) const override {
-    return focus == FocusName::Movie || focus == FocusName::Seek || focus == FocusName::Music;
+    return focus == FocusName::Movie || focus == FocusName::Seek;
   }
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
   Meaning move(Direction direction, const FocusFacts& facts, Uint64 nowMs) override;
@@ -59,10 +59,12 @@ class PlaybackScreen final : public Layer {
   }
 
   VideoPicture& picture() { return picture_; }
-  /// The picture below all screens, with the clear logo and the volume. False skips the frame.
+  /// The picture below all screens, or black where something else hides it. False skips the frame.
   /// `positionUs` is for the seek bar; negative means not known.
-  bool drawPicture(const FrameContext& frame, const FocusFacts& facts, const PictureView& picture,
-                   std::int64_t positionUs);
+  bool drawPicture(const FrameContext& frame, const PictureView& picture, std::int64_t positionUs,
+                   bool hidden);
+  /// The clear logo and the volume.
+  void drawOnPicture(const FrameContext& frame, const FocusFacts& facts);
 
  private:
   struct Key {

@@ -196,6 +196,10 @@ const Poster* Strip::watchedToggleTarget(MediaKind roomKind) const {
   return state_.visible && episode ? poster : nullptr;
 }
 
+int Strip::top(const FrameContext& frame) const {
+  return static_cast<int>(stripTop(frame.height, stripReveal(state_, frame.nowMs)));
+}
+
 void Strip::draw(const FrameContext& frame, const FocusFacts& facts) {
   if (facts.chooserOpen || (!state_.visible && !state_.sliding)) return;
   const int missing = posterTarget - static_cast<int>(posters_.list().size());

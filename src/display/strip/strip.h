@@ -27,11 +27,15 @@ class Strip final : public Layer {
   bool repeats(const FocusFacts& facts) const override;
   void draw(const FrameContext& frame, const FocusFacts& facts) override;
   void destroyTextures() override { posters_.clear(); }
+  /// A step of the selection, or in the letters.
+  void moveSideways(int delta, Uint64 nowMs);
   /// Enter, wherever it comes from.
   Meaning activate(const FocusFacts& facts, Uint64 nowMs);
 
   /// Covers the picture's lower part, or is about to.
   bool shown() const { return state_.visible; }
+  /// The upper edge of the posters.
+  int top(const FrameContext& frame) const;
   /// In any state but closed.
   bool any() const { return state_.any(); }
 
@@ -70,7 +74,6 @@ class Strip final : public Layer {
   Meaning startVoice(const FocusFacts& facts, Uint64 nowMs);
   Meaning back(const FocusFacts& facts, Uint64 nowMs);
   Meaning close(const FocusFacts& facts, Uint64 nowMs);
-  void moveSideways(int delta, Uint64 nowMs);
   void moveUp(Uint64 nowMs);
   bool enterSelection(Uint64 nowMs);
   void type(char character, Uint64 nowMs);
