@@ -1,8 +1,12 @@
 #include "library/poster_listing.h"
 
 #include <algorithm>
+#include <exception>
+#include <iostream>
 #include <iterator>
+#include <limits>
 #include <map>
+#include <unordered_map>
 #include <utility>
 
 #include "base/paths.h"
@@ -14,6 +18,7 @@
 #include "library/film_candidates.h"
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
+#include "library/series_order.h"
 #include "library/titles.h"
 
 namespace tavek {
@@ -61,21 +66,39 @@ std::vector<ListedPoster> listFolders(const fs::path& folder, bool seasonsOnly, 
 }
 
 /// The videos directly in the folder that have an episode tag.
-std::vector<PosterCandidate> episodeCandidates(const fs::path& folder, const Flag& stop) {
-  std::vector<PosterCandidate> episodes;
+PosterCandidates episodeCandidates(const fs::path& folder, const Flag& stop) {
+  PosterCandidates episodes;
   walkIn(folder, [&](const fs::directory_entry& entry) {
     const fs::path& file = entry.path();
     if (isFilm(file) && parseSeasonEpisode(file.stem().string()) && isRegularFile(entry)) {
-      episodes.emplace_back(FileText(file.string()), posterTitleKey(file), file.string());
+      episodes.list.emplace_back(FileText(file.string()), posterTitleKey(file), file.string());
     }
+    if (file.filename() == orderFileName && isRegularFile(entry)) episodes.orders.push_back(file);
     return !stop;
   });
   return episodes;
 }
 
-/// Puts them in the order of the list: by folder, in one folder by name. Of files whose names differ in case
-/// alone the first one stays.
-void orderCandidates(std::vector<PosterCandidate>& candidates) {
+using Orders = std::unordered_map<std::string, SeriesOrder>;  // by the folder
+
+/// A file that gives no order is told of, since somebody has meant one.
+Orders ordersOf(const std::vector<fs::path>& files) {
+  Orders orders;
+  for (const fs::path& file : files) {
+    try {
+      SeriesOrder order = readSeriesOrder(file);
+      if (order.empty()) std::cerr << "series.json ignored (no order entries): " << file << std::endl;
+      if (!order.empty()) orders.emplace(file.parent_path().string(), std::move(order));
+    } catch (const std::exception&) {
+      std::cerr << "series.json parse failed: " << file << std::endl;
+    }
+  }
+  return orders;
+}
+
+/// Puts them in the order of the list: by folder, in one folder by its series.json and then by name. Of files
+/// whose names differ in case alone the first one stays.
+void orderCandidates(std::vector<PosterCandidate>& candidates, const std::vector<fs::path>& orderFiles) {
   std::ranges::stable_sort(candidates, [](const PosterCandidate& a, const PosterCandidate& b) {
     if (const auto order = a.file.folder().compare(b.file.folder()); order != 0) return order < 0;
     return lessNatural(a.name, b.name);
@@ -85,11 +108,23 @@ void orderCandidates(std::vector<PosterCandidate>& candidates) {
     return a.name == b.name && a.file.folder() == b.file.folder();
   };
   candidates.erase(std::unique(candidates.begin(), candidates.end(), same), candidates.end());
+
+  const Orders orders = ordersOf(orderFiles);
+  if (orders.empty()) return;
+  for (PosterCandidate& candidate : candidates) {
+    const auto order = orders.find(std::string(candidate.file.folder()));
+    if (order != orders.end()) candidate.sequence = order->second.sequenceOf(candidate.title);
+  }
+  std::ranges::stable_sort(candidates, [](const PosterCandidate& a, const PosterCandidate& b) {
+    if (const auto order = a.file.folder().compare(b.file.folder()); order != 0) return order < 0;
+    constexpr auto last = std::numeric_limits<std::int32_t>::max();
+    return a.sequence.value_or(last) < b.sequence.value_or(last);
+  });
 }
 
-std::vector<ListedPoster> listCandidates(std::vector<PosterCandidate> candidates, ListingKind kind,
-                                         const Flag& stop) {
-  orderCandidates(candidates);
+std::vector<ListedPoster> listCandidates(PosterCandidates found, ListingKind kind, const Flag& stop) {
+  std::vector<PosterCandidate>& candidates = found.list;
+  orderCandidates(candidates, found.orders);
   std::vector<ListedPoster> posters;
   posters.reserve(candidates.size());
   for (PosterCandidate& candidate : candidates) {
