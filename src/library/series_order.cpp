@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 #include <utility>
 
 namespace tavek {
@@ -30,10 +31,16 @@ const std::string& formOf(const MatchKey& key) {
   return key.whole ? key.raw : key.alnum;
 }
 
-/// Of three letters a to z.
-int trigramAt(std::string_view letters, std::size_t place) {
-  const auto value = [&](std::size_t i) { return letters[place + i] - 'a'; };
-  return (value(0) * 26 + value(1)) * 26 + value(2);
+constexpr std::size_t trigramCount = 26 * 26 * 26;
+
+/// The number of three letters a to z; none where a line ends among them.
+std::optional<std::size_t> trigramAt(std::string_view letters, std::size_t place) {
+  std::size_t number = 0;
+  for (const char c : letters.substr(place, 3)) {
+    if (c < 'a') return {};
+    number = number * 26 + static_cast<std::size_t>(c - 'a');
+  }
+  return number;
 }
 
 std::string headOf(const fs::path& file) {
@@ -86,28 +93,69 @@ void SeriesOrder::add(const std::string& title) {
   if (!key.digits.empty()) digitsToIndex_.try_emplace(key.digits, index);
 }
 
+void SeriesOrder::Starts::build() {
+  std::ranges::stable_sort(texts_, {}, &Text::text);
+  for (std::size_t i = 1; i < texts_.size(); ++i) {
+    Text& text = texts_[i];
+    text.shorter = i - 1;
+    while (!text.text.starts_with(texts_[text.shorter].text) && texts_[text.shorter].shorter != text.shorter)
+      text.shorter = texts_[text.shorter].shorter;
+    const Text& shorter = texts_[text.shorter];
+    if (text.text.starts_with(shorter.text)) {
+      text.first = std::min(text.index, shorter.first);
+    } else {
+      text.shorter = i;
+    }
+  }
+}
+
+Sequence SeriesOrder::Starts::firstBefore(std::string_view text) const {
+  const auto behind = std::ranges::upper_bound(texts_, text, {}, &Text::text);
+  if (behind == texts_.begin()) return {};
+  std::size_t place = static_cast<std::size_t>(behind - texts_.begin()) - 1;
+  while (!text.starts_with(texts_[place].text)) {
+    if (texts_[place].shorter == place) return {};
+    place = texts_[place].shorter;
+  }
+  return texts_[place].first;
+}
+
+Sequence SeriesOrder::Starts::firstAfter(std::string_view text) const {
+  Sequence first;
+  const auto from = std::ranges::lower_bound(texts_, text, {}, &Text::text);
+  for (auto entry = from; entry != texts_.end() && entry->text.starts_with(text); ++entry)
+    first = smaller(first, entry->index);
+  return first;
+}
+
 void SeriesOrder::build() {
   for (std::size_t i = 0; i < entries_.size(); ++i) {
     const auto index = static_cast<std::int32_t>(i);
-    if (!formOf(entries_[i]).empty()) starts_.push_back({formOf(entries_[i]), index, 0, index});
-    const std::string& letters = entries_[i].alpha;
-    if (letters.empty() || entries_[i].whole) continue;
-    lines_.emplace(letters_.size(), index);
-    letters_ += letters + '\n';
-    if (letters.size() < 3) shortOnes_.push_back(index);
-    if (letters.size() >= 3) begins_.emplace(trigramAt(letters, 0), index);
-    for (std::size_t at = 0; at + 3 <= letters.size(); ++at)
-      within_.set(static_cast<std::size_t>(trigramAt(letters, at)));
+    const MatchKey& key = entries_[i];
+    if (!formOf(key).empty()) starts_.add(formOf(key), index);
+    if (key.whole || key.alpha.empty()) continue;
+    letters_.add(key.alpha, index);
+    line_.emplace(lines_.size(), index);
+    lines_ += key.alpha + '\n';
   }
-  std::ranges::stable_sort(starts_, {}, &Start::text);
-  for (std::size_t i = 0; i < starts_.size(); ++i) {
-    std::size_t shorter = i > 0 ? i - 1 : i;
-    while (shorter != starts_[shorter].shorter && !starts_[i].text.starts_with(starts_[shorter].text))
-      shorter = starts_[shorter].shorter;
-    const bool begins = shorter != i && starts_[i].text.starts_with(starts_[shorter].text);
-    starts_[i].shorter = begins ? shorter : i;
-    if (begins) starts_[i].first = std::min(starts_[i].index, starts_[shorter].first);
-  }
+  starts_.build();
+  letters_.build();
+  buildLetters();
+}
+
+/// Sorts the places of all trigrams by counting.
+void SeriesOrder::buildLetters() {
+  trigrams_.assign(trigramCount + 1, 0);
+  const auto forEach = [&](auto take) {
+    for (std::size_t at = 0; at + 3 <= lines_.size(); ++at) {
+      if (const auto trigram = trigramAt(lines_, at)) take(*trigram, static_cast<std::uint32_t>(at));
+    }
+  };
+  forEach([&](std::size_t trigram, std::uint32_t) { ++trigrams_[trigram + 1]; });
+  std::partial_sum(trigrams_.begin(), trigrams_.end(), trigrams_.begin());
+  places_.resize(trigrams_.back());
+  std::vector<std::uint32_t> next = trigrams_;
+  forEach([&](std::size_t trigram, std::uint32_t at) { places_[next[trigram]++] = at; });
 }
 
 Sequence SeriesOrder::sequenceOf(const std::string& title) const {
@@ -122,55 +170,42 @@ Sequence SeriesOrder::sequenceOf(const MatchKey& key) const {
   Sequence sequence = found(keyToIndex_, key.raw);
   if (!sequence && !key.whole) sequence = found(alnumToIndex_, key.alnum);
   if (!sequence && !key.whole) sequence = found(digitsToIndex_, key.digits);
-  if (!sequence) sequence = firstWithSharedStart(formOf(key));
-  if (!sequence && !key.whole) sequence = firstWithSharedLetters(key.alpha);
+  const std::string& form = formOf(key);
+  if (!sequence && !form.empty()) sequence = smaller(starts_.firstBefore(form), starts_.firstAfter(form));
+  if (!sequence && !key.whole && !key.alpha.empty())
+    sequence = smaller(firstWithin(key.alpha), firstAround(key.alpha));
   return sequence;
 }
 
-Sequence SeriesOrder::firstWithSharedStart(std::string_view text) const {
-  if (text.empty()) return {};
-  Sequence first;
-  // Those that begin with the text stand from here on; the last one before them leads to those that it
-  // begins with.
-  const auto from = std::ranges::lower_bound(starts_, text, {}, &Start::text);
-  for (auto entry = from; entry != starts_.end() && entry->text.starts_with(text); ++entry)
-    first = smaller(first, entry->index);
-  if (from == starts_.begin()) return first;
-  std::size_t place = static_cast<std::size_t>(from - starts_.begin()) - 1;
-  while (place != starts_[place].shorter && !text.starts_with(starts_[place].text))
-    place = starts_[place].shorter;
-  return text.starts_with(starts_[place].text) ? smaller(first, starts_[place].first) : first;
-}
-
-Sequence SeriesOrder::firstWithSharedLetters(std::string_view letters) const {
-  if (letters.empty()) return {};
-  return smaller(firstWithin(letters), firstAround(letters));
-}
-
-/// The entries whose letters these ones hold.
+/// The first entry whose letters these ones hold.
 Sequence SeriesOrder::firstWithin(std::string_view letters) const {
   Sequence first;
-  const auto look = [&](std::string_view here, std::int32_t index) {
-    if (here.starts_with(entries_[static_cast<std::size_t>(index)].alpha)) first = smaller(first, index);
-  };
-  for (std::size_t at = 0; at < letters.size(); ++at) {
-    const std::string_view here = letters.substr(at);
-    for (const std::int32_t index : shortOnes_) look(here, index);
-    if (here.size() < 3 || !within_[static_cast<std::size_t>(trigramAt(here, 0))]) continue;
-    const auto [from, to] = begins_.equal_range(trigramAt(here, 0));
-    for (auto entry = from; entry != to; ++entry) look(here, entry->second);
-  }
+  for (std::size_t at = 0; at < letters.size(); ++at)
+    first = smaller(first, letters_.firstBefore(letters.substr(at)));
   return first;
 }
 
-/// The first entry whose letters hold these ones.
+/// The first entry whose letters hold these ones: it is looked for where the rarest three of them stand.
 Sequence SeriesOrder::firstAround(std::string_view letters) const {
+  std::size_t from = 0;
+  std::size_t to = std::string::npos;
+  std::size_t rarest = 0;
   for (std::size_t at = 0; at + 3 <= letters.size(); ++at) {
-    if (!within_[static_cast<std::size_t>(trigramAt(letters, at))]) return {};
+    const std::size_t trigram = *trigramAt(letters, at);
+    if (to - from <= trigrams_[trigram + 1] - trigrams_[trigram]) continue;
+    from = trigrams_[trigram];
+    to = trigrams_[trigram + 1];
+    rarest = at;
   }
-  const std::size_t place = letters_.find(letters);
+  std::size_t place = to == std::string::npos ? lines_.find(letters) : std::string::npos;
+  for (; from < to && to <= places_.size(); ++from) {
+    if (places_[from] < rarest || lines_.compare(places_[from] - rarest, letters.size(), letters) != 0)
+      continue;
+    place = places_[from] - rarest;
+    break;
+  }
   if (place == std::string::npos) return {};
-  return std::prev(lines_.upper_bound(place))->second;
+  return std::prev(line_.upper_bound(place))->second;
 }
 
 SeriesOrder readSeriesOrder(const fs::path& file) {

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <array>
-#include <bitset>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -30,32 +29,42 @@ class SeriesOrder {
   std::optional<std::int32_t> sequenceOf(const std::string& title) const;
 
  private:
-  static constexpr std::size_t trigrams = 26 * 26 * 26;
+  /// Texts by which entries are found that begin with one another. Of equal texts the first entry counts.
+  class Starts {
+   public:
+    void add(std::string_view text, std::int32_t index) { texts_.push_back({text, index, 0, index}); }
+    void build();
+    /// The first entry that the text begins with.
+    std::optional<std::int32_t> firstBefore(std::string_view text) const;
+    /// The first entry that begins with the text.
+    std::optional<std::int32_t> firstAfter(std::string_view text) const;
 
-  std::optional<std::int32_t> sequenceOf(const MatchKey& key) const;
-  std::optional<std::int32_t> firstWithSharedStart(std::string_view text) const;
-  std::optional<std::int32_t> firstWithSharedLetters(std::string_view letters) const;
-  std::optional<std::int32_t> firstWithin(std::string_view letters) const;
-  std::optional<std::int32_t> firstAround(std::string_view letters) const;
-
-  /// An entry's text among all in their order, with the first number of those that it begins with.
-  struct Start {
-    std::string text;
-    std::int32_t index;
-    std::size_t shorter;  ///< the place of the longest one that it begins with; its own if there is none
-    std::int32_t first;
+   private:
+    struct Text {
+      std::string_view text;
+      std::int32_t index;
+      std::size_t shorter;  ///< the place of the longest one that it begins with, or its own
+      std::int32_t first;   ///< of those that it begins with
+    };
+    std::vector<Text> texts_;  ///< in their order
   };
 
-  std::vector<MatchKey> entries_;  ///< by their numbers
+  std::optional<std::int32_t> sequenceOf(const MatchKey& key) const;
+  std::optional<std::int32_t> firstWithin(std::string_view letters) const;
+  std::optional<std::int32_t> firstAround(std::string_view letters) const;
+  void buildLetters();
+
+  std::deque<MatchKey> entries_;  ///< by their numbers; they stay where they are
   std::unordered_map<std::string, std::int32_t> keyToIndex_;
   std::unordered_map<std::string, std::int32_t> alnumToIndex_;
   std::unordered_map<std::string, std::int32_t> digitsToIndex_;
-  std::vector<Start> starts_;
-  std::string letters_;                                ///< of all entries, a line each
-  std::map<std::size_t, std::int32_t> lines_;          ///< where each one begins
-  std::bitset<trigrams> within_;                       ///< that any of them has
-  std::unordered_multimap<int, std::int32_t> begins_;  ///< entries by their first three letters
-  std::vector<std::int32_t> shortOnes_;                ///< those with fewer
+  Starts starts_;                             ///< of titles
+  Starts letters_;                            ///< of their letters
+  std::string lines_;                         ///< the letters of all, a line each
+  std::map<std::size_t, std::int32_t> line_;  ///< the entry of each line, by where that begins
+  /// Where in lines_ each three letters stand: for three letters the first of their places.
+  std::vector<std::uint32_t> trigrams_;
+  std::vector<std::uint32_t> places_;
 };
 
 /// The titles of the "order" in a file, which is scanned rather than parsed: what is not a string counts for
