@@ -217,7 +217,7 @@ void measureStrip(const Stored& stored, const char* room, const char* what) {
   display.selectRoomForPath(mediaRoot() / room);
   load(display, mediaRoot() / room, std::string(room) == "movies" ? 100 : 2, screenful);
   measurePasses(display, (std::string(what) + ", film alone").c_str(), false);
-  display.showStrip();
+  display.showStrip(true);
   for (int i = 0; i < 20; ++i) display.presentBlank();
   measurePasses(display, (std::string(what) + ", with the strip").c_str(), false);
   measurePasses(display, (std::string(what) + ", keys on the strip").c_str(), true);

@@ -1,6 +1,8 @@
 #include "display/display.h"
 
 #include <array>
+#include <iostream>
+#include <utility>
 
 #include "base/background_job.h"
 #include "base/paths.h"
@@ -18,13 +20,15 @@ constexpr std::chrono::milliseconds passTime{16};
 
 Display::Display(int x, int y, int width, int height, Orientation orientation, const Stored& stored,
                  Clock& clock)
-    : clock_(clock),
+    : stored_(stored),
+      clock_(clock),
       playback_(orientation),
       screen_({x, y, width, height}, playback_.picture()),
       strip_(stored),
       home_(stored) {}
 
 Display::~Display() {
+  themePlayer_.reset();
   for (Layer* layer : layers_) layer->destroyTextures();
   // A loader that hangs in a dead disk holds a font, whose library has to stay until the process ends.
   if (!joinLeftThreads(std::chrono::milliseconds(100))) screen_.keepLibraries();
@@ -36,7 +40,9 @@ void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) 
   owner_.check();
   if (!usable() || picture.width < 1 || picture.height < 1) return;
   const FrameContext frame = frameContext();
-  strip_.endSlide(frame.renderer, playback_.currentVideo(), !playback_.videoPlaying(), frame.nowMs);
+  // A room that was entered from home is silent until the first step into a folder.
+  if (strip_.endSlide(frame.renderer, playback_.currentVideo(), !playback_.videoPlaying(), frame.nowMs))
+    keepTheme_ = true;
   const FocusFacts facts = focusFacts();
   followMusic(frame, facts);
   if (!playback_.drawPicture(frame, picture, positionUs, music_.covers())) return;
@@ -111,13 +117,49 @@ void Display::takePendingPosters(int height, int count) {
   strip_.posters().takePendingPosters(renderer(), height, count);
 }
 
-void Display::showStrip() {
+void Display::showStrip(bool keepTheme) {
+  keepTheme_ = keepTheme;
+  if (!keepTheme) stopTheme();
   strip_.show(playback_.currentVideo(), home_.homeMode(), clock_.ticksMs());
+}
+
+// --- Themes ---
+
+PcmDeviceFactory Display::soundThemes(PcmDeviceFactory factory, SoundMode mode) {
+  themePlayer_ = std::make_unique<ThemePlayer>(factory, mode, stored_, clock_);
+  return themePlayer_->sharing(std::move(factory));
+}
+
+void Display::stopTheme() {
+  if (theme_.reset() && themePlayer_) themePlayer_->stopTheme();
+}
+
+/// Once per pass: what the strip rests on is to sound.
+void Display::tickTheme() {
+  if (!keepTheme_ || !themePlayer_) return;
+  const Poster* selected = selectedPoster();
+  const ThemeChoice::Act act = theme_.follow({.tvRoom = roomKind_ == MediaKind::Series,
+                                              .videoPlaying = playback_.videoPlaying(),
+                                              .stripAny = strip_.any(),
+                                              .selected = selected != nullptr ? &selected->path : nullptr},
+                                             clock_.ticksMs());
+  if (act == ThemeChoice::Act::Stop) themePlayer_->stopTheme();
+  if (act == ThemeChoice::Act::Start) themePlayer_->startTheme(theme_.candidate().folder / "theme.mp3");
+  std::string_view reason = theme_.candidate().reason;
+  if (themePlayer_->takeMissing()) reason = themeMissing;
+  if (reason.empty()) {
+    if (act == ThemeChoice::Act::Start) themeSkipReason_ = {};
+    return;
+  }
+  if (debugEnabled && reason != themeSkipReason_) std::cout << "[THEME] " << reason << std::endl;
+  themeSkipReason_ = reason;
 }
 
 // --- Home and rooms ---
 
 void Display::goHome(bool refresh) {
+  keepTheme_ = false;
+  stopTheme();
   home_.closeChooser();
   strip_.drop();
   strip_.forgetTyped();
@@ -170,7 +212,7 @@ void Display::enterRoom(const std::filesystem::path& room) {
   selectRoomForPath(room);
   if (room != posters().openFolder() || posters().list().empty()) openPosterFolder(room);
   refreshWatchedBits();
-  showStrip();
+  showStrip(false);
 }
 
 void Display::selectRoomForPath(const std::filesystem::path& path) {

@@ -3,7 +3,9 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <SDL.h>
@@ -17,6 +19,8 @@
 #include "display/screen.h"
 #include "display/status_lines.h"
 #include "display/strip/strip.h"
+#include "display/theme/theme_player.h"
+#include "display/theme/theme_rules.h"
 #include "display/toolkit/focus.h"
 #include "display/toolkit/key_input.h"
 #include "display/toolkit/nav_code.h"
@@ -41,6 +45,10 @@ class Display {
   /// Once per pass of a loop: drains the events and does what concerns navigation; what concerns playback
   /// comes back as a code. Never blocks.
   NavCode pollInput();
+  /// Has the themes of shows heard by this device, in this mode. Gives the device for items, which the themes
+  /// leave to them.
+  PcmDeviceFactory soundThemes(PcmDeviceFactory factory, SoundMode mode);
+  void stopTheme();
   FocusName currentFocus() const { return focusOf(focusFacts()); }
 
   /// Draws the picture with everything over it and presents it. The planes are only read during the call.
@@ -76,7 +84,8 @@ class Display {
   void openRoomOf(const std::filesystem::path& file);
   /// Once per frame: loaded tiles become textures, at most `count` of them.
   void takePendingPosters(int height, int count);
-  void showStrip();
+  /// `keepTheme`: shows may sound while the strip rests on them.
+  void showStrip(bool keepTheme);
   void hideStrip() { strip_.hide(clock_.ticksMs()); }
   bool stripShown() const { return strip_.shown(); }
   /// On the strip, as left and right do.
@@ -118,6 +127,7 @@ class Display {
 
  private:
   // Input: display_input.cpp.
+  NavCode pump();
   NavCode pumpEvents();
   NavCode handleEvent(const SDL_Event& event);
   NavCode keyEvent(const SDL_KeyboardEvent& event, Uint64 nowMs);
@@ -136,10 +146,12 @@ class Display {
   void enterRoom(const std::filesystem::path& room);
 
   void followMusic(const FrameContext& frame, const FocusFacts& facts);
+  void tickTheme();
   void presentHome();
   FrameContext frameContext() const;
 
   OwnerThread owner_;
+  const Stored stored_;
   Clock& clock_;
   PlaybackScreen playback_;
   Screen screen_;
@@ -149,6 +161,10 @@ class Display {
   /// The screens in the order in which they are drawn, over the picture.
   const std::array<Layer*, 4> layers_{&home_, &playback_, &strip_, &music_};
   StatusLines statusLines_;
+  ThemeChoice theme_;
+  std::unique_ptr<ThemePlayer> themePlayer_;  ///< null while nobody gave it a device
+  std::string_view themeSkipReason_;          ///< the last one told, or empty
+  bool keepTheme_ = false;
   KeyInput keys_;
   FocusName focus_ = FocusName::Movie;  ///< the last one, to see it change
   MediaKind roomKind_ = MediaKind::Movies;

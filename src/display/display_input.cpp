@@ -26,6 +26,12 @@ constexpr std::array globalKeys{
 
 NavCode Display::pollInput() {
   owner_.check();
+  const NavCode code = pump();
+  tickTheme();
+  return code;
+}
+
+NavCode Display::pump() {
   const Uint64 now = clock_.ticksMs();
   for (Layer* layer : layers_) carryOut(layer->advance(now));
   updateFocus();

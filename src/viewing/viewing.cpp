@@ -127,7 +127,10 @@ void Viewing::serveCode(NavCode code) {
   if (state_ == ItemState::Starting) return;
   serveVolume(code);
   if (state_ == ItemState::Ending || state_ == ItemState::Paused) return;
-  if (code == NavCode::Wake) display_.showSeekBar();
+  if (code == NavCode::Wake) {
+    display_.stopTheme();
+    display_.showSeekBar();
+  }
   if (code == NavCode::Snapshot && !runs(state_)) takeSnapshot();
 }
 
@@ -218,6 +221,7 @@ void Viewing::steerPlayer(ItemActs acts, ItemRequest request) {
   if (acts.has(ItemAct::Pause)) play_.pause();
   if (acts.has(ItemAct::FreeSoundDevice)) play_.freeSoundDevice();
   if (acts.has(ItemAct::Resume)) {
+    display_.stopTheme();
     play_.takeSoundDevice();
     play_.resume();
   }
@@ -234,7 +238,7 @@ void Viewing::steerScreen(ItemActs acts) {
   if (acts.has(ItemAct::OpenStrip)) {
     display_.openRoomOf(path_);
     display_.alignWithItem(path_);
-    display_.showStrip();
+    display_.showStrip(true);
   }
   if (acts.has(ItemAct::ShowSeekBar)) display_.showSeekBar();
   if (acts.has(ItemAct::SwitchWatched)) switchWatched();

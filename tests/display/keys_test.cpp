@@ -52,7 +52,7 @@ class KeysTest : public testing::Test {
   void browse() {
     play();
     display->setVideoPlaying(false);
-    display->showStrip();
+    display->showStrip(true);
   }
   void goHome() { display->goHome(true); }
   void chooseUser() {
@@ -158,13 +158,13 @@ TEST_F(KeysTest, AHeldSeekRepeatsByItself) {
 TEST_F(KeysTest, NothingRunsOnWhenItsKeyIsUp) {
   pause();
   EXPECT_EQ(key(SDLK_RIGHT), VolumeUpPress);
-  display->showStrip();
+  display->showStrip(true);
   EXPECT_EQ(key(SDLK_RIGHT, false), VolumeUpRelease) << "the volume must not run to the end";
   EXPECT_EQ(key(SDLK_RIGHT, false), None);
 
   play();
   EXPECT_EQ(key(SDLK_RIGHT), SeekForward);
-  display->showStrip();
+  display->showStrip(true);
   EXPECT_EQ(display->pollInput(), None);
   EXPECT_EQ(display->currentFocus(), FocusName::Poster);
   display->setVideoPlaying(true);

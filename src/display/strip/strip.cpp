@@ -170,17 +170,18 @@ void Strip::updateHoldWrites() {
   stored_.settings.holdWrites(state_.visible || state_.sliding);
 }
 
-void Strip::endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
+bool Strip::endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
                      Uint64 nowMs) {
   letterBar_.forgetTyped(nowMs);
   const double reveal = stripReveal(state_, nowMs);
-  if (!state_.sliding || (state_.slidingIn ? reveal < 1 : reveal > 0)) return;
+  if (!state_.sliding || (state_.slidingIn ? reveal < 1 : reveal > 0)) return false;
   state_.sliding = false;
-  if (state_.slidingIn) return;
+  if (state_.slidingIn) return false;
   drop();
-  if (!pendingFolder_) return;
+  if (!pendingFolder_) return false;
   openPosterFolder(renderer, *std::exchange(pendingFolder_, std::nullopt), nowMs);
   if (slideIn) show(currentVideo, false, nowMs);
+  return slideIn;
 }
 
 // --- What it shows ---

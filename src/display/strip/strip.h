@@ -50,7 +50,8 @@ class Strip final : public Layer {
   void forgetPendingFolder() { pendingFolder_.reset(); }
   void forgetTyped() { letterBar_ = {}; }
   /// Once per frame: ends a slide, and opens the folder that has waited for it. `slideIn`: no picture runs.
-  void endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
+  /// True where the strip comes in again over that folder.
+  bool endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
                 Uint64 nowMs);
 
   Posters& posters() { return posters_; }
