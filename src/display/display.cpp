@@ -1,5 +1,6 @@
 #include "display/display.h"
 
+#include <algorithm>
 #include <array>
 #include <iostream>
 #include <utility>
@@ -7,6 +8,7 @@
 #include "base/background_job.h"
 #include "base/paths.h"
 #include "base/process_flags.h"
+#include "display/strip/strip_layout.h"
 #include "library/file_types.h"
 #include "library/match_key.h"
 #include "library/media_paths.h"
@@ -30,6 +32,7 @@ Display::Display(int x, int y, int width, int height, Orientation orientation, c
 Display::~Display() {
   themePlayer_.reset();
   for (Layer* layer : layers_) layer->destroyTextures();
+  saver_.destroyTextures();
   // A loader that hangs in a dead disk holds a font, whose library has to stay until the process ends.
   if (!joinLeftThreads(std::chrono::milliseconds(100))) screen_.keepLibraries();
 }
@@ -45,6 +48,7 @@ void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) 
     keepTheme_ = true;
   const FocusFacts facts = focusFacts();
   followMusic(frame, facts);
+  if (followScreensaver(frame)) return;
   if (!playback_.drawPicture(frame, picture, positionUs, music_.covers())) return;
   music_.drawNowPlaying(frame);
   playback_.drawOnPicture(frame, facts);
@@ -52,6 +56,7 @@ void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) 
   SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
   SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
   if (!facts.videoPlaying) statusLines_.draw(frame, facts.homeMode);
+  saver_.draw(frame, facts);
   SDL_RenderPresent(renderer());
 }
 
@@ -86,6 +91,7 @@ void Display::alignWithItem(const std::filesystem::path& path) {
 }
 
 void Display::setVideoPlaying(bool playing) {
+  saver_.touch(clock_.ticksMs());
   playback_.setVideoPlaying(playing);
   if (!playing) return;
   home_.endFadeIn();
@@ -94,6 +100,7 @@ void Display::setVideoPlaying(bool playing) {
 }
 
 void Display::setVideoPaused(bool paused) {
+  saver_.touch(clock_.ticksMs());
   playback_.setVideoPaused(paused, clock_.ticksMs());
 }
 
@@ -155,9 +162,43 @@ void Display::tickTheme() {
   themeSkipReason_ = reason;
 }
 
+// --- The screensaver ---
+
+/// It goes through the room of the moment, or else through one of the other kind.
+void Display::startScreensaver() {
+  const std::filesystem::path current = currentFolder();
+  const auto isSeries = [](const std::filesystem::path& room) {
+    return knownKind(room) == MediaKind::Series;
+  };
+  const auto& rooms = home_.roomFolders();
+  auto other = std::ranges::find_if(
+      rooms, [&](const auto& room) { return room != current && isSeries(room) != isSeries(current); });
+  if (other == rooms.end())
+    other = std::ranges::find_if(rooms, [&](const auto& room) { return room != current; });
+  Screensaver::Source source{{current}, {}};
+  if (other != rooms.end()) source.folders.push_back(*other);
+  for (const Poster& poster : posters().list())
+    source.posters.push_back({poster.key.raw, poster.path.string()});
+  saver_.start(std::move(source), clock_.ticksMs());
+  stored_.settings.holdWrites(true);
+}
+
+/// True if nothing else is drawn.
+bool Display::followScreensaver(const FrameContext& frame) {
+  const SDL_Point size = playback_.pictureSize();
+  if (!saver_.follow(frame, saver_.shown() ? music_.art() : MusicArt(), playback_.audioItem(),
+                     {size.x, size.y}))
+    return false;
+  Posters& list = strip_.posters();
+  if (!list.posterListComplete()) list.takePendingPosters(frame.renderer, posterHeight, 4);
+  if (saver_.drawAlone(frame)) SDL_RenderPresent(frame.renderer);
+  return true;
+}
+
 // --- Home and rooms ---
 
 void Display::goHome(bool refresh) {
+  saver_.end(clock_.ticksMs());
   keepTheme_ = false;
   stopTheme();
   home_.closeChooser();
@@ -195,8 +236,10 @@ void Display::presentHome() {
   SDL_RenderClear(renderer());
   FrameContext frame = frameContext();
   SDL_GetRendererOutputSize(renderer(), &frame.width, &frame.height);
+  if (followScreensaver(frame)) return;
   home_.draw(frame, focusFacts());
   statusLines_.draw(frame, home_.homeMode());
+  saver_.draw(frame, focusFacts());
   SDL_RenderPresent(renderer());
 }
 

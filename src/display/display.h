@@ -17,6 +17,7 @@
 #include "display/music/music_screen.h"
 #include "display/playback/playback_screen.h"
 #include "display/screen.h"
+#include "display/screensaver/screensaver.h"
 #include "display/status_lines.h"
 #include "display/strip/strip.h"
 #include "display/theme/theme_player.h"
@@ -147,6 +148,8 @@ class Display {
 
   void followMusic(const FrameContext& frame, const FocusFacts& facts);
   void tickTheme();
+  void startScreensaver();
+  bool followScreensaver(const FrameContext& frame);
   void presentHome();
   FrameContext frameContext() const;
 
@@ -158,6 +161,7 @@ class Display {
   Strip strip_;
   Home home_;
   MusicScreen music_;
+  Screensaver saver_;
   /// The screens in the order in which they are drawn, over the picture.
   const std::array<Layer*, 4> layers_{&home_, &playback_, &strip_, &music_};
   StatusLines statusLines_;

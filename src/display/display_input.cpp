@@ -34,6 +34,8 @@ NavCode Display::pollInput() {
 NavCode Display::pump() {
   const Uint64 now = clock_.ticksMs();
   for (Layer* layer : layers_) carryOut(layer->advance(now));
+  const bool pictureRuns = playback_.videoPlaying() && !playback_.videoPaused() && !playback_.audioItem();
+  if (saver_.idle(pictureRuns, now)) startScreensaver();
   updateFocus();
   if (endLostSeek()) return NavCode::SeekCommit;
   const NavCode repeated = heldKey(now);
@@ -59,12 +61,21 @@ NavCode Display::pumpEvents() {
 
 NavCode Display::handleEvent(const SDL_Event& event) {
   const Uint64 now = clock_.ticksMs();
+  if (saver_.wakes(event, now)) {
+    saver_.touch(now);
+    stored_.settings.holdWrites(strip_.any());
+    playback_.endSeek();
+    updateFocus();
+    return NavCode::Wake;
+  }
+  if (saver_.swallows(event)) return NavCode::None;
   switch (event.type) {
     case SDL_QUIT:
       quitRequested = true;
       return NavCode::Quit;
     case SDL_KEYDOWN:
     case SDL_KEYUP:
+      saver_.touch(now);
       return keyEvent(event.key, now);
     default:
       return carryOut(layerWithFocus().event(event, now));
@@ -125,6 +136,7 @@ NavCode Display::carryOut(Meaning meaning) {
 
 Layer& Display::layerWithFocus() {
   const FocusName focus = currentFocus();
+  if (saver_.owns(focus)) return saver_;
   const auto* owner = std::ranges::find_if(layers_, [&](const Layer* layer) { return layer->owns(focus); });
   return owner != layers_.end() ? **owner : playback_;
 }
@@ -161,7 +173,8 @@ NavCode Display::heldKey(Uint64 nowMs) {
 }
 
 FocusFacts Display::focusFacts() const {
-  return {.homeMode = home_.homeMode(),
+  return {.saverActive = saver_.active(),
+          .homeMode = home_.homeMode(),
           .chooserOpen = home_.chooserOpen(),
           .roomKind = roomKind_,
           .audioItem = playback_.audioItem(),

@@ -20,6 +20,8 @@ class Home final : public Layer {
  public:
   explicit Home(const Stored& stored) : stored_(stored) { look(0); }
 
+  /// In their order; empty until they are read.
+  const std::vector<std::filesystem::path>& roomFolders() const { return rooms_.folders(); }
   bool owns(FocusName focus) const override;
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
   Meaning move(Direction direction, const FocusFacts& facts, Uint64 nowMs) override;

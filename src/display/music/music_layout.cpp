@@ -21,6 +21,12 @@ TrackLines trackLines(const std::filesystem::path& file, const std::optional<Tra
           joined(joined(number, " | ", info->duration), " | ", info->year)};
 }
 
+TrackLines restingLines(const std::filesystem::path& file, const std::optional<TrackInfo>& info) {
+  if (!info) return {file.stem().string()};
+  return {info->title.empty() ? file.stem().string() : info->title, joined(info->artist, " — ", info->album),
+          info->year};
+}
+
 int titleFontSize(int windowHeight) {
   return std::clamp(windowHeight / 20, 20, 42);
 }

@@ -21,6 +21,9 @@ using TrackLines = std::array<std::string, 3>;
 /// no title is called by its name.
 TrackLines trackLines(const std::filesystem::path& file, const std::optional<TrackInfo>& info);
 
+/// What is left of them while nobody is at the screen: title, "artist — album", year.
+TrackLines restingLines(const std::filesystem::path& file, const std::optional<TrackInfo>& info);
+
 int titleFontSize(int windowHeight);
 int detailFontSize(int windowHeight);
 int columnFontSize(int windowHeight);

@@ -90,6 +90,12 @@ void MusicScreen::dropBackdrop() {
   albumArtPath_.clear();
 }
 
+MusicArt MusicScreen::art() const {
+  if (!plays()) return {};
+  return {backdrop_.texture(), backdrop_.size(), albumArtPath_,
+          restingLines(playing_.track(), playing_.info())};
+}
+
 void MusicScreen::drawNowPlaying(const FrameContext& frame) {
   if (!plays()) return;
   if (SDL_Texture* texture = backdrop_.texture()) {

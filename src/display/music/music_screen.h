@@ -10,6 +10,7 @@
 #include "display/music/track_page.h"
 #include "display/toolkit/background_image.h"
 #include "display/toolkit/layer.h"
+#include "display/toolkit/music_art.h"
 
 namespace tavek {
 
@@ -35,6 +36,8 @@ class MusicScreen final : public Layer {
 
   /// Once per frame, before anything is drawn.
   void follow(const FrameContext& frame, const Facts& facts);
+  /// For the screensaver; nothing without a song.
+  MusicArt art() const;
   /// Over the picture of a song.
   void drawNowPlaying(const FrameContext& frame);
   /// It hides all of the picture.

@@ -133,6 +133,7 @@ bool PlaybackScreen::drawPicture(const FrameContext& frame, const PictureView& p
   if (!(shown.sampleAspect > 0)) shown.sampleAspect = 1.0;
   if (!picture_.upload(frame.renderer, shown)) return false;
   positionUs_ = positionUs;
+  pictureSize_ = {shown.width, shown.height};
   SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
   SDL_RenderClear(frame.renderer);
   if (!hidden) picture_.draw(frame, shown);
@@ -144,7 +145,7 @@ void PlaybackScreen::drawOnPicture(const FrameContext& frame, const FocusFacts& 
   clearLogo_.draw(frame,
                   {.videoPlaying = videoPlaying_,
                    .videoPaused = videoPaused_,
-                   .homeMode = facts.homeMode,
+                   .homeMode = facts.homeMode || facts.saverActive,
                    .stripOn = facts.stripAny},
                   currentVideo_);
   volumeBar_.draw(frame);
@@ -155,7 +156,7 @@ void PlaybackScreen::draw(const FrameContext& frame, const FocusFacts& facts) {
                         .videoPaused = videoPaused_,
                         .seekFocus = seekFocus_,
                         .stripShown = facts.stripShown});
-  pauseIcon_.draw(frame, videoPaused_ && !facts.homeMode);
+  pauseIcon_.draw(frame, videoPaused_ && !facts.homeMode && !facts.saverActive);
 }
 
 }  // namespace tavek

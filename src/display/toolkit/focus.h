@@ -25,6 +25,7 @@ enum class FocusName : std::int32_t {
 
 /// What the screens show, in one snapshot.
 struct FocusFacts {
+  bool saverActive = false;  ///< the screensaver runs
   bool homeMode = false;     ///< the home screen has the screen
   bool chooserOpen = false;  ///< its users can be chosen, over an item too
   MediaKind roomKind = MediaKind::Movies;

@@ -1,0 +1,157 @@
+#include <functional>
+#include <tuple>
+
+#include <SDL_image.h>
+#include <gtest/gtest.h>
+
+#include "base/process_flags.h"
+#include "display/display.h"
+#include "display/screensaver/saver_rules.h"
+#include "state/state_store.h"
+#include "support/media_root.h"
+#include "support/offscreen.h"
+#include "support/turned_clock.h"
+
+namespace tavek {
+namespace {
+
+using std::chrono::milliseconds;
+
+TEST(SaverRules, FadeTurnsAroundWhereItStands) {
+  SaverFade fade;
+  fade.start(true, 1000);
+  EXPECT_FALSE(fade.advance(1250) || fade.full());
+  EXPECT_DOUBLE_EQ(fade.alpha(), 0.5);
+  fade.start(false, 1250);
+  EXPECT_FALSE(fade.advance(1500));
+  EXPECT_DOUBLE_EQ(fade.alpha(), 0.25);
+  fade.start(true, 1500);
+  EXPECT_FALSE(fade.advance(2000));
+  EXPECT_TRUE(fade.full());
+  fade.start(false, 5000);
+  EXPECT_TRUE(fade.advance(5500)) << "told once";
+  EXPECT_FALSE(fade.advance(5600));
+}
+
+TEST(SaverRules, SlidesStandForAMinute) {
+  SlideClock clock;
+  EXPECT_FALSE(clock.due(900'000));
+  clock.begin(1000);
+  EXPECT_FALSE(clock.due(60'999));
+  EXPECT_TRUE(clock.due(61'000));
+  clock.next(3, 61'000);
+  EXPECT_EQ(clock.current(), 1U);
+  EXPECT_EQ(clock.previous(61'499), 0U);
+  EXPECT_EQ(clock.previous(61'500), std::nullopt);
+  clock.next(3, 121'000);
+  clock.erase(1, 2);
+  EXPECT_EQ(std::pair(clock.current(), clock.previous(121'001)),
+            std::pair(std::size_t{1}, std::optional<std::size_t>()));
+  clock.next(2, 181'000);
+  EXPECT_EQ(clock.current(), 0U);
+  clock.next(1, 241'000);
+  EXPECT_EQ(clock.current(), 0U) << "one slide goes into itself";
+}
+
+TEST(SaverRules, TitlesAndBadges) {
+  const std::tuple<const char*, const char*, const char*> titles[] = {
+      {"Blade Runner (1982)", "Blade Runner", "1982"},
+      {" Das Boot ( 1981 ) ", "Das Boot", "1981"},
+      {"Film (19825)", "Film (19825)", ""},
+      {"Film (abcd)", "Film (abcd)", ""},
+      {"(1982)", "(1982)", ""},
+      {"1982", "1982", ""},
+  };
+  for (const auto& [text, title, year] : titles)
+    EXPECT_EQ(splitTitleYear(text), (TitleYear{title, year})) << text;
+  const std::tuple<int, int, std::string> badges[] = {
+      {3840, 2160, "4K"}, {2160, 3840, "4K"}, {3840, 1600, "FHD"}, {1920, 1080, "FHD"},
+      {1920, 800, "HD"},  {1280, 720, "HD"},  {1279, 720, ""},     {0, 0, ""}};
+  for (const auto& [width, height, badge] : badges) EXPECT_EQ(resolutionBadge(width, height), badge) << width;
+}
+
+class SaverTest : public testing::Test {
+ protected:
+  SaverTest() { test::writeText(film, "x"); }
+  ~SaverTest() override { quitRequested = false; }
+
+  NavCode key(SDL_Keycode sym, bool down = true, bool repeat = false) {
+    SDL_Event event{};
+    event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
+    event.key.keysym.sym = sym;
+    event.key.repeat = repeat;
+    SDL_PushEvent(&event);
+    return display.pollInput();
+  }
+  /// As a pass of whatever loop draws.
+  void pass(milliseconds after) {
+    clock.turn(after);
+    display.pollInput();
+    display.presentBlank();
+  }
+
+  const std::filesystem::path film = test::library.path() / "movies/Red (1982)/Red (1982).mkv";
+  const bool offscreen = (test::useOffscreenDriver(), true);
+  test::TurnedClock clock;
+  StateStore store{""};
+  Display display{0, 0, 320, 180, Orientation::OrientationAuto, store.parts(), clock};
+};
+
+TEST_F(SaverTest, AKeyOnlyWakes) {
+  const struct {
+    const char* what;
+    std::function<void()> reach;
+    bool comes;
+  } states[] = {
+      {"home", [&] { display.goHome(true); }, true},
+      {"a film that runs", [&] { display.setVideoPlaying(true); }, false},
+      {"a pause", [&] { display.setVideoPlaying(false), display.setVideoPaused(true); }, true},
+      {"the strip", [&] { display.setVideoPlaying(false), display.showStrip(true); }, true},
+      {"a song",
+       [&] { display.alignWithItem(test::library.path() / "music/a.mp3"), display.setVideoPlaying(true); },
+       true},
+  };
+  for (const auto& state : states) {
+    display.leaveHome();
+    display.alignWithItem({});
+    state.reach();
+    pass(milliseconds(10));
+    const FocusName before = display.currentFocus();
+    pass(milliseconds(299'000));
+    EXPECT_EQ(display.currentFocus(), before) << state.what;
+    pass(milliseconds(2000));
+    EXPECT_EQ(display.currentFocus() == FocusName::Screensaver, state.comes) << state.what;
+    if (!state.comes) continue;
+    EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None) << "a key that was held before";
+    EXPECT_EQ(key(SDLK_RIGHT), NavCode::Wake) << state.what;
+    EXPECT_EQ(key(SDLK_RIGHT, true, true), NavCode::None) << state.what;
+    EXPECT_EQ(key(SDLK_RIGHT, false), NavCode::None) << state.what;
+    EXPECT_EQ(display.currentFocus(), before) << state.what;
+    pass(milliseconds(600));
+    display.hideStrip();
+    pass(milliseconds(300));
+  }
+}
+
+TEST_F(SaverTest, SlidesStandAtHalfStrengthUntilTheyVanish) {
+  const SurfacePtr red(SDL_CreateRGBSurfaceWithFormat(0, 640, 360, 24, SDL_PIXELFORMAT_RGB24));
+  SDL_FillRect(red.get(), nullptr, SDL_MapRGB(red->format, 255, 0, 0));
+  IMG_SavePNG(red.get(), (film.parent_path() / "fanart.png").c_str());
+  test::writeText(test::library.path() / "movies/Broken/Broken.mkv", "x");
+  test::writeText(test::library.path() / "movies/Broken/fanart.png", "no picture");
+  display.goHome(true);
+  for (int i = 0; i < 400 && display.currentFolder().filename() != "movies"; ++i, SDL_Delay(1))
+    pass(milliseconds(1));
+  pass(milliseconds(300'000));
+  const auto middle = [&] {
+    SDL_Rect place{160, 40, 1, 1};
+    Uint32 pixel = 0;
+    SDL_RenderReadPixels(display.renderer(), &place, SDL_PIXELFORMAT_ARGB8888, &pixel, sizeof pixel);
+    return pixel & 0xffffff;
+  };
+  for (int i = 0; i < 2000 && middle() != 0x800000; ++i, SDL_Delay(1)) pass(milliseconds(10));
+  EXPECT_EQ(middle(), 0x800000U);
+}
+
+}  // namespace
+}  // namespace tavek
