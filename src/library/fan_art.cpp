@@ -75,11 +75,11 @@ Found walk(const fs::path& folder, bool series, const Flag& stop) {
 }
 
 /// Each poster, in the order of their file names, takes the next slide of its title.
-std::vector<Slide> byPosters(std::vector<Found::Candidate>& slides, std::vector<PosterTitle> posters) {
+std::vector<Slide> byPosters(std::vector<Found::Candidate>& slides, const std::vector<PosterTitle>& posters) {
   std::unordered_map<std::string, std::deque<Found::Candidate*>> groups;
   for (Found::Candidate& slide : slides) groups[slide.key].push_back(&slide);
   std::vector<std::pair<std::string, std::string>> order;  // by the file's name, the title
-  for (PosterTitle& poster : posters) {
+  for (const PosterTitle& poster : posters) {
     const fs::path path(poster.path);
     std::string title = trim(poster.title);
     if (title.empty()) title = foldCase(path.stem().string());
@@ -103,7 +103,8 @@ std::string slideNameOf(const fs::path& image) {
   return nameFrom(image.stem().string(), image.parent_path().filename().string());
 }
 
-std::vector<Slide> listSlides(const fs::path& folder, std::vector<PosterTitle> posters, const Flag& stop) {
+std::vector<Slide> listSlides(const fs::path& folder, const std::vector<PosterTitle>& posters,
+                              const Flag& stop) {
   learnRoomKind(folder, stop);
   const bool series = seriesRootOf(folder).has_value() && seriesDepth(folder) == 0;
   Found found = walk(folder, series, stop);
@@ -115,7 +116,7 @@ std::vector<Slide> listSlides(const fs::path& folder, std::vector<PosterTitle> p
   std::ranges::sort(found.candidates, {},
                     [](const auto& slide) { return std::string_view(slide.slide.path.native()); });
   std::ranges::stable_sort(found.candidates, {}, &Found::Candidate::fileName);
-  std::vector<Slide> slides = byPosters(found.candidates, std::move(posters));
+  std::vector<Slide> slides = byPosters(found.candidates, posters);
   if (!slides.empty()) return slides;
   for (Found::Candidate& slide : found.candidates) slides.push_back(std::move(slide.slide));
   return slides;

@@ -26,7 +26,7 @@ std::string slideNameOf(const std::filesystem::path& image);
 
 /// The fan art below a folder whose film, or in a room of series whose show, is there: in the order of the
 /// posters, where there are any for it, else of its file names. Walks the disk until `stop` is set.
-std::vector<Slide> listSlides(const std::filesystem::path& folder, std::vector<PosterTitle> posters,
+std::vector<Slide> listSlides(const std::filesystem::path& folder, const std::vector<PosterTitle>& posters,
                               const Flag& stop);
 
 /// The film of a slide: the one of its name beside it, else below.

@@ -26,15 +26,14 @@ std::string unescaped(std::string_view text) {
   for (std::size_t i = 0; i < text.size() && text[i] != '"'; ++i) {
     if (text[i] != '\\') {
       value += text[i];
-    } else if (++i == text.size()) {
-      break;
-    } else if (text[i] == 'u') {
+      continue;
+    }
+    const char code = ++i < text.size() ? text[i] : '\0';
+    if (code == 'u') {
       value += characterOf(text.substr(i + 1, 4));
       i += 4;
-    } else if (std::string_view("nbftr").find(text[i]) != std::string_view::npos) {
-      value += ' ';
-    } else if (std::string_view("\"/\\").find(text[i]) != std::string_view::npos) {
-      value += text[i];
+    } else if (constexpr std::string_view codes = "nbftr\"/\\"; codes.find(code) != std::string_view::npos) {
+      value += "     \"/\\"[codes.find(code)];
     }
   }
   return value;

@@ -44,7 +44,7 @@ class ThemePlayer {
   /// What the owner and the thread know; the thread keeps it alive.
   struct Shared;
   static void run(const std::shared_ptr<Shared>& shared);
-  static void play(Shared& shared, const std::filesystem::path& file);
+  static void play(Shared& shared, const std::filesystem::path& path);
   static void sound(Shared& shared, Demultiplexer& file, Codec& codec, AudioOutput& output);
 
   const std::shared_ptr<Shared> shared_;

@@ -13,8 +13,8 @@ namespace tavek {
 struct ThemeFacts {
   bool tvRoom = false;
   bool videoPlaying = false;
-  bool stripAny = false;                  ///< the strip is in any state but closed
-  const std::filesystem::path* selected;  ///< the poster's; null without a valid selection
+  bool stripAny = false;                            ///< the strip is in any state but closed
+  const std::filesystem::path* selected = nullptr;  ///< the poster's; null without a valid selection
 };
 
 /// The show below the strip's selection, or why there is none.
