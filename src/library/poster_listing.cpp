@@ -6,6 +6,7 @@
 #include <iterator>
 #include <limits>
 #include <map>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 
@@ -81,14 +82,18 @@ PosterCandidates episodeCandidates(const fs::path& folder, const Flag& stop) {
 
 using Orders = std::unordered_map<std::string, SeriesOrder>;  // by the folder
 
-/// A file that gives no order is told of, since somebody has meant one.
-Orders ordersOf(const std::vector<fs::path>& files) {
+/// For candidates that stand by their folders. A file that gives no order is told of, since somebody has
+/// meant one; where there is nothing to order it is none of ours.
+Orders ordersOf(const std::vector<fs::path>& files, const std::vector<PosterCandidate>& candidates) {
+  const auto folderOf = [](const PosterCandidate& candidate) { return candidate.file.folder(); };
   Orders orders;
   for (const fs::path& file : files) {
+    const std::string folder = file.parent_path().string();
+    if (!std::ranges::binary_search(candidates, std::string_view(folder), {}, folderOf)) continue;
     try {
       SeriesOrder order = readSeriesOrder(file);
       if (order.empty()) std::cerr << "series.json ignored (no order entries): " << file << std::endl;
-      if (!order.empty()) orders.emplace(file.parent_path().string(), std::move(order));
+      if (!order.empty()) orders.emplace(folder, std::move(order));
     } catch (const std::exception&) {
       std::cerr << "series.json parse failed: " << file << std::endl;
     }
@@ -109,7 +114,7 @@ void orderCandidates(std::vector<PosterCandidate>& candidates, const std::vector
   };
   candidates.erase(std::unique(candidates.begin(), candidates.end(), same), candidates.end());
 
-  const Orders orders = ordersOf(orderFiles);
+  const Orders orders = ordersOf(orderFiles, candidates);
   if (orders.empty()) return;
   for (PosterCandidate& candidate : candidates) {
     const auto order = orders.find(std::string(candidate.file.folder()));

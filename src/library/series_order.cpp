@@ -81,6 +81,22 @@ std::string_view orderIn(std::string_view text) {
   return open == std::string_view::npos ? std::string_view() : text.substr(open + 1);
 }
 
+/// What the names of a folder's items tell as titles.
+class Titles {
+ public:
+  explicit Titles(fs::path folder) : folder_(std::move(folder)) {}
+  /// All generic names have the title of the folder, which is looked for on the disk once.
+  std::string of(const fs::path& name) {
+    if (!titleOfStem(name.stem().string()).empty()) return posterTitleKey(folder_ / name);
+    if (!generic_) generic_ = posterTitleKey(folder_ / name);
+    return *generic_;
+  }
+
+ private:
+  const fs::path folder_;
+  std::optional<std::string> generic_;
+};
+
 }  // namespace
 
 void SeriesOrder::add(const std::string& title) {
@@ -210,6 +226,7 @@ Sequence SeriesOrder::firstAround(std::string_view letters) const {
 
 SeriesOrder readSeriesOrder(const fs::path& file) {
   SeriesOrder order;
+  Titles titles(file.parent_path());
   const std::string text = headOf(file);
   std::string_view rest = orderIn(text);
   for (std::size_t count = 0; count < mostEntries && !rest.empty() && rest.front() != ']';) {
@@ -220,7 +237,7 @@ SeriesOrder readSeriesOrder(const fs::path& file) {
     if (!value) break;
     const fs::path name = fs::path(*value).filename();
     if (name.empty()) continue;
-    order.add(posterTitleKey(file.parent_path() / name));
+    order.add(titles.of(name));
     ++count;
   }
   order.build();

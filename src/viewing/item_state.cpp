@@ -42,14 +42,18 @@ ItemStep leaveOrBrowse(State state, Request request, const ItemFacts& facts) {
   }
 }
 
-ItemStep whileStarting(Request request) {
+ItemStep whileStarting(Request request, const ItemFacts& facts) {
   switch (request) {
     case Request::Opened:
       return {State::Playing, {Start}};
     case Request::PlaySelection:
       return {State::Starting, {Resolve}};
+    case Request::SeekForward:
+    case Request::SeekBackward:
+      return facts.musicRoom ? stepTrack(State::Starting, facts) : stay(State::Starting);
     case Request::GoHome:
     case Request::Selected:
+    case Request::TrackFound:
     case Request::Leave:
     case Request::StreamEnded:
       return {State::Finished};
@@ -153,7 +157,7 @@ ItemStep whileEnding(Request request) {
 ItemStep stepOf(ItemState state, ItemRequest request, const ItemFacts& facts) {
   switch (state) {
     case State::Starting:
-      return whileStarting(request);
+      return whileStarting(request, facts);
     case State::Playing:
     case State::Seeking:
       return whileRunning(state, request, facts);
