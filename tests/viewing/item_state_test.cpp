@@ -79,11 +79,13 @@ TEST(ItemState, StepsByTheTable) {
       {running, {R::ClosePosters}, same, {HideStrip}},
       {open, {R::PlaySelection}, same, {Resolve}},
 
-      {open, {R::Selected, R::TrackFound, R::PreviousItem, R::Leave}, S::Finished, {StorePosition}},
+      {open, {R::Selected, R::PreviousItem, R::Leave}, S::Finished, {StorePosition}},
+      {open, {R::TrackFound}, S::Finished, {StorePosition, Pause}},
       {open, {R::PreviousItem}, same, {SeekToStart, ShowSeekBar}, {.pastStart = true}},
       {running, {R::StreamEnded}, S::Finished, {StorePosition, ShowSeekBar}},
       {open, {R::GoHome}, S::Ending, {StorePosition, Pause, FadeOut}},
-      {{S::Paused}, {R::TrackFound, R::Leave}, S::Finished, {StorePosition}},
+      {{S::Paused}, {R::TrackFound}, S::Finished, {StorePosition, Pause}},
+      {{S::Paused}, {R::Leave}, S::Finished, {StorePosition}},
       {{S::Ending}, {R::Leave, R::FadedOut}, S::Finished, {StorePosition}},
   };
   std::set<std::pair<S, R>> listed;
