@@ -154,6 +154,7 @@ done
 album='music/The Lavender Engines - Slow Tides'
 mkdir -p "$library/$album"
 still "$harbour/The Last Harbour (2019).mkv" "$album/cover.jpg" "crop=360:360,hue=h=200,scale=600:600$(words 72 'SLOW TIDES')"
+still "$harbour/The Last Harbour (2019).mkv" "$album/backdrop.jpg" "hue=h=200,scale=1280:720"
 number=0
 for title in 'Ebb' 'Lantern Room' 'Paper Boats' 'Flood'; do
   number=$((number + 1))
