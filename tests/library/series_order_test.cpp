@@ -29,7 +29,7 @@ TEST(SeriesOrder, FindsTitlesByTheirForms) {
       {"", -1},       {"f", 0},         {"7", -1},
   };
   for (const auto& [title, sequence] : cases)
-    EXPECT_EQ(order.sequenceOf(title).value_or(-1), sequence) << title;
+    EXPECT_EQ(order.sequenceOf(makeMatchKey(title)).value_or(-1), sequence) << title;
 }
 
 /// The rule without its indices: each step over all entries in their order.
@@ -75,7 +75,7 @@ TEST(SeriesOrder, FindsTheSameAsALookAtEachEntry) {
     const SeriesOrder order = orderOf(titles);
     for (int i = 0; i < 40; ++i) {
       const std::string wanted = title();
-      ASSERT_EQ(order.sequenceOf(wanted).value_or(-1), sequenceByRule(titles, wanted))
+      ASSERT_EQ(order.sequenceOf(makeMatchKey(wanted)).value_or(-1), sequenceByRule(titles, wanted))
           << wanted << " in " << testing::PrintToString(titles);
     }
   }
@@ -113,7 +113,8 @@ TEST(SeriesOrder, OrdersAListingInSpiteOfDamage) {
   std::string many = R"({"order": [)";
   for (int i = 0; i < 300'000; ++i) many += "\"x\",";
   test::writeText(folder.path() / "series.json", many + "\"C\"]}");
-  EXPECT_FALSE(readSeriesOrder(folder.path() / "series.json").sequenceOf("c")) << "a megabyte is enough";
+  EXPECT_FALSE(readSeriesOrder(folder.path() / "series.json").sequenceOf(makeMatchKey("c")))
+      << "a megabyte is enough";
 }
 
 /// Each of them stands for the folder, which must not be looked through for each.
