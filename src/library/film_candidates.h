@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -17,10 +16,9 @@ namespace tavek {
 struct PosterCandidate {
   PosterCandidate(FileText listed, std::string titleKey, std::string plays);
   FileText file;
-  std::string title;                          ///< its posterTitleKey
-  std::string media;                          ///< what plays for it
-  std::string name;                           ///< the file's name, folded
-  std::optional<std::int32_t> sequence = {};  ///< in its folder's own order
+  std::string title;  ///< its posterTitleKey
+  std::string media;  ///< what plays for it
+  std::string name;   ///< the file's name, folded
 };
 
 struct PosterCandidates {

@@ -1,11 +1,14 @@
 #include "library/poster_listing.h"
 
 #include <algorithm>
+#include <compare>
+#include <cstdint>
 #include <exception>
 #include <iostream>
 #include <iterator>
 #include <limits>
 #include <map>
+#include <string_view>
 #include <unordered_map>
 #include <utility>
 
@@ -81,14 +84,18 @@ PosterCandidates episodeCandidates(const fs::path& folder, const Flag& stop) {
 
 using Orders = std::unordered_map<std::string, SeriesOrder>;  // by the folder
 
-/// A file that gives no order is told of, since somebody has meant one.
-Orders ordersOf(const std::vector<fs::path>& files) {
+/// For candidates that stand by their folders. A file that gives no order is told of, since somebody has
+/// meant one; where there is nothing to order it is none of ours.
+Orders ordersOf(const std::vector<fs::path>& files, const std::vector<PosterCandidate>& candidates) {
+  const auto folderOf = [](const PosterCandidate& candidate) { return candidate.file.folder(); };
   Orders orders;
   for (const fs::path& file : files) {
+    const std::string folder = file.parent_path().string();
+    if (!std::ranges::binary_search(candidates, std::string_view(folder), {}, folderOf)) continue;
     try {
       SeriesOrder order = readSeriesOrder(file);
       if (order.empty()) std::cerr << "series.json ignored (no order entries): " << file << std::endl;
-      if (!order.empty()) orders.emplace(file.parent_path().string(), std::move(order));
+      if (!order.empty()) orders.emplace(folder, std::move(order));
     } catch (const std::exception&) {
       std::cerr << "series.json parse failed: " << file << std::endl;
     }
@@ -96,9 +103,8 @@ Orders ordersOf(const std::vector<fs::path>& files) {
   return orders;
 }
 
-/// Puts them in the order of the list: by folder, in one folder by its series.json and then by name. Of files
-/// whose names differ in case alone the first one stays.
-void orderCandidates(std::vector<PosterCandidate>& candidates, const std::vector<fs::path>& orderFiles) {
+/// By folder, in one folder by name. Of files whose names differ in case alone the first one stays.
+void sortByName(std::vector<PosterCandidate>& candidates) {
   std::ranges::stable_sort(candidates, [](const PosterCandidate& a, const PosterCandidate& b) {
     if (const auto order = a.file.folder().compare(b.file.folder()); order != 0) return order < 0;
     return lessNatural(a.name, b.name);
@@ -108,27 +114,49 @@ void orderCandidates(std::vector<PosterCandidate>& candidates, const std::vector
     return a.name == b.name && a.file.folder() == b.file.folder();
   };
   candidates.erase(std::unique(candidates.begin(), candidates.end(), same), candidates.end());
+}
 
-  const Orders orders = ordersOf(orderFiles);
-  if (orders.empty()) return;
-  for (PosterCandidate& candidate : candidates) {
-    const auto order = orders.find(std::string(candidate.file.folder()));
-    if (order != orders.end()) candidate.sequence = order->second.sequenceOf(candidate.title);
+/// What one of its folder's tiles is sorted by: those that the order does not know come last, by name.
+struct Rank {
+  std::int32_t folder = -1;
+  std::int32_t sequence = 0;
+  std::size_t place = 0;  ///< by name
+  auto operator<=>(const Rank&) const = default;
+};
+
+/// Puts the tiles of candidates that are sorted by name in the orders of their folders.
+void sortByOrders(std::vector<ListedPoster>& posters, const std::vector<PosterCandidate>& candidates,
+                  const Orders& orders) {
+  std::vector<Rank> ranks;
+  ranks.reserve(posters.size());
+  std::string_view folder;
+  auto order = orders.end();
+  for (std::size_t i = 0; i < posters.size(); ++i) {
+    Rank rank = ranks.empty() ? Rank() : ranks.back();
+    if (candidates[i].file.folder() != folder) {
+      folder = candidates[i].file.folder();
+      order = orders.find(std::string(folder));
+      ++rank.folder;
+    }
+    const auto sequence = order != orders.end() ? order->second.sequenceOf(posters[i].key) : std::nullopt;
+    rank.sequence = sequence.value_or(std::numeric_limits<std::int32_t>::max());
+    rank.place = i;
+    ranks.push_back(rank);
   }
-  std::ranges::stable_sort(candidates, [](const PosterCandidate& a, const PosterCandidate& b) {
-    if (const auto order = a.file.folder().compare(b.file.folder()); order != 0) return order < 0;
-    constexpr auto last = std::numeric_limits<std::int32_t>::max();
-    return a.sequence.value_or(last) < b.sequence.value_or(last);
-  });
+  std::ranges::sort(ranks);
+  std::vector<ListedPoster> sorted;
+  sorted.reserve(posters.size());
+  for (const Rank& rank : ranks) sorted.push_back(std::move(posters[rank.place]));
+  posters = std::move(sorted);
 }
 
 std::vector<ListedPoster> listCandidates(PosterCandidates found, ListingKind kind, const Flag& stop) {
   std::vector<PosterCandidate>& candidates = found.list;
-  orderCandidates(candidates, found.orders);
+  sortByName(candidates);
   std::vector<ListedPoster> posters;
   posters.reserve(candidates.size());
   for (PosterCandidate& candidate : candidates) {
-    if (stop) break;
+    if (stop) return posters;
     ListedPoster& poster = posters.emplace_back();
     poster.path = candidate.file.path();
     poster.media = std::move(candidate.media);
@@ -137,6 +165,8 @@ std::vector<ListedPoster> listCandidates(PosterCandidates found, ListingKind kin
     poster.image = poster.isEpisode ? episodeStillOf(poster.path).string() : poster.path;
     if (poster.isEpisode) poster.label = candidate.file.stem();
   }
+  if (const Orders orders = ordersOf(found.orders, candidates); !orders.empty())
+    sortByOrders(posters, candidates, orders);
   return posters;
 }
 

@@ -6,6 +6,10 @@
 #include <numeric>
 #include <utility>
 
+#include "base/text.h"
+#include "library/folder_walk.h"
+#include "library/titles.h"
+
 namespace tavek {
 namespace {
 
@@ -81,6 +85,25 @@ std::string_view orderIn(std::string_view text) {
   return open == std::string_view::npos ? std::string_view() : text.substr(open + 1);
 }
 
+/// What the names of a folder's items tell as titles.
+class Titles {
+ public:
+  explicit Titles(fs::path folder)
+      : folder_(std::move(folder)), folderName_(trim(foldCase(folder_.filename().string()))) {}
+  /// All generic names have the title of the folder, which is looked for on the disk once.
+  std::string of(const std::string& name) {
+    const std::string title = titleOfStem(FileText('/' + name).stem());
+    if (!title.empty()) return titleWithYear(title, folderName_);
+    if (!generic_) generic_ = posterTitleKey(folder_ / name);
+    return *generic_;
+  }
+
+ private:
+  const fs::path folder_;
+  const std::string folderName_;
+  std::optional<std::string> generic_;
+};
+
 }  // namespace
 
 void SeriesOrder::add(const std::string& title) {
@@ -129,18 +152,30 @@ Sequence SeriesOrder::Starts::firstAfter(std::string_view text) const {
 }
 
 void SeriesOrder::build() {
+  heads_.assign(trigramCount, false);
   for (std::size_t i = 0; i < entries_.size(); ++i) {
     const auto index = static_cast<std::int32_t>(i);
     const MatchKey& key = entries_[i];
     if (!formOf(key).empty()) starts_.add(formOf(key), index);
     if (key.whole || key.alpha.empty()) continue;
     letters_.add(key.alpha, index);
+    addHead(key.alpha);
     line_.emplace(lines_.size(), index);
     lines_ += key.alpha + '\n';
   }
   starts_.build();
   letters_.build();
   buildLetters();
+}
+
+/// All trigrams that go on from fewer letters than three count.
+void SeriesOrder::addHead(std::string_view letters) {
+  std::string from(letters.substr(0, 3));
+  std::string to = from;
+  from.resize(3, 'a');
+  to.resize(3, 'z');
+  std::fill(heads_.begin() + static_cast<std::ptrdiff_t>(*trigramAt(from, 0)),
+            heads_.begin() + static_cast<std::ptrdiff_t>(*trigramAt(to, 0)) + 1, true);
 }
 
 /// Sorts the places of all trigrams by counting.
@@ -158,30 +193,38 @@ void SeriesOrder::buildLetters() {
   forEach([&](std::size_t trigram, std::uint32_t at) { places_[next[trigram]++] = at; });
 }
 
-Sequence SeriesOrder::sequenceOf(const std::string& title) const {
-  Sequence sequence = sequenceOf(makeMatchKey(title));
-  if (sequence) return sequence;
-  const std::string withoutYear = stripYear(title);
-  if (withoutYear.empty() || withoutYear == title) return {};
-  return sequenceOf(makeMatchKey(withoutYear));
+Sequence SeriesOrder::sequenceOf(const MatchKey& title) const {
+  if (const Sequence sequence = byTitle(title)) return sequence;
+  if (const Sequence sequence = byLetters(title)) return sequence;
+  const std::string withoutYear = stripYear(title.raw);
+  if (withoutYear.empty() || withoutYear == title.raw) return {};
+  const MatchKey rest = makeMatchKey(withoutYear);
+  if (const Sequence sequence = byTitle(rest)) return sequence;
+  // A year of digits takes no letter away, and those have been looked for.
+  return rest.alpha == title.alpha && !title.whole ? Sequence() : byLetters(rest);
 }
 
-Sequence SeriesOrder::sequenceOf(const MatchKey& key) const {
+Sequence SeriesOrder::byTitle(const MatchKey& key) const {
   Sequence sequence = found(keyToIndex_, key.raw);
   if (!sequence && !key.whole) sequence = found(alnumToIndex_, key.alnum);
   if (!sequence && !key.whole) sequence = found(digitsToIndex_, key.digits);
   const std::string& form = formOf(key);
   if (!sequence && !form.empty()) sequence = smaller(starts_.firstBefore(form), starts_.firstAfter(form));
-  if (!sequence && !key.whole && !key.alpha.empty())
-    sequence = smaller(firstWithin(key.alpha), firstAround(key.alpha));
   return sequence;
+}
+
+Sequence SeriesOrder::byLetters(const MatchKey& key) const {
+  if (key.whole || key.alpha.empty()) return {};
+  return smaller(firstWithin(key.alpha), firstAround(key.alpha));
 }
 
 /// The first entry whose letters these ones hold.
 Sequence SeriesOrder::firstWithin(std::string_view letters) const {
   Sequence first;
-  for (std::size_t at = 0; at < letters.size(); ++at)
+  for (std::size_t at = 0; at < letters.size(); ++at) {
+    if (at + 3 <= letters.size() && !heads_[*trigramAt(letters, at)]) continue;
     first = smaller(first, letters_.firstBefore(letters.substr(at)));
+  }
   return first;
 }
 
@@ -210,6 +253,7 @@ Sequence SeriesOrder::firstAround(std::string_view letters) const {
 
 SeriesOrder readSeriesOrder(const fs::path& file) {
   SeriesOrder order;
+  Titles titles(file.parent_path());
   const std::string text = headOf(file);
   std::string_view rest = orderIn(text);
   for (std::size_t count = 0; count < mostEntries && !rest.empty() && rest.front() != ']';) {
@@ -218,9 +262,9 @@ SeriesOrder readSeriesOrder(const fs::path& file) {
     if (!quote) continue;
     const auto value = readString(rest);
     if (!value) break;
-    const fs::path name = fs::path(*value).filename();
+    const std::string name = value->substr(value->rfind('/') + 1);
     if (name.empty()) continue;
-    order.add(posterTitleKey(file.parent_path() / name));
+    order.add(titles.of(name));
     ++count;
   }
   order.build();

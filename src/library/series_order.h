@@ -26,7 +26,7 @@ class SeriesOrder {
   bool empty() const { return entries_.empty(); }
   /// Of the title, or else of the title without its year: the very title, its letters and digits, its digits,
   /// one that begins with the other, one whose letters hold the other's; of several the first.
-  std::optional<std::int32_t> sequenceOf(const std::string& title) const;
+  std::optional<std::int32_t> sequenceOf(const MatchKey& title) const;
 
  private:
   /// Texts by which entries are found that begin with one another. Of equal texts the first entry counts.
@@ -49,9 +49,11 @@ class SeriesOrder {
     std::vector<Text> texts_;  ///< in their order
   };
 
-  std::optional<std::int32_t> sequenceOf(const MatchKey& key) const;
+  std::optional<std::int32_t> byTitle(const MatchKey& key) const;
+  std::optional<std::int32_t> byLetters(const MatchKey& key) const;
   std::optional<std::int32_t> firstWithin(std::string_view letters) const;
   std::optional<std::int32_t> firstAround(std::string_view letters) const;
+  void addHead(std::string_view letters);
   void buildLetters();
 
   std::deque<MatchKey> entries_;  ///< by their numbers; they stay where they are
@@ -62,6 +64,7 @@ class SeriesOrder {
   Starts letters_;                            ///< of their letters
   std::string lines_;                         ///< the letters of all, a line each
   std::map<std::size_t, std::int32_t> line_;  ///< the entry of each line, by where that begins
+  std::vector<bool> heads_;                   ///< the three letters that one of letters_ may begin with
   /// Where in lines_ each three letters stand: for three letters the first of their places.
   std::vector<std::uint32_t> trigrams_;
   std::vector<std::uint32_t> places_;

@@ -82,14 +82,15 @@ std::string twoDigits(std::int64_t number) {
 
 std::optional<TrackInfo> trackInfo(const fs::path& path) {
   if (path.empty()) return {};
-  const std::string key = path.lexically_normal().string();
-  FileState state = fileStateOf(path);
+  const fs::path file = path.lexically_normal();
+  const std::string& key = file.native();
+  FileState state = fileStateOf(file);
   {
     const auto cache = tagCache().hold();
     const TagCache::Entry* known = cache->find(key);
     if (known != nullptr && known->state == state) return known->info;
   }
-  std::optional<TrackInfo> info = readTrack(path);
+  std::optional<TrackInfo> info = readTrack(file);
   tagCache().hold()->store(key, {std::move(state), info});
   return info;
 }

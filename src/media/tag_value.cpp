@@ -25,10 +25,28 @@ bool isUtf8(std::string_view text) {
   return true;
 }
 
+/// A character that is cut in two would spoil the whole text.
+void cutToLength(std::string& text) {
+  if (text.size() <= longestTag) return;
+  std::size_t end = longestTag;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  text.resize(end);
+}
+
+/// Control characters count as blanks, also those that lie above ASCII, U+0080 to U+009F.
+void blankControls(std::string& text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const auto byte = static_cast<unsigned char>(text[i]);
+    if (byte < ' ' || byte == 0x7F) text[i] = ' ';
+    if (byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0)
+      text.replace(i, 2, " ");
+  }
+}
+
 std::string oneLine(std::string_view value) {
-  std::string text = utf8Of(value.substr(0, longestTag));
-  std::ranges::replace_if(
-      text, [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, ' ');
+  std::string text = utf8Of(value);
+  cutToLength(text);
+  blankControls(text);
   return trim(text);
 }
 

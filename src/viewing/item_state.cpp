@@ -9,6 +9,8 @@ using Request = ItemRequest;
 
 constexpr ItemActs resuming{Resume, ShowSeekBar};
 constexpr ItemActs pausing{Pause, ShowSeekBar};
+/// The next song does not wait for what the device still holds of this one.
+constexpr ItemActs leavingForTrack{StorePosition, Pause};
 
 ItemStep stay(State state) {
   return {state};
@@ -32,8 +34,9 @@ ItemStep leaveOrBrowse(State state, Request request, const ItemFacts& facts) {
     case Request::PlaySelection:
       return {state, {Resolve}};
     case Request::Selected:
-    case Request::TrackFound:
       return {State::Finished, {StorePosition}};
+    case Request::TrackFound:
+      return {State::Finished, leavingForTrack};
     case Request::OpenPosters:
       if (facts.seriesItem) return {State::Browsing, {StorePosition, Pause, FreeSoundDevice, OpenStrip}};
       return {State::Browsing, {StorePosition, Pause, OpenStrip}};
@@ -42,14 +45,18 @@ ItemStep leaveOrBrowse(State state, Request request, const ItemFacts& facts) {
   }
 }
 
-ItemStep whileStarting(Request request) {
+ItemStep whileStarting(Request request, const ItemFacts& facts) {
   switch (request) {
     case Request::Opened:
       return {State::Playing, {Start}};
     case Request::PlaySelection:
       return {State::Starting, {Resolve}};
+    case Request::SeekForward:
+    case Request::SeekBackward:
+      return facts.musicRoom ? stepTrack(State::Starting, facts) : stay(State::Starting);
     case Request::GoHome:
     case Request::Selected:
+    case Request::TrackFound:
     case Request::Leave:
     case Request::StreamEnded:
       return {State::Finished};
@@ -87,6 +94,7 @@ ItemStep whilePaused(Request request, const ItemFacts& facts) {
     case Request::SeekCommit:
       return {State::Paused, {ShowSeekBar}};
     case Request::TrackFound:
+      return {State::Finished, leavingForTrack};
     case Request::Leave:
       return {State::Finished, {StorePosition}};
     default:
@@ -153,7 +161,7 @@ ItemStep whileEnding(Request request) {
 ItemStep stepOf(ItemState state, ItemRequest request, const ItemFacts& facts) {
   switch (state) {
     case State::Starting:
-      return whileStarting(request);
+      return whileStarting(request, facts);
     case State::Playing:
     case State::Seeking:
       return whileRunning(state, request, facts);

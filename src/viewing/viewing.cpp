@@ -53,6 +53,12 @@ constexpr std::array codeRequests{
     CodeRequest{NavCode::NextItem, ItemRequest::Leave},
 };
 
+/// Before the screen tells: a key may already ask for the next track while this one is being opened.
+bool liesInMusicRoom(const std::filesystem::path& path) {
+  const auto room = roomRootOf(path);
+  return room && knownKind(*room) == MediaKind::Music;
+}
+
 std::string fullPath(const std::string& path) {
   const std::filesystem::path given(path);
   return (given.is_absolute() ? given : mediaRoot() / given).lexically_normal().string();
@@ -87,6 +93,7 @@ Viewing::Viewing(const PlayContext& context, const std::string& path, SoundMode 
       user_(context.stored.users.activeUser()),
       isAvi_(lowerExtension(path_) == ".avi"),
       play_({path_, context.language, soundMode}, {context.clock, context.stored, context.soundDevice}),
+      musicRoom_(liesInMusicRoom(path_)),
       startedAt_(clock_.now()),
       stateSince_(startedAt_) {}
 

@@ -84,7 +84,7 @@ class Viewing {
   ItemState state_ = ItemState::Starting;
   bool opened_ = false;
   bool ended_ = false;  ///< by itself, not by the viewer
-  bool musicRoom_ = false;
+  bool musicRoom_;
   Clock::Time startedAt_;
   Clock::Time startGuardUntil_;  ///< until then a pause key is the one that has started the item
   Clock::Time stateSince_;

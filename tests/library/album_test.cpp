@@ -58,10 +58,14 @@ TEST_F(AlbumTest, TagsAreReadByTheirVeryNameFirst) {
         << file;
   }
   std::string oldest = test::readText(make("h.mp3", "-id3v2_version 0"));
-  std::string tag = "TAG\xC9toile";
+  std::string tag = "TAG\xC9toile\x92s";
   tag.resize(128);
   test::writeText(folder_.path() / "h.mp3", oldest + tag);
-  EXPECT_EQ(trackInfo(folder_.path() / "h.mp3")->title, "Étoile");
+  EXPECT_EQ(trackInfo(folder_.path() / "h.mp3")->title, "Étoile s");
+  std::string rain;
+  while (rain.size() < 1023) rain += "雨";
+  EXPECT_EQ(trackInfo(make("i.flac", "-metadata title=" + rain + rain))->title, rain)
+      << "no character is cut in two";
 }
 
 TEST_F(AlbumTest, FilesAreKnownUntilTheyChange) {

@@ -47,6 +47,7 @@ std::string pictureFilters(const Clip& clip) {
 }  // namespace
 
 fs::path makeFile(const std::string& words, const std::string& extension, const fs::path& folder) {
+  fs::create_directories(folder);
   const fs::path file = folder / (std::to_string(std::hash<std::string>()(words)) + "." + extension);
   if (fs::exists(file)) return file;
   // Made under a name of its own and then moved, so that nobody meets half a file.

@@ -44,7 +44,7 @@ TEST(ItemState, StepsByTheTable) {
     ItemFacts facts{};
   } rows[] = {
       {{S::Starting}, {R::Opened}, S::Playing, {Start}},
-      {{S::Starting}, {R::Selected, R::GoHome, R::Leave, R::StreamEnded}, S::Finished, {}},
+      {{S::Starting}, {R::Selected, R::TrackFound, R::GoHome, R::Leave, R::StreamEnded}, S::Finished, {}},
       {{S::Starting}, {R::PlaySelection}, same, {Resolve}},
 
       {running, {R::TogglePause}, S::Paused, {StorePosition, Pause, ShowSeekBar}},
@@ -60,7 +60,7 @@ TEST(ItemState, StepsByTheTable) {
       {running, seekKeys, S::Seeking, {Seek}},
       {standing, seekKeys, S::SeekingInPause, {Seek, ShowSeekBar}},
       {{S::Settling}, seekKeys, S::SeekingInPause, {Pause, Seek, ShowSeekBar}},
-      {{S::Playing, S::Paused}, seekKeys, same, {StepTrack}, {.musicRoom = true}},
+      {{S::Starting, S::Playing, S::Paused}, seekKeys, same, {StepTrack}, {.musicRoom = true}},
       {{S::Browsing}, seekKeys, same, {StepSelection}, {.musicRoom = true, .stripShown = true}},
       {running, {R::SeekCommit}, S::Playing, {ShowSeekBar}},
       {{S::Paused}, {R::SeekCommit}, same, {ShowSeekBar}},
@@ -79,11 +79,13 @@ TEST(ItemState, StepsByTheTable) {
       {running, {R::ClosePosters}, same, {HideStrip}},
       {open, {R::PlaySelection}, same, {Resolve}},
 
-      {open, {R::Selected, R::TrackFound, R::PreviousItem, R::Leave}, S::Finished, {StorePosition}},
+      {open, {R::Selected, R::PreviousItem, R::Leave}, S::Finished, {StorePosition}},
+      {open, {R::TrackFound}, S::Finished, {StorePosition, Pause}},
       {open, {R::PreviousItem}, same, {SeekToStart, ShowSeekBar}, {.pastStart = true}},
       {running, {R::StreamEnded}, S::Finished, {StorePosition, ShowSeekBar}},
       {open, {R::GoHome}, S::Ending, {StorePosition, Pause, FadeOut}},
-      {{S::Paused}, {R::TrackFound, R::Leave}, S::Finished, {StorePosition}},
+      {{S::Paused}, {R::TrackFound}, S::Finished, {StorePosition, Pause}},
+      {{S::Paused}, {R::Leave}, S::Finished, {StorePosition}},
       {{S::Ending}, {R::Leave, R::FadedOut}, S::Finished, {StorePosition}},
   };
   std::set<std::pair<S, R>> listed;
