@@ -232,11 +232,11 @@ void Display::runChooser() {
 }
 
 void Display::presentHome() {
-  SDL_SetRenderDrawColor(renderer(), 0, 0, 0, SDL_ALPHA_OPAQUE);
-  SDL_RenderClear(renderer());
   FrameContext frame = frameContext();
   SDL_GetRendererOutputSize(renderer(), &frame.width, &frame.height);
   if (followScreensaver(frame)) return;
+  SDL_SetRenderDrawColor(renderer(), 0, 0, 0, SDL_ALPHA_OPAQUE);
+  SDL_RenderClear(renderer());
   home_.draw(frame, focusFacts());
   statusLines_.draw(frame, home_.homeMode());
   saver_.draw(frame, focusFacts());

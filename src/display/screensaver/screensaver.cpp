@@ -18,6 +18,9 @@ namespace {
 /// Somewhat larger than the window, of which an edge is cut off.
 constexpr double slideScale = 1.01;
 
+/// What lay over a window must not stay on it.
+constexpr Uint64 redrawMs = 1000;
+
 SDL_Point slideArea(const FrameContext& frame) {
   return {static_cast<int>(std::ceil(frame.width * slideScale)),
           static_cast<int>(std::ceil(frame.height * slideScale))};
@@ -200,9 +203,10 @@ bool Screensaver::moves(Uint64 nowMs) const {
 
 bool Screensaver::drawAlone(const FrameContext& frame) {
   const bool moving = moves(frame.nowMs);
-  if (drawn_ && !moving) return false;
+  if (drawn_ && !moving && frame.nowMs < drawnAt_ + redrawMs) return false;
   drawWhole(frame);
   drawn_ = !moving;
+  drawnAt_ = frame.nowMs;
   return true;
 }
 

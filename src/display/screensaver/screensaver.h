@@ -99,6 +99,7 @@ class Screensaver final : public Layer {
   TexturePtr frame_;  ///< what is blended
   SDL_Point frameSize_{};
   bool drawn_ = false;  ///< the screen shows what there is
+  Uint64 drawnAt_ = 0;
 };
 
 }  // namespace tavek
