@@ -215,7 +215,9 @@ void Screensaver::draw(const FrameContext& frame, const FocusFacts& /*facts*/) {
   drawn_ = false;
   if (!frame_ || frameSize_.x != frame.width || frameSize_.y != frame.height) {
     frameSize_ = {frame.width, frame.height};
-    frame_.reset(SDL_CreateTexture(frame.renderer, SDL_PIXELFORMAT_RGBA8888, SDL_TEXTUREACCESS_TARGET,
+    // All of it is drawn: without a channel for what is not, it is laid over the screen in a quarter of the
+    // time where there is no graphics chip.
+    frame_.reset(SDL_CreateTexture(frame.renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_TARGET,
                                    frame.width, frame.height));
     SDL_SetTextureBlendMode(frame_.get(), SDL_BLENDMODE_BLEND);
   }
