@@ -5,6 +5,7 @@
 #include "base/background_job.h"
 #include "base/paths.h"
 #include "base/process_flags.h"
+#include "display/strip/strip_layout.h"
 #include "library/file_types.h"
 #include "library/match_key.h"
 #include "library/media_paths.h"
@@ -22,7 +23,9 @@ Display::Display(int x, int y, int width, int height, Orientation orientation, c
       playback_(orientation),
       screen_({x, y, width, height}, playback_.picture()),
       strip_(stored),
-      home_(stored) {}
+      home_(stored),
+      screensaver_(stored.notes),
+      settings_(stored.settings) {}
 
 Display::~Display() {
   for (Layer* layer : layers_) layer->destroyTextures();
@@ -34,14 +37,21 @@ Display::~Display() {
 
 void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) {
   if (!usable() || picture.width < 1 || picture.height < 1) return;
+  screensaver_.setLastPicture({picture.width, picture.height});
   const FrameContext frame = frameContext();
   strip_.endSlide(frame.renderer, playback_.currentVideo(), !playback_.videoPlaying(), frame.nowMs);
   const FocusFacts facts = focusFacts();
+  if (presentScreensaver(frame, facts)) return;
+  playback_.picture().visibility = screensaver_.videoVisibility();
   if (!playback_.drawPicture(frame, facts, picture, positionUs)) return;
-  for (Layer* layer : layers_) layer->draw(frame, facts);
+  for (Layer* layer : layers_) {
+    // That lies over the words too.
+    if (layer != &screensaver_) layer->draw(frame, facts);
+  }
   SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
   SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
   if (!facts.videoPlaying) statusLines_.draw(frame, facts.homeMode);
+  screensaver_.draw(frame, facts);
   SDL_RenderPresent(renderer());
 }
 
@@ -66,7 +76,8 @@ void Display::alignWithItem(const std::filesystem::path& path) {
 }
 
 void Display::setVideoPlaying(bool playing) {
-  playback_.setVideoPlaying(playing);
+  // The tracks of an album follow each other by themselves.
+  if (playback_.setVideoPlaying(playing) && !playback_.audioItem()) screensaver_.touch(clock_.ticksMs());
   if (!playing) return;
   home_.endFadeIn();
   strip_.forgetPendingFolder();
@@ -74,7 +85,7 @@ void Display::setVideoPlaying(bool playing) {
 }
 
 void Display::setVideoPaused(bool paused) {
-  playback_.setVideoPaused(paused, clock_.ticksMs());
+  if (playback_.setVideoPaused(paused, clock_.ticksMs())) screensaver_.touch(clock_.ticksMs());
 }
 
 void Display::showSeekBar() {
@@ -101,10 +112,44 @@ void Display::showStrip() {
   strip_.show(playback_.currentVideo(), home_.homeMode(), clock_.ticksMs());
 }
 
+// --- The screensaver ---
+
+void Display::startScreensaver(Uint64 nowMs) {
+  screensaver_.start(nowMs);
+  for (const std::filesystem::path& room : home_.rooms()) {
+    if (const auto kind = knownKind(room)) requestScans(idleScans_, scanRequests_, room, *kind, nowMs);
+  }
+}
+
+SlideSources Display::slideSources() {
+  const std::filesystem::path current = currentFolder();
+  const std::filesystem::path other = otherSlideFolder(current, home_.rooms());
+  SlideSources sources{{current}, strip_.posters().titles()};
+  if (other != current) sources.folders.push_back(other);
+  return sources;
+}
+
+/// While nothing shows through it, it is all that is drawn, and that only when it changes.
+bool Display::presentScreensaver(const FrameContext& frame, const FocusFacts& facts) {
+  const int missing = static_cast<int>(postersOnScreen) - static_cast<int>(posters().list().size());
+  if (screensaver_.on() && missing > 0) takePendingPosters(posterHeight, missing);
+  if (facts.audioItem) screensaver_.setMusicArt(musicArt_);
+  if (!screensaver_.full()) return false;
+  if (screensaver_.drawAlone(frame, facts)) SDL_RenderPresent(frame.renderer);
+  return true;
+}
+
+/// Nothing is saved while something moves on the screen.
+void Display::updateHoldWrites() {
+  const bool hold = strip_.holdsWrites() || screensaver_.holdsWrites();
+  if (std::exchange(writesHeld_, hold) != hold) settings_.holdWrites(hold);
+}
+
 // --- Home and rooms ---
 
 void Display::goHome(bool refresh) {
   home_.closeChooser();
+  screensaver_.end(clock_.ticksMs());
   strip_.drop();
   strip_.forgetTyped();
   strip_.forgetPendingFolder();
@@ -134,12 +179,15 @@ void Display::runChooser() {
 }
 
 void Display::presentHome() {
-  SDL_SetRenderDrawColor(renderer(), 0, 0, 0, SDL_ALPHA_OPAQUE);
-  SDL_RenderClear(renderer());
   FrameContext frame = frameContext();
   SDL_GetRendererOutputSize(renderer(), &frame.width, &frame.height);
-  home_.draw(frame, focusFacts());
+  const FocusFacts facts = focusFacts();
+  if (presentScreensaver(frame, facts)) return;
+  SDL_SetRenderDrawColor(renderer(), 0, 0, 0, SDL_ALPHA_OPAQUE);
+  SDL_RenderClear(renderer());
+  home_.draw(frame, facts);
   statusLines_.draw(frame, home_.homeMode());
+  screensaver_.draw(frame, facts);
   SDL_RenderPresent(renderer());
 }
 

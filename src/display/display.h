@@ -13,10 +13,13 @@
 #include "display/home/home.h"
 #include "display/playback/playback_screen.h"
 #include "display/screen.h"
+#include "display/screensaver/idle_scans.h"
+#include "display/screensaver/screensaver.h"
 #include "display/status_lines.h"
 #include "display/strip/strip.h"
 #include "display/toolkit/focus.h"
 #include "display/toolkit/key_input.h"
+#include "display/toolkit/music_art.h"
 #include "display/toolkit/nav_code.h"
 #include "state/stored.h"
 
@@ -111,6 +114,8 @@ class Display {
   std::filesystem::path currentFolder() const { return home_.room(); }
   /// Once after each opening of the home screen over a running item, and once after its closing.
   bool takePauseToggle() { return home_.takePauseToggle(); }
+  /// Who is asked for new art while nobody uses the program.
+  void setScanRequests(ScanRequests requests) { scanRequests_ = std::move(requests); }
 
  private:
   // Input: display_input.cpp.
@@ -125,11 +130,20 @@ class Display {
   bool endLostSeek();
   NavCode heldKey(Uint64 nowMs);
   FocusFacts focusFacts() const;
+  void watchIdleTime(Uint64 nowMs);
+  void noteActivity(const SDL_Event& event, Uint64 nowMs);
 
   // What crosses screens.
   void openChooser();
   void openRoom(const std::filesystem::path& room);
   void enterRoom(const std::filesystem::path& room);
+
+  // The screensaver.
+  void startScreensaver(Uint64 nowMs);
+  void wake();
+  SlideSources slideSources();
+  bool presentScreensaver(const FrameContext& frame, const FocusFacts& facts);
+  void updateHoldWrites();
 
   void presentHome();
   FrameContext frameContext() const;
@@ -139,9 +153,15 @@ class Display {
   Screen screen_;
   Strip strip_;
   Home home_;
+  Screensaver screensaver_;
   /// The screens in the order in which they are drawn, over the picture.
-  const std::array<Layer*, 3> layers_{&home_, &playback_, &strip_};
+  const std::array<Layer*, 4> layers_{&home_, &playback_, &strip_, &screensaver_};
   StatusLines statusLines_;
+  MusicArt musicArt_;  ///< of the track that plays
+  IdleScans idleScans_;
+  ScanRequests scanRequests_;
+  StoredSettings& settings_;
+  bool writesHeld_ = false;
   KeyInput keys_;
   FocusName focus_ = FocusName::Movie;  ///< the last one, to see it change
   MediaKind roomKind_ = MediaKind::Movies;

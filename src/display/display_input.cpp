@@ -27,7 +27,9 @@ constexpr std::array globalKeys{
 NavCode Display::pollInput() {
   const Uint64 now = clock_.ticksMs();
   for (Layer* layer : layers_) carryOut(layer->advance(now));
+  watchIdleTime(now);
   updateFocus();
+  if (screensaver_.on()) keys_.clear();
   if (endLostSeek()) return NavCode::SeekCommit;
   const NavCode repeated = heldKey(now);
   if (stopSignalled) {
@@ -36,6 +38,14 @@ NavCode Display::pollInput() {
   }
   const NavCode code = pumpEvents();
   return code != NavCode::None ? code : repeated;
+}
+
+/// A track that plays is no picture that runs.
+void Display::watchIdleTime(Uint64 nowMs) {
+  const FocusFacts facts = focusFacts();
+  if (screensaver_.idleTooLong(facts.running() && !facts.audioItem, nowMs)) startScreensaver(nowMs);
+  if (screensaver_.wantsSlides(nowMs)) screensaver_.listSlides(slideSources(), nowMs);
+  updateHoldWrites();
 }
 
 /// Not by SDL_PollEvent: when a pass ends early with a code, that would find nothing in the next one, and the
@@ -60,18 +70,27 @@ NavCode Display::handleEvent(const SDL_Event& event) {
     case SDL_KEYUP:
       return keyEvent(event.key, now);
     default:
+      if (screensaver_.on()) return carryOut(screensaver_.event(event, now));
+      noteActivity(event, now);
       return carryOut(layerWithFocus().event(event, now));
   }
+}
+
+void Display::noteActivity(const SDL_Event& event, Uint64 nowMs) {
+  constexpr std::array kinds{SDL_TEXTINPUT, SDL_JOYBUTTONDOWN, SDL_CONTROLLERBUTTONDOWN};
+  if (std::ranges::find(kinds, event.type) != kinds.end()) screensaver_.touch(nowMs);
 }
 
 NavCode Display::keyEvent(const SDL_KeyboardEvent& event, Uint64 nowMs) {
   const auto press = keys_.take(event, nowMs);
   if (!press) return NavCode::None;
   if (const auto release = playback_.volumeRelease(*press)) return *release;
+  if (screensaver_.takesKey(*press)) return carryOut(screensaver_.key(*press, focusFacts(), nowMs));
   updateFocus();
   const FocusFacts facts = focusFacts();
   if (!passesRepeatFilter(*press, facts)) return NavCode::None;
   if (showKeycodesEnabled) printKey(*press);
+  if (press->down) screensaver_.touch(nowMs);
   Meaning meaning = press->down && !press->repeat ? globalKey(*press, facts, nowMs) : Meaning(Unhandled());
   if (std::holds_alternative<Unhandled>(meaning)) meaning = layerWithFocus().key(*press, facts, nowMs);
   return carryOut(std::move(meaning));
@@ -111,9 +130,18 @@ NavCode Display::carryOut(Meaning meaning) {
     goHome(true);
     openChooser();
   }
+  if (*code == NavCode::Wake) wake();
   // The settings and the search by voice come up here. Over an item that runs, its player opens the settings.
   if (*code == NavCode::ToggleSettings && !playback_.videoPlaying()) return NavCode::None;
   return *code;
+}
+
+/// What was held before is over, the seek too.
+void Display::wake() {
+  keys_.clear();
+  playback_.endSeek();
+  updateHoldWrites();
+  updateFocus();
 }
 
 Layer& Display::layerWithFocus() {
@@ -162,7 +190,8 @@ FocusFacts Display::focusFacts() const {
           .stripAny = strip_.any(),
           .seekFocus = playback_.seekFocus(),
           .videoPlaying = playback_.videoPlaying(),
-          .videoPaused = playback_.videoPaused()};
+          .videoPaused = playback_.videoPaused(),
+          .screensaverActive = screensaver_.active()};
 }
 
 void Display::discardInput() {

@@ -125,7 +125,8 @@ void Viewing::serveCode(NavCode code) {
   if (state_ == ItemState::Starting) return;
   serveVolume(code);
   if (state_ == ItemState::Ending || state_ == ItemState::Paused) return;
-  if (code == NavCode::Wake) display_.showSeekBar();
+  // The bar would take the strip's place, and the key that wakes changes nothing.
+  if (code == NavCode::Wake && !display_.stripShown()) display_.showSeekBar();
   if (code == NavCode::Snapshot && !runs(state_)) takeSnapshot();
 }
 

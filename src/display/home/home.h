@@ -42,6 +42,7 @@ class Home final : public Layer {
   bool takePauseToggle() { return std::exchange(pauseToggle_, false); }
 
   std::string activeUser() const { return stored_.users.activeUser(); }
+  const std::vector<std::filesystem::path>& rooms() const { return rooms_.folders(); }
   /// The selected room.
   std::filesystem::path room() const { return rooms_.current(); }
   /// Selects the room, if it is one of the library's.

@@ -164,7 +164,8 @@ bool PlaybackScreen::drawPicture(const FrameContext& frame, const FocusFacts& fa
                   {.videoPlaying = videoPlaying_,
                    .videoPaused = videoPaused_,
                    .homeMode = facts.homeMode,
-                   .stripOn = facts.stripAny},
+                   .stripOn = facts.stripAny,
+                   .screensaverActive = facts.screensaverActive},
                   currentVideo_);
   volumeBar_.draw(frame);
   return true;
@@ -175,7 +176,7 @@ void PlaybackScreen::draw(const FrameContext& frame, const FocusFacts& facts) {
                         .videoPaused = videoPaused_,
                         .seekFocus = seekFocus_,
                         .stripShown = facts.stripShown});
-  pauseIcon_.draw(frame, videoPaused_ && !facts.homeMode);
+  pauseIcon_.draw(frame, videoPaused_ && !facts.homeMode && !facts.screensaverActive);
 }
 
 }  // namespace tavek

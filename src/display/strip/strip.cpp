@@ -149,25 +149,17 @@ void Strip::show(const std::filesystem::path& currentVideo, bool fromHome, Uint6
   letterBar_.arm();
   if (fromHome || (selectedPoster() == nullptr && !posters_.list().empty())) posters_.selectPoster(0);
   state_ = {.visible = true, .open = true, .sliding = true, .slidingIn = true, .slideAt = nowMs};
-  updateHoldWrites();
 }
 
 void Strip::hide(Uint64 nowMs) {
   if (!state_.visible) return;
   state_ = {.visible = true, .sliding = true, .slideAt = nowMs};
   letterBar_.reset();
-  updateHoldWrites();
 }
 
 void Strip::drop() {
   state_ = {};
   letterBar_.reset();
-  updateHoldWrites();
-}
-
-/// The state file is written when the strip has come to rest below the screen.
-void Strip::updateHoldWrites() {
-  stored_.settings.holdWrites(state_.visible || state_.sliding);
 }
 
 void Strip::endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,

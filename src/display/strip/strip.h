@@ -19,7 +19,7 @@ namespace tavek {
 /// through the folders of a series, and to what plays.
 class Strip final : public Layer {
  public:
-  explicit Strip(const Stored& stored) : stored_(stored), posters_(stored.users) {}
+  explicit Strip(const Stored& stored) : posters_(stored.users) {}
 
   bool owns(FocusName focus) const override { return focus == FocusName::Tv || focus == FocusName::Poster; }
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
@@ -34,6 +34,8 @@ class Strip final : public Layer {
   bool shown() const { return state_.visible; }
   /// In any state but closed.
   bool any() const { return state_.any(); }
+  /// The state file is written when the strip has come to rest below the screen.
+  bool holdsWrites() const { return state_.visible || state_.sliding; }
 
   /// Lists a folder. With the strip on the screen it slides out first, and in again over the new list; only
   /// without it the renderer is needed.
@@ -75,9 +77,7 @@ class Strip final : public Layer {
   bool enterSelection(Uint64 nowMs);
   void type(char character, Uint64 nowMs);
   void jumpToTyped();
-  void updateHoldWrites();
 
-  const Stored stored_;
   Posters posters_;
   LetterBar letterBar_;
   StripState state_;

@@ -34,6 +34,7 @@ struct FocusFacts {
   bool seekFocus = false;   ///< a seek key is down
   bool videoPlaying = true;
   bool videoPaused = false;  ///< by the viewer
+  bool screensaverActive = false;
 
   bool musicWithAudio() const { return roomKind == MediaKind::Music && audioItem; }
   bool running() const { return videoPlaying && !videoPaused; }
