@@ -1,7 +1,9 @@
 #include "display/screensaver/slides.h"
 
+#include <iostream>
 #include <utility>
 
+#include "display/toolkit/colour.h"
 #include "display/toolkit/fade.h"
 #include "display/toolkit/texture.h"
 
@@ -10,15 +12,27 @@ namespace {
 
 /// A scan that runs meanwhile may bring some.
 constexpr Uint64 lookAgainMs = 60'000;
-constexpr int halfStrength = 128;
+constexpr Uint8 halfStrength = 128;
 
-bool drawSlide(const FrameContext& frame, const BackgroundImage& image, Uint8 alpha) {
-  SDL_Texture* texture = image.texture();
-  SDL_SetTextureBlendMode(texture, SDL_BLENDMODE_BLEND);
-  const bool alive = SDL_SetTextureAlphaMod(texture, alpha) == 0;
-  copyTexture(frame.renderer, texture, slidePlace({frame.width, frame.height}, image.size()));
-  SDL_SetTextureAlphaMod(texture, 255);
-  return alive;
+/// A decoded slide as it is shown: over the whole window, at half strength. So each frame is a plain copy.
+TexturePtr shownSlide(SDL_Renderer* renderer, const BackgroundImage& image, SDL_Point window) {
+  TexturePtr shown(
+      SDL_CreateTexture(renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_TARGET, window.x, window.y));
+  SDL_Texture* before = SDL_GetRenderTarget(renderer);
+  if (!shown || SDL_SetRenderTarget(renderer, shown.get()) != 0) return {};
+  setDrawColour(renderer, theme::black);
+  SDL_RenderClear(renderer);
+  SDL_SetTextureBlendMode(image.texture(), SDL_BLENDMODE_BLEND);
+  SDL_SetTextureAlphaMod(image.texture(), halfStrength);
+  copyTexture(renderer, image.texture(), slidePlace(window, image.size()));
+  SDL_SetRenderTarget(renderer, before);
+  return shown;
+}
+
+void drawShown(SDL_Renderer* renderer, SDL_Texture* slide, double strength) {
+  SDL_SetTextureBlendMode(slide, strength < 1 ? SDL_BLENDMODE_BLEND : SDL_BLENDMODE_NONE);
+  SDL_SetTextureAlphaMod(slide, fadedAlpha(strength));
+  SDL_RenderCopy(renderer, slide, nullptr, nullptr);
 }
 
 }  // namespace
@@ -67,18 +81,29 @@ void Slides::takeListing() {
 // --- The slide that stands ---
 
 void Slides::Slot::ask(const std::string& file, SDL_Point wished) {
-  if (file == path && wished.x == area.x && wished.y == area.y) return;
+  if (file == path && wished.x == window.x && wished.y == window.y) return;
   // What stands keeps its picture until the one of another size has come.
   if (file != path) drop();
   path = file;
-  area = wished;
-  image.want({.path = file}, wished, Fit::Cover);
+  window = wished;
+  image.want({.path = file}, slideArea(wished), Fit::Cover);
+}
+
+void Slides::Slot::take(SDL_Renderer* renderer) {
+  image.take(renderer);
+  if (image.pending() || image.texture() == nullptr) return;
+  picture = shownSlide(renderer, image, window);
+  const std::string error = SDL_GetError();
+  if (!picture && !error.empty())
+    std::cout << "Display: screensaver fanart render failed: " << error << std::endl;
+  image.drop();
 }
 
 void Slides::Slot::drop() {
   image.drop();
+  picture.reset();
   path.clear();
-  area = {};
+  window = {};
 }
 
 bool Slides::follow(const FrameContext& frame) {
@@ -86,13 +111,13 @@ bool Slides::follow(const FrameContext& frame) {
   bool changed = false;
   for (Slot& each : slots_) {
     const bool waited = each.image.pending();
-    each.image.take(frame.renderer);
+    each.take(frame.renderer);
     changed = changed || (waited && !each.image.pending() && &each == &slot(here));
   }
   if (slot(here).failed()) dropCurrent();
   if (slides_.empty()) return changed;
-  const SDL_Point area = slideArea({frame.width, frame.height});
-  slot(here).ask(slides_[clock_.current].path, area);
+  const SDL_Point window{frame.width, frame.height};
+  slot(here).ask(slides_[clock_.current].path, window);
   if (!slot(here).ready()) return changed;
   if (clock_.startedAt == 0) {
     clock_.startedAt = frame.nowMs;
@@ -103,13 +128,13 @@ bool Slides::follow(const FrameContext& frame) {
     slot(before).drop();
     changed = true;
   }
-  prepareNext(area);
+  prepareNext(window);
   return stepOn(frame.nowMs) || changed;
 }
 
-void Slides::prepareNext(SDL_Point area) {
+void Slides::prepareNext(SDL_Point window) {
   const std::size_t index = slideAfter(clock_.current, slides_.size());
-  if (!slot(next).failed()) return slot(next).ask(slides_[index].path, area);
+  if (!slot(next).failed()) return slot(next).ask(slides_[index].path, window);
   slot(next).drop();
   // The one that stands is known to be good: with no other left, it stands on.
   if (index != clock_.current) eraseSlide(slides_, clock_, index);
@@ -142,13 +167,13 @@ const Slide* Slides::current() const {
   return slides_.empty() || clock_.startedAt == 0 ? nullptr : &slides_[clock_.current];
 }
 
-bool Slides::draw(const FrameContext& frame) const {
-  if (current() == nullptr || !slot(here).ready()) return true;
+void Slides::draw(const FrameContext& frame) const {
+  if (current() == nullptr || !slot(here).ready()) return;
   const double strength = clock_.crossfade(frame.nowMs);
-  if (strength < 1 && slot(before).ready() &&
-      !drawSlide(frame, slot(before).image, fadedAlpha(1 - strength, halfStrength)))
-    return false;
-  return drawSlide(frame, slot(here).image, fadedAlpha(strength, halfStrength));
+  // Laid over it, the one that comes takes a part of the one that goes, too; at half strength half of that.
+  if (strength < 1 && slot(before).ready())
+    drawShown(frame.renderer, slot(before).picture.get(), 1 - strength / 2);
+  drawShown(frame.renderer, slot(here).picture.get(), strength);
 }
 
 }  // namespace tavek

@@ -11,6 +11,7 @@
 #include "display/screensaver/saver_rules.h"
 #include "display/toolkit/background_image.h"
 #include "display/toolkit/frame_context.h"
+#include "display/toolkit/sdl_handles.h"
 #include "library/fan_art.h"
 
 namespace tavek {
@@ -36,8 +37,8 @@ class Slides {
   bool follow(const FrameContext& frame);
   /// Two slides, or one and black, lie over each other.
   bool crossfading(Uint64 nowMs) const;
-  /// At half strength, over black. False if the renderer has lost a picture.
-  bool draw(const FrameContext& frame) const;
+  /// At half strength, over black.
+  void draw(const FrameContext& frame) const;
   /// The one that stands; null without one.
   const Slide* current() const;
   /// Tells one showing of a slide from the next.
@@ -53,19 +54,21 @@ class Slides {
   /// A place for a picture, and what is to be in it.
   struct Slot {
     BackgroundImage image;
+    TexturePtr picture;  ///< as it is on the screen, of the window's size
     std::string path;
-    SDL_Point area{};
+    SDL_Point window{};
 
     void ask(const std::string& file, SDL_Point wished);
+    void take(SDL_Renderer* renderer);
     void drop();
-    bool ready() const { return image.texture() != nullptr; }
+    bool ready() const { return picture != nullptr; }
     bool failed() const { return !path.empty() && !image.pending() && !ready(); }
   };
 
   void startListing();
   void takeListing();
   bool stepOn(Uint64 nowMs);
-  void prepareNext(SDL_Point area);
+  void prepareNext(SDL_Point window);
   Slot& slot(std::size_t ahead) { return slots_[(slot_ + ahead) % slots_.size()]; }
   const Slot& slot(std::size_t ahead) const { return slots_[(slot_ + ahead) % slots_.size()]; }
 
