@@ -89,9 +89,9 @@ void Slides::Slot::ask(const std::string& file, SDL_Point wished) {
   image.want({.path = file}, slideArea(wished), Fit::Cover);
 }
 
+/// In two passes, so that none of them takes long.
 void Slides::Slot::take(SDL_Renderer* renderer) {
-  image.take(renderer);
-  if (image.pending() || image.texture() == nullptr) return;
+  if (image.texture() == nullptr || image.pending()) return image.take(renderer);
   picture = shownSlide(renderer, image, window);
   const std::string error = SDL_GetError();
   if (!picture && !error.empty())
@@ -110,9 +110,9 @@ bool Slides::follow(const FrameContext& frame) {
   takeListing();
   bool changed = false;
   for (Slot& each : slots_) {
-    const bool waited = each.image.pending();
+    const SDL_Texture* shown = each.picture.get();
     each.take(frame.renderer);
-    changed = changed || (waited && !each.image.pending() && &each == &slot(here));
+    changed = changed || (each.picture.get() != shown && &each == &slot(here));
   }
   if (slot(here).failed()) dropCurrent();
   if (slides_.empty()) return changed;

@@ -62,7 +62,9 @@ class Slides {
     void take(SDL_Renderer* renderer);
     void drop();
     bool ready() const { return picture != nullptr; }
-    bool failed() const { return !path.empty() && !image.pending() && !ready(); }
+    bool failed() const {
+      return !path.empty() && !image.pending() && image.texture() == nullptr && !ready();
+    }
   };
 
   void startListing();
