@@ -133,10 +133,17 @@ SlideSources Display::slideSources() {
 bool Display::presentScreensaver(const FrameContext& frame, const FocusFacts& facts) {
   const int missing = static_cast<int>(postersOnScreen) - static_cast<int>(posters().list().size());
   if (screensaver_.on() && missing > 0) takePendingPosters(posterHeight, missing);
-  if (facts.audioItem) screensaver_.setMusicArt(musicArt_);
+  if (facts.audioItem && screensaver_.on()) screensaver_.setMusicArt(shownMusicArt());
   if (!screensaver_.full()) return false;
   if (screensaver_.drawAlone(frame, facts)) SDL_RenderPresent(frame.renderer);
   return true;
+}
+
+/// A track without a title shows its file's name.
+MusicArt Display::shownMusicArt() const {
+  MusicArt art = musicArt_;
+  if (art.lines.front().empty()) art.lines.front() = playback_.currentVideo().stem().string();
+  return art;
 }
 
 /// Nothing is saved while something moves on the screen.

@@ -143,6 +143,7 @@ class Display {
   void wake();
   SlideSources slideSources();
   bool presentScreensaver(const FrameContext& frame, const FocusFacts& facts);
+  MusicArt shownMusicArt() const;
   void updateHoldWrites();
 
   void presentHome();

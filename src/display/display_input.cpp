@@ -44,7 +44,7 @@ NavCode Display::pollInput() {
 void Display::watchIdleTime(Uint64 nowMs) {
   const FocusFacts facts = focusFacts();
   if (screensaver_.idleTooLong(facts.running() && !facts.audioItem, nowMs)) startScreensaver(nowMs);
-  if (screensaver_.wantsSlides(nowMs)) screensaver_.listSlides(slideSources(), nowMs);
+  if (!facts.audioItem && screensaver_.wantsSlides(nowMs)) screensaver_.listSlides(slideSources(), nowMs);
   updateHoldWrites();
 }
 

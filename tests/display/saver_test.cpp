@@ -1,4 +1,5 @@
 // The screensaver in the whole of the window, with its clock turned.
+#include <algorithm>
 #include <fstream>
 #include <functional>
 #include <thread>
@@ -222,6 +223,26 @@ TEST_F(SaverTest, WhatIsBrokenOrGoneIsLeftOut) {
   art("D", rgba(255, 0, 0));
   clock.turn(minutes(1));
   EXPECT_TRUE(shows(halfRed)) << "new art is found";
+}
+
+/// Tracks follow each other by themselves, which is no sign of a viewer.
+TEST_F(SaverTest, OverMusicItShowsTheTrack) {
+  make();
+  playSong();
+  display->pollInput();
+  clock.turn(minutes(4));
+  display->setVideoPlaying(false);
+  display->setVideoPlaying(true);
+  clock.turn(minutes(1));
+  display->pollInput();
+  ASSERT_TRUE(saves());
+  pass(milliseconds(600));
+  const auto lit = [&](const SDL_Rect& area) {
+    return std::ranges::any_of(test::pixelsOf(display->renderer(), area),
+                               [](Colour colour) { return colour != theme::black; });
+  };
+  EXPECT_TRUE(lit({40, 290, 60, 40})) << "the name of the file, for a track without a title";
+  EXPECT_FALSE(lit({0, 0, 640, 280}));
 }
 
 TEST_F(SaverTest, WithoutSlidesItIsBlack) {

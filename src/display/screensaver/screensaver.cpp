@@ -27,8 +27,11 @@ Meaning Screensaver::key(const KeyPress& press, const FocusFacts& /*facts*/, Uin
   return NavCode::Wake;
 }
 
-bool Screensaver::takesKey(const KeyPress& press) const {
-  return on() || ((press.repeat || !press.down) && keysDown_.contains(press.key));
+bool Screensaver::takesKey(const KeyPress& press) {
+  if (on()) return true;
+  // It came up unseen.
+  if (press.down && !press.repeat) keysDown_.erase(press.key);
+  return keysDown_.contains(press.key);
 }
 
 Meaning Screensaver::event(const SDL_Event& event, Uint64 /*nowMs*/) {

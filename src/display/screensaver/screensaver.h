@@ -1,6 +1,7 @@
 #pragma once
 
 #include <set>
+#include <utility>
 
 #include <SDL.h>
 
@@ -45,7 +46,7 @@ class Screensaver final : public Layer {
   /// Events other than a closed window are its own: it is seen, or about to be.
   bool on() const { return fade_.on(); }
   /// So is what follows of a key that has woken it, as long as that key is down.
-  bool takesKey(const KeyPress& press) const;
+  bool takesKey(const KeyPress& press);
   bool holdsWrites() const { return fade_.active || fade_.target; }
 
   // What it shows.
