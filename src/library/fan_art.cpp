@@ -143,16 +143,17 @@ std::optional<fs::path> filmOfSlide(const Slide& slide, const Flag& stop) {
   const FileText picture(slide.path);
   const std::string title = titleOf(slide.name, picture.folderName());
   if (title.empty()) return {};
+  const auto isIt = [&](const FileText& file) {
+    return isFilmFile(file) && titleOf(file.stem(), file.folderName()) == title;
+  };
   std::optional<fs::path> film;
   walkIn(fs::path(picture.folder()), [&](const fs::directory_entry& entry) {
-    const FileText file(entry.path().string());
-    const bool own = isFilmFile(file) && titleOf(file.stem(), file.folderName()) == title;
-    if (own && isRegularFile(entry)) film = entry.path();
+    if (isIt(FileText(entry.path().string())) && isRegularFile(entry)) film = entry.path();
     return !film && !stop;
   });
   if (film) return film;
   walkTexts(fs::path(picture.folder()), stop, [&](const WalkedEntry& entry) {
-    if (!entry.isFolder && isFilmFile(FileText(entry.path)) && entry.isRegularFile()) film = entry.path;
+    if (!entry.isFolder && isIt(FileText(entry.path)) && entry.isRegularFile()) film = entry.path;
     return !film;
   });
   return film;

@@ -43,7 +43,7 @@ struct TitledSlide {
 /// The order alone.
 std::vector<Slide> orderSlides(std::vector<TitledSlide> slides, std::vector<PosterTitle> posters);
 
-/// The film that a slide shows: the one of its title in its folder, else the first one below that. Walks the
+/// The film that a slide shows: the first one of its title in its folder, else below that. Walks the
 /// disk until `stop` is set.
 std::optional<std::filesystem::path> filmOfSlide(const Slide& slide, const Flag& stop);
 

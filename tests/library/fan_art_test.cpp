@@ -95,7 +95,9 @@ TEST(FanArt, CountsWhereThereIsAFilmOrASeries) {
   };
   EXPECT_EQ(filmOf(films / "Some Film (1982)/fanart.jpg"), films / "Some Film (1982)/Some Film.mkv");
   EXPECT_EQ(filmOf(films / "flat (2001).fanart.png"), films / "Flat (2001).mkv");
-  EXPECT_EQ(filmOf(films / "Other/Other.fanart.jpg"), films / "Other/deep/feature.mkv");
+  EXPECT_EQ(filmOf(films / "Other.fanart.jpg"), "none") << "no other film's size and story";
+  touch(films / "Other/deep/Other.mkv");
+  EXPECT_EQ(filmOf(films / "Other.fanart.jpg"), films / "Other/deep/Other.mkv");
   EXPECT_EQ(filmOf(series / "Empty Show/fanart.jpg"), "none");
 }
 
