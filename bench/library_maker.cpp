@@ -1,7 +1,6 @@
 #include "bench/library_maker.h"
 
 #include <cstdio>
-#include <fstream>
 #include <vector>
 
 #include "rig/media.h"
@@ -13,7 +12,6 @@ namespace fs = std::filesystem;
 
 constexpr int shows = 500;
 constexpr int postersMade = 20;
-constexpr int artMade = 5;
 
 std::string titled(const char* word, int number) {
   char text[32];
@@ -54,26 +52,6 @@ void makeShows(const fs::path& room, const fs::path& film, const std::vector<fs:
   }
 }
 
-/// Fan art of 1080p, with what the screensaver tells of a film.
-void makeArt(const fs::path& room, const fs::path& film, const fs::path& parts) {
-  std::vector<fs::path> pictures;
-  for (int i = 0; i < artMade; ++i) {
-    pictures.push_back(rig::makeFile(
-        "-f lavfi -i mandelbrot=s=1920x1080:start_scale=" + std::to_string(1 + i) + " -frames:v 1 -q:v 3 OUT",
-        "jpg", parts));
-  }
-  std::ofstream(parts / "metadata.json")
-      << R"({"overview": "Two sisters walk home over three ridges, and nobody waits for them there."})";
-  for (int i = 0; i < 10000; ++i) {
-    const std::string title = titled("Film", i);
-    const fs::path folder = room / (title + " (" + std::to_string(1950 + i % 70) + ")");
-    fs::create_directories(folder);
-    fs::create_hard_link(film, folder / (title + ".mkv"));
-    fs::create_hard_link(pictures[static_cast<std::size_t>(i % artMade)], folder / "fanart.jpg");
-    fs::create_hard_link(parts / "metadata.json", folder / "metadata.json");
-  }
-}
-
 }  // namespace
 
 std::string filmRoom(int count) {
@@ -91,7 +69,6 @@ void makeLibrary(const fs::path& root) {
   const std::vector<fs::path> posters = makePosters(parts);
   for (const int count : {1000, 3000, 10000}) makeFilms(draft / filmRoom(count), count, film, posters);
   makeShows(draft / "tv", film, posters);
-  makeArt(draft / artRoom, film, parts);
   fs::rename(draft, root);
 }
 

@@ -9,9 +9,6 @@ namespace tavek::bench {
 /// The name of the room with so many films; that of 10,000 is "movies".
 std::string filmRoom(int count);
 
-/// The name of a room of 10,000 films of which each has fan art.
-inline constexpr const char* artRoom = "films with art";
-
 /// Makes the library on the first call; a few films and posters stand for all, by hard links.
 void makeLibrary(const std::filesystem::path& root);
 

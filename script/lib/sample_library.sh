@@ -78,7 +78,7 @@ film() {
 still() { ffmpeg_quietly -ss 3 -i "$library/$1" -frames:v 1 -vf "$3" -q:v 2 "$library/$2"; }
 
 poster() { still "$1" "$2" "crop=240:360,scale=342:513$(words 45 "$3")"; }
-fanart() { still "$1" "$2" "scale=1280:720$(words 72 "$3")"; }
+fanart() { still "$1" "$2" "scale=1920:1080"; }
 
 # clear_logo <picture> <title>: the title alone on a clear ground.
 clear_logo() {
@@ -110,6 +110,8 @@ lilac='28 14 70 226 190 255'
 harbour='movies/The Last Harbour (2019)'
 film "$harbour/The Last Harbour (2019).mkv" sea 8 "$dusk" 220 2
 clear_logo "$harbour/clearlogo.png" 'THE LAST HARBOUR'
+echo '{"overview": "The ferry has sailed for the last time, but somebody still lights the lamp on the pier."}' \
+  >"$library/$harbour/metadata.json"
 mountains='movies/Paper Mountains (2021)'
 film "$mountains/Paper Mountains (2021).mp4" hills 8 "$rose" 196 3
 north='movies/Northern Static (2016)'
@@ -123,7 +125,7 @@ for folder in "$harbour" "$mountains" "$north" "$umbrella" "$whale"; do
   title=${file% (*}
   file=$(basename "$library/$folder/$file".m*)
   poster "$folder/$file" "$folder/poster.jpg" "${title^^}"
-  fanart "$folder/$file" "$folder/fanart.jpg" "${title^^}"
+  fanart "$folder/$file" "$folder/fanart.jpg"
 done
 
 # series <name> <scene> <key> <colours of season 1> <colours of season 2>: two seasons of two episodes.
@@ -139,7 +141,7 @@ series() {
   done
   first="Season 1/$(basename "$library/$show/Season 1/S01E01"*)"
   poster "$show/$first" "$show/poster.jpg" "${name^^}"
-  fanart "$show/$first" "$show/fanart.jpg" "${name^^}"
+  fanart "$show/$first" "$show/fanart.jpg"
   ffmpeg_quietly -f lavfi -i "$(melody "$3" 2)" -t 8 -c:a libmp3lame -q:a 4 "$library/$show/theme.mp3"
 }
 series 'Tide Tables' sea 247 "$gold" "$ice"
@@ -154,6 +156,7 @@ done
 album='music/The Lavender Engines - Slow Tides'
 mkdir -p "$library/$album"
 still "$harbour/The Last Harbour (2019).mkv" "$album/cover.jpg" "crop=360:360,hue=h=200,scale=600:600$(words 72 'SLOW TIDES')"
+still "$harbour/The Last Harbour (2019).mkv" "$album/backdrop.jpg" "hue=h=200,gblur=12,scale=1920:1080"
 number=0
 for title in 'Ebb' 'Lantern Room' 'Paper Boats' 'Flood'; do
   number=$((number + 1))

@@ -64,7 +64,7 @@ int play(const LaunchOptions& options, StateStore& state) {
                             .stored = stored,
                             .clock = steadyClock(),
                             .language = options.language,
-                            .soundDevice = alsaDeviceFactory()};
+                            .soundDevice = display.soundThemes(alsaDeviceFactory(), options.soundMode)};
   display.goHome(true);
   int status = EXIT_SUCCESS;
   if (!options.videoPaths.empty()) {

@@ -9,7 +9,7 @@ namespace tavek {
 /// A file as the disk last showed it: the same state is taken for the same bytes.
 struct FileState {
   std::filesystem::path path;
-  std::filesystem::file_time_type changedAt{};
+  std::filesystem::file_time_type changedAt;
   std::uintmax_t size = 0;
   bool operator==(const FileState&) const = default;
 };

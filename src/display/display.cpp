@@ -1,6 +1,9 @@
 #include "display/display.h"
 
+#include <algorithm>
 #include <array>
+#include <iostream>
+#include <utility>
 
 #include "base/background_job.h"
 #include "base/paths.h"
@@ -19,16 +22,17 @@ constexpr std::chrono::milliseconds passTime{16};
 
 Display::Display(int x, int y, int width, int height, Orientation orientation, const Stored& stored,
                  Clock& clock)
-    : clock_(clock),
+    : stored_(stored),
+      clock_(clock),
       playback_(orientation),
       screen_({x, y, width, height}, playback_.picture()),
       strip_(stored),
-      home_(stored),
-      screensaver_(stored.notes),
-      settings_(stored.settings) {}
+      home_(stored) {}
 
 Display::~Display() {
+  themePlayer_.reset();
   for (Layer* layer : layers_) layer->destroyTextures();
+  saver_.destroyTextures();
   // A loader that hangs in a dead disk holds a font, whose library has to stay until the process ends.
   if (!joinLeftThreads(std::chrono::milliseconds(100))) screen_.keepLibraries();
 }
@@ -36,23 +40,34 @@ Display::~Display() {
 // --- Drawing ---
 
 void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) {
+  owner_.check();
   if (!usable() || picture.width < 1 || picture.height < 1) return;
-  screensaver_.setLastPicture({picture.width, picture.height});
   const FrameContext frame = frameContext();
-  strip_.endSlide(frame.renderer, playback_.currentVideo(), !playback_.videoPlaying(), frame.nowMs);
+  // A room that was entered from home is silent until the first step into a folder.
+  if (strip_.endSlide(frame.renderer, playback_.currentVideo(), !playback_.videoPlaying(), frame.nowMs))
+    keepTheme_ = true;
   const FocusFacts facts = focusFacts();
-  if (presentScreensaver(frame, facts)) return;
-  playback_.picture().visibility = screensaver_.videoVisibility();
-  if (!playback_.drawPicture(frame, facts, picture, positionUs)) return;
-  for (Layer* layer : layers_) {
-    // That lies over the words too.
-    if (layer != &screensaver_) layer->draw(frame, facts);
-  }
+  followMusic(frame, facts);
+  if (followScreensaver(frame)) return;
+  if (!playback_.drawPicture(frame, picture, positionUs, music_.covers())) return;
+  music_.drawNowPlaying(frame);
+  playback_.drawOnPicture(frame, facts);
+  for (Layer* layer : layers_) layer->draw(frame, facts);
   SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
   SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
   if (!facts.videoPlaying) statusLines_.draw(frame, facts.homeMode);
-  screensaver_.draw(frame, facts);
+  saver_.draw(frame, facts);
   SDL_RenderPresent(renderer());
+}
+
+void Display::followMusic(const FrameContext& frame, const FocusFacts& facts) {
+  static const std::filesystem::path none;
+  const Poster* browsed = facts.roomKind == MediaKind::Music && facts.stripAny ? selectedPoster() : nullptr;
+  const bool posters = facts.stripShown && !facts.chooserOpen && !strip_.posters().list().empty();
+  music_.follow(frame, {.playing = facts.audioItem ? playback_.currentVideo() : none,
+                        .browsed = browsed != nullptr ? browsed->path : none,
+                        .stripShown = facts.stripShown,
+                        .edge = posters ? strip_.top(frame) : frame.height});
 }
 
 void Display::presentBlank() {
@@ -76,8 +91,8 @@ void Display::alignWithItem(const std::filesystem::path& path) {
 }
 
 void Display::setVideoPlaying(bool playing) {
-  // The tracks of an album follow each other by themselves.
-  if (playback_.setVideoPlaying(playing) && !playback_.audioItem()) screensaver_.touch(clock_.ticksMs());
+  saver_.touch(clock_.ticksMs());
+  playback_.setVideoPlaying(playing);
   if (!playing) return;
   home_.endFadeIn();
   strip_.forgetPendingFolder();
@@ -85,7 +100,8 @@ void Display::setVideoPlaying(bool playing) {
 }
 
 void Display::setVideoPaused(bool paused) {
-  if (playback_.setVideoPaused(paused, clock_.ticksMs())) screensaver_.touch(clock_.ticksMs());
+  saver_.touch(clock_.ticksMs());
+  playback_.setVideoPaused(paused, clock_.ticksMs());
 }
 
 void Display::showSeekBar() {
@@ -108,55 +124,84 @@ void Display::takePendingPosters(int height, int count) {
   strip_.posters().takePendingPosters(renderer(), height, count);
 }
 
-void Display::showStrip() {
+void Display::showStrip(bool keepTheme) {
+  keepTheme_ = keepTheme;
+  if (!keepTheme) stopTheme();
   strip_.show(playback_.currentVideo(), home_.homeMode(), clock_.ticksMs());
+}
+
+// --- Themes ---
+
+PcmDeviceFactory Display::soundThemes(PcmDeviceFactory factory, SoundMode mode) {
+  themePlayer_ = std::make_unique<ThemePlayer>(factory, mode, stored_, clock_);
+  return themePlayer_->sharing(std::move(factory));
+}
+
+void Display::stopTheme() {
+  if (theme_.reset() && themePlayer_) themePlayer_->stopTheme();
+}
+
+/// Once per pass: what the strip rests on is to sound.
+void Display::tickTheme() {
+  if (!keepTheme_ || !themePlayer_) return;
+  const Poster* selected = selectedPoster();
+  const ThemeChoice::Act act = theme_.follow({.tvRoom = roomKind_ == MediaKind::Series,
+                                              .videoPlaying = playback_.videoPlaying(),
+                                              .stripAny = strip_.any(),
+                                              .selected = selected != nullptr ? &selected->path : nullptr},
+                                             clock_.ticksMs());
+  if (act == ThemeChoice::Act::Stop) themePlayer_->stopTheme();
+  if (act == ThemeChoice::Act::Start) themePlayer_->startTheme(theme_.candidate().folder / "theme.mp3");
+  std::string_view reason = theme_.candidate().reason;
+  if (themePlayer_->takeMissing()) reason = themeMissing;
+  if (reason.empty()) {
+    if (act == ThemeChoice::Act::Start) themeSkipReason_ = {};
+    return;
+  }
+  if (debugEnabled && reason != themeSkipReason_) std::cout << "[THEME] " << reason << std::endl;
+  themeSkipReason_ = reason;
 }
 
 // --- The screensaver ---
 
-void Display::startScreensaver(Uint64 nowMs) {
-  screensaver_.start(nowMs);
-  for (const std::filesystem::path& room : home_.rooms()) {
-    if (const auto kind = knownKind(room)) requestScans(idleScans_, scanRequests_, room, *kind, nowMs);
-  }
-}
-
-SlideSources Display::slideSources() {
+/// It goes through the room of the moment, or else through one of the other kind.
+void Display::startScreensaver() {
   const std::filesystem::path current = currentFolder();
-  const std::filesystem::path other = otherSlideFolder(current, home_.rooms());
-  SlideSources sources{{current}, strip_.posters().titles()};
-  if (other != current) sources.folders.push_back(other);
-  return sources;
+  const auto isSeries = [](const std::filesystem::path& room) {
+    return knownKind(room) == MediaKind::Series;
+  };
+  const auto& rooms = home_.roomFolders();
+  auto other = std::ranges::find_if(
+      rooms, [&](const auto& room) { return room != current && isSeries(room) != isSeries(current); });
+  if (other == rooms.end())
+    other = std::ranges::find_if(rooms, [&](const auto& room) { return room != current; });
+  Screensaver::Source source{{current}, {}};
+  if (other != rooms.end()) source.folders.push_back(*other);
+  for (const Poster& poster : posters().list())
+    source.posters.push_back({poster.key.raw, poster.path.string()});
+  saver_.start(std::move(source), clock_.ticksMs());
+  stored_.settings.holdWrites(true);
 }
 
-/// While nothing shows through it, it is all that is drawn, and that only when it changes.
-bool Display::presentScreensaver(const FrameContext& frame, const FocusFacts& facts) {
-  const int missing = static_cast<int>(postersOnScreen) - static_cast<int>(posters().list().size());
-  if (screensaver_.on() && missing > 0) takePendingPosters(posterHeight, missing);
-  if (facts.audioItem && screensaver_.on()) screensaver_.setMusicArt(shownMusicArt());
-  if (!screensaver_.full()) return false;
-  if (screensaver_.drawAlone(frame, facts)) SDL_RenderPresent(frame.renderer);
+/// True if nothing else is drawn.
+bool Display::followScreensaver(const FrameContext& frame) {
+  const SDL_Point size = playback_.pictureSize();
+  if (!saver_.follow(frame, saver_.shown() ? music_.art() : MusicArt(), playback_.audioItem(),
+                     {size.x, size.y}))
+    return false;
+  Posters& list = strip_.posters();
+  if (!list.posterListComplete()) list.takePendingPosters(frame.renderer, posterHeight, 4);
+  if (saver_.drawAlone(frame)) SDL_RenderPresent(frame.renderer);
   return true;
-}
-
-/// A track without a title shows its file's name.
-MusicArt Display::shownMusicArt() const {
-  MusicArt art = musicArt_;
-  if (art.lines.front().empty()) art.lines.front() = playback_.currentVideo().stem().string();
-  return art;
-}
-
-/// Nothing is saved while something moves on the screen.
-void Display::updateHoldWrites() {
-  const bool hold = strip_.holdsWrites() || screensaver_.holdsWrites();
-  if (std::exchange(writesHeld_, hold) != hold) settings_.holdWrites(hold);
 }
 
 // --- Home and rooms ---
 
 void Display::goHome(bool refresh) {
+  saver_.end(clock_.ticksMs());
+  keepTheme_ = false;
+  stopTheme();
   home_.closeChooser();
-  screensaver_.end(clock_.ticksMs());
   strip_.drop();
   strip_.forgetTyped();
   strip_.forgetPendingFolder();
@@ -176,6 +221,7 @@ void Display::openChooser() {
 }
 
 void Display::runChooser() {
+  owner_.check();
   // What was pressed on the way home counts.
   if (!home_.chooserOpen()) openChooser();
   while (usable() && home_.chooserOpen() && !quitRequested) {
@@ -188,13 +234,12 @@ void Display::runChooser() {
 void Display::presentHome() {
   FrameContext frame = frameContext();
   SDL_GetRendererOutputSize(renderer(), &frame.width, &frame.height);
-  const FocusFacts facts = focusFacts();
-  if (presentScreensaver(frame, facts)) return;
+  if (followScreensaver(frame)) return;
   SDL_SetRenderDrawColor(renderer(), 0, 0, 0, SDL_ALPHA_OPAQUE);
   SDL_RenderClear(renderer());
-  home_.draw(frame, facts);
+  home_.draw(frame, focusFacts());
   statusLines_.draw(frame, home_.homeMode());
-  screensaver_.draw(frame, facts);
+  saver_.draw(frame, focusFacts());
   SDL_RenderPresent(renderer());
 }
 
@@ -210,7 +255,7 @@ void Display::enterRoom(const std::filesystem::path& room) {
   selectRoomForPath(room);
   if (room != posters().openFolder() || posters().list().empty()) openPosterFolder(room);
   refreshWatchedBits();
-  showStrip();
+  showStrip(false);
 }
 
 void Display::selectRoomForPath(const std::filesystem::path& path) {

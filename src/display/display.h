@@ -3,23 +3,27 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include <SDL.h>
 
 #include "base/clock.h"
 #include "base/orientation.h"
+#include "base/owner_thread.h"
 #include "display/home/home.h"
+#include "display/music/music_screen.h"
 #include "display/playback/playback_screen.h"
 #include "display/screen.h"
-#include "display/screensaver/idle_scans.h"
 #include "display/screensaver/screensaver.h"
 #include "display/status_lines.h"
 #include "display/strip/strip.h"
+#include "display/theme/theme_player.h"
+#include "display/theme/theme_rules.h"
 #include "display/toolkit/focus.h"
 #include "display/toolkit/key_input.h"
-#include "display/toolkit/music_art.h"
 #include "display/toolkit/nav_code.h"
 #include "state/stored.h"
 
@@ -42,6 +46,10 @@ class Display {
   /// Once per pass of a loop: drains the events and does what concerns navigation; what concerns playback
   /// comes back as a code. Never blocks.
   NavCode pollInput();
+  /// Has the themes of shows heard by this device, in this mode. Gives the device for items, which the themes
+  /// leave to them.
+  PcmDeviceFactory soundThemes(PcmDeviceFactory factory, SoundMode mode);
+  void stopTheme();
   FocusName currentFocus() const { return focusOf(focusFacts()); }
 
   /// Draws the picture with everything over it and presents it. The planes are only read during the call.
@@ -77,9 +85,12 @@ class Display {
   void openRoomOf(const std::filesystem::path& file);
   /// Once per frame: loaded tiles become textures, at most `count` of them.
   void takePendingPosters(int height, int count);
-  void showStrip();
+  /// `keepTheme`: shows may sound while the strip rests on them.
+  void showStrip(bool keepTheme);
   void hideStrip() { strip_.hide(clock_.ticksMs()); }
   bool stripShown() const { return strip_.shown(); }
+  /// On the strip, as left and right do.
+  void stepSelection(int delta) { strip_.moveSideways(delta, clock_.ticksMs()); }
   /// After a change of what was watched, or of the user.
   void refreshWatchedBits() { strip_.posters().refreshWatchedBits(); }
   const Posters& posters() const { return strip_.posters(); }
@@ -114,11 +125,10 @@ class Display {
   std::filesystem::path currentFolder() const { return home_.room(); }
   /// Once after each opening of the home screen over a running item, and once after its closing.
   bool takePauseToggle() { return home_.takePauseToggle(); }
-  /// Who is asked for new art while nobody uses the program.
-  void setScanRequests(ScanRequests requests) { scanRequests_ = std::move(requests); }
 
  private:
   // Input: display_input.cpp.
+  NavCode pump();
   NavCode pumpEvents();
   NavCode handleEvent(const SDL_Event& event);
   NavCode keyEvent(const SDL_KeyboardEvent& event, Uint64 nowMs);
@@ -130,39 +140,35 @@ class Display {
   bool endLostSeek();
   NavCode heldKey(Uint64 nowMs);
   FocusFacts focusFacts() const;
-  void watchIdleTime(Uint64 nowMs);
-  void noteActivity(const SDL_Event& event, Uint64 nowMs);
 
   // What crosses screens.
   void openChooser();
   void openRoom(const std::filesystem::path& room);
   void enterRoom(const std::filesystem::path& room);
 
-  // The screensaver.
-  void startScreensaver(Uint64 nowMs);
-  void wake();
-  SlideSources slideSources();
-  bool presentScreensaver(const FrameContext& frame, const FocusFacts& facts);
-  MusicArt shownMusicArt() const;
-  void updateHoldWrites();
-
+  void followMusic(const FrameContext& frame, const FocusFacts& facts);
+  void tickTheme();
+  void startScreensaver();
+  bool followScreensaver(const FrameContext& frame);
   void presentHome();
   FrameContext frameContext() const;
 
+  OwnerThread owner_;
+  const Stored stored_;
   Clock& clock_;
   PlaybackScreen playback_;
   Screen screen_;
   Strip strip_;
   Home home_;
-  Screensaver screensaver_;
+  MusicScreen music_;
+  Screensaver saver_;
   /// The screens in the order in which they are drawn, over the picture.
-  const std::array<Layer*, 4> layers_{&home_, &playback_, &strip_, &screensaver_};
+  const std::array<Layer*, 4> layers_{&home_, &playback_, &strip_, &music_};
   StatusLines statusLines_;
-  MusicArt musicArt_;  ///< of the track that plays
-  IdleScans idleScans_;
-  ScanRequests scanRequests_;
-  StoredSettings& settings_;
-  bool writesHeld_ = false;
+  ThemeChoice theme_;
+  std::unique_ptr<ThemePlayer> themePlayer_;  ///< null while nobody gave it a device
+  std::string_view themeSkipReason_;          ///< the last one told, or empty
+  bool keepTheme_ = false;
   KeyInput keys_;
   FocusName focus_ = FocusName::Movie;  ///< the last one, to see it change
   MediaKind roomKind_ = MediaKind::Movies;

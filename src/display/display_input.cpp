@@ -25,11 +25,18 @@ constexpr std::array globalKeys{
 }  // namespace
 
 NavCode Display::pollInput() {
+  owner_.check();
+  const NavCode code = pump();
+  tickTheme();
+  return code;
+}
+
+NavCode Display::pump() {
   const Uint64 now = clock_.ticksMs();
   for (Layer* layer : layers_) carryOut(layer->advance(now));
-  watchIdleTime(now);
+  const bool pictureRuns = playback_.videoPlaying() && !playback_.videoPaused() && !playback_.audioItem();
+  if (saver_.idle(pictureRuns, now)) startScreensaver();
   updateFocus();
-  if (screensaver_.on()) keys_.clear();
   if (endLostSeek()) return NavCode::SeekCommit;
   const NavCode repeated = heldKey(now);
   if (stopSignalled) {
@@ -38,14 +45,6 @@ NavCode Display::pollInput() {
   }
   const NavCode code = pumpEvents();
   return code != NavCode::None ? code : repeated;
-}
-
-/// A track that plays is no picture that runs.
-void Display::watchIdleTime(Uint64 nowMs) {
-  const FocusFacts facts = focusFacts();
-  if (screensaver_.idleTooLong(facts.running() && !facts.audioItem, nowMs)) startScreensaver(nowMs);
-  if (!facts.audioItem && screensaver_.wantsSlides(nowMs)) screensaver_.listSlides(slideSources(), nowMs);
-  updateHoldWrites();
 }
 
 /// Not by SDL_PollEvent: when a pass ends early with a code, that would find nothing in the next one, and the
@@ -62,35 +61,35 @@ NavCode Display::pumpEvents() {
 
 NavCode Display::handleEvent(const SDL_Event& event) {
   const Uint64 now = clock_.ticksMs();
+  if (saver_.wakes(event, now)) {
+    saver_.touch(now);
+    stored_.settings.holdWrites(strip_.any());
+    playback_.endSeek();
+    updateFocus();
+    return NavCode::Wake;
+  }
+  if (saver_.swallows(event)) return NavCode::None;
   switch (event.type) {
     case SDL_QUIT:
       quitRequested = true;
       return NavCode::Quit;
     case SDL_KEYDOWN:
     case SDL_KEYUP:
+      saver_.touch(now);
       return keyEvent(event.key, now);
     default:
-      if (screensaver_.on()) return carryOut(screensaver_.event(event, now));
-      noteActivity(event, now);
       return carryOut(layerWithFocus().event(event, now));
   }
-}
-
-void Display::noteActivity(const SDL_Event& event, Uint64 nowMs) {
-  constexpr std::array kinds{SDL_TEXTINPUT, SDL_JOYBUTTONDOWN, SDL_CONTROLLERBUTTONDOWN};
-  if (std::ranges::find(kinds, event.type) != kinds.end()) screensaver_.touch(nowMs);
 }
 
 NavCode Display::keyEvent(const SDL_KeyboardEvent& event, Uint64 nowMs) {
   const auto press = keys_.take(event, nowMs);
   if (!press) return NavCode::None;
   if (const auto release = playback_.volumeRelease(*press)) return *release;
-  if (screensaver_.takesKey(*press)) return carryOut(screensaver_.key(*press, focusFacts(), nowMs));
   updateFocus();
   const FocusFacts facts = focusFacts();
   if (!passesRepeatFilter(*press, facts)) return NavCode::None;
   if (showKeycodesEnabled) printKey(*press);
-  if (press->down) screensaver_.touch(nowMs);
   Meaning meaning = press->down && !press->repeat ? globalKey(*press, facts, nowMs) : Meaning(Unhandled());
   if (std::holds_alternative<Unhandled>(meaning)) meaning = layerWithFocus().key(*press, facts, nowMs);
   return carryOut(std::move(meaning));
@@ -130,22 +129,14 @@ NavCode Display::carryOut(Meaning meaning) {
     goHome(true);
     openChooser();
   }
-  if (*code == NavCode::Wake) wake();
   // The settings and the search by voice come up here. Over an item that runs, its player opens the settings.
   if (*code == NavCode::ToggleSettings && !playback_.videoPlaying()) return NavCode::None;
   return *code;
 }
 
-/// What was held before is over, the seek too.
-void Display::wake() {
-  keys_.clear();
-  playback_.endSeek();
-  updateHoldWrites();
-  updateFocus();
-}
-
 Layer& Display::layerWithFocus() {
   const FocusName focus = currentFocus();
+  if (saver_.owns(focus)) return saver_;
   const auto* owner = std::ranges::find_if(layers_, [&](const Layer* layer) { return layer->owns(focus); });
   return owner != layers_.end() ? **owner : playback_;
 }
@@ -182,7 +173,8 @@ NavCode Display::heldKey(Uint64 nowMs) {
 }
 
 FocusFacts Display::focusFacts() const {
-  return {.homeMode = home_.homeMode(),
+  return {.saverActive = saver_.active(),
+          .homeMode = home_.homeMode(),
           .chooserOpen = home_.chooserOpen(),
           .roomKind = roomKind_,
           .audioItem = playback_.audioItem(),
@@ -190,8 +182,7 @@ FocusFacts Display::focusFacts() const {
           .stripAny = strip_.any(),
           .seekFocus = playback_.seekFocus(),
           .videoPlaying = playback_.videoPlaying(),
-          .videoPaused = playback_.videoPaused(),
-          .screensaverActive = screensaver_.active()};
+          .videoPaused = playback_.videoPaused()};
 }
 
 void Display::discardInput() {

@@ -54,6 +54,7 @@ class FilmTree {
   FilmTree& operator=(const FilmTree&) = delete;
 
   const std::vector<TreeFile>& images() const { return images_; }
+  std::vector<fs::path> takeOrders() { return std::move(orders_); }
   bool hasVideos() const { return !videos_.empty(); }
   /// Notes that a title has an image; true once each title has one.
   bool completes(const std::string& title) {
@@ -105,6 +106,7 @@ class FilmTree {
     const std::string extension = toLower(file.extension());
     const bool image = extension == ".jpg" || extension == ".jpeg" || extension == ".png";
     const bool film = isVideoExtension(extension) && !isExtra(file.stem());
+    if (file.name() == orderFileName && entry.isRegularFile()) orders_.emplace_back(entry.path);
     if ((!image && !film) || !entry.isRegularFile()) return;
     std::vector<TreeFile>& files = image ? images_ : videos_;
     const FileText& text = files.emplace_back(TreeFile{std::move(file), folder, {}}).text;
@@ -146,6 +148,7 @@ class FilmTree {
   std::vector<Folder> folders_{1};  // the root stands first
   std::vector<TreeFile> images_;
   std::vector<TreeFile> videos_;
+  std::vector<fs::path> orders_;
   std::unordered_map<std::string, bool> titles_;  ///< of the films; true for one that has an image
   std::size_t shownTitles_ = 0;
 };
@@ -163,7 +166,7 @@ PosterCandidate::PosterCandidate(FileText listed, std::string titleKey, std::str
       media(std::move(plays)),
       name(foldCase(file.name())) {}
 
-std::vector<PosterCandidate> filmCandidates(const fs::path& folder, const Flag& stop) {
+PosterCandidates filmCandidates(const fs::path& folder, const Flag& stop) {
   FilmTree tree(folder, stop);
   std::vector<PosterCandidate> films;
   for (const TreeFile& image : tree.images()) {
@@ -175,7 +178,7 @@ std::vector<PosterCandidate> filmCandidates(const fs::path& folder, const Flag& 
     films.emplace_back(image.text, std::move(title), tree.mediaOf(image));
     if (last) break;
   }
-  return films;
+  return {std::move(films), tree.takeOrders()};
 }
 
 std::optional<fs::path> findVideoForPoster(const fs::path& poster, const fs::path& limit, const Flag& stop) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "base/process_flags.h"
@@ -20,10 +21,16 @@ struct PosterCandidate {
   std::string name;   ///< the file's name, folded
 };
 
+struct PosterCandidates {
+  std::vector<PosterCandidate> list;
+  std::vector<std::filesystem::path> orders;  ///< each series.json that was met
+};
+inline constexpr std::string_view orderFileName = "series.json";
+
 /// The images below the folder that stand for the films below it; all images if there is no film. In the
 /// order of the walk, each with the film that plays for it, until each film's title has an image. Returns
 /// what it has when `stop` is set.
-std::vector<PosterCandidate> filmCandidates(const std::filesystem::path& folder, const Flag& stop);
+PosterCandidates filmCandidates(const std::filesystem::path& folder, const Flag& stop);
 
 /// The film that an image stands for: the first one below the image's folder, in the order of the
 /// directories, whose normalised stem is the image's posterKeyOf. A poster.jpg or the like stands for a film

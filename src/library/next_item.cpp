@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/text.h"
+#include "library/album.h"
 #include "library/episode_name.h"
 #include "library/file_types.h"
 #include "library/folder_walk.h"
@@ -70,17 +71,18 @@ std::optional<fs::path> nextEpisode(const fs::path& path, const fs::path& root, 
   return current->path;
 }
 
+/// In the album's order; by the name for one that the album does not list any more.
 std::optional<fs::path> nextTrack(const fs::path& path, const Flag& stop) {
-  std::vector<fs::path> tracks;
-  walkIn(path.parent_path(), [&](const fs::directory_entry& entry) {
-    if (isAudioFile(entry.path()) && isRegularFile(entry)) tracks.push_back(entry.path());
-    return !stop;
-  });
-  std::stable_sort(tracks.begin(), tracks.end(), trackLess);
-  auto current =
-      std::find_if(tracks.begin(), tracks.end(), [&](const fs::path& t) { return samePath(t, path); });
-  if (current == tracks.end() || ++current == tracks.end()) return {};
-  return *current;
+  std::vector<AlbumTrack> tracks = albumTracks(path, TagReading::Read, stop);
+  auto next = std::ranges::find_if(tracks, [&](const AlbumTrack& t) { return samePath(t.path, path); });
+  if (next != tracks.end()) {
+    ++next;
+  } else {
+    std::ranges::stable_sort(tracks, trackLess, &AlbumTrack::path);
+    next = std::ranges::find_if(tracks, [&](const AlbumTrack& t) { return trackLess(path, t.path); });
+  }
+  if (next == tracks.end()) return {};
+  return next->path;
 }
 
 }  // namespace

@@ -1,92 +1,74 @@
 #include "library/overview.h"
 
-#include <array>
+#include <algorithm>
 #include <charconv>
 #include <fstream>
 
 #include "base/text.h"
+#include "library/file_types.h"
 
 namespace tavek {
 namespace {
 
-constexpr std::size_t maxBytes = 1 << 20;
+constexpr std::streamsize mostBytes = 1 << 20;
 
-struct Escape {
-  char letter;
-  char meaning;
-};
-constexpr std::array escapes{
-    Escape{'n', '\n'}, Escape{'b', '\b'}, Escape{'f', '\f'}, Escape{'t', '\t'},
-    Escape{'r', '\r'}, Escape{'"', '"'},  Escape{'/', '/'},  Escape{'\\', '\\'},
-};
-
-/// What the escape at the head of the text stands for; takes it off. Nothing for one that is not known.
-std::optional<char> takeEscape(std::string_view& text) {
-  const char letter = text.front();
-  text.remove_prefix(1);
-  if (letter == 'u') {
-    const std::string_view digits = text.substr(0, 4);
-    unsigned code = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), code, 16);
-    const bool whole = error == std::errc() && end == digits.data() + 4;
-    if (!whole) return {};
-    text.remove_prefix(4);
-    return code < 128 ? static_cast<char>(code) : '?';
-  }
-  for (const Escape& escape : escapes) {
-    if (escape.letter == letter) return escape.meaning;
-  }
-  return {};
+/// The character of four hexadecimal digits, as far as it is one of ASCII.
+char characterOf(std::string_view digits) {
+  unsigned code = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), code, 16);
+  const bool whole = digits.size() == 4 && result.ptr == digits.data() + digits.size();
+  return whole && code < 128 ? static_cast<char>(code) : '?';
 }
 
-/// A value without its opening quote, up to the closing one or the end.
+/// Up to the closing quote, or to the end.
 std::string unescaped(std::string_view text) {
   std::string value;
-  while (!text.empty() && text.front() != '"') {
-    const char c = text.front();
-    text.remove_prefix(1);
-    if (c != '\\') {
-      value += c;
-    } else if (!text.empty()) {
-      if (const auto meant = takeEscape(text)) value += *meant;
+  for (std::size_t i = 0; i < text.size() && text[i] != '"'; ++i) {
+    if (text[i] != '\\') {
+      value += text[i];
+      continue;
+    }
+    const char code = ++i < text.size() ? text[i] : '\0';
+    if (code == 'u') {
+      value += characterOf(text.substr(i + 1, 4));
+      i += 4;
+    } else if (constexpr std::string_view codes = "nbftr\"/\\"; codes.find(code) != std::string_view::npos) {
+      value += "     \"/\\"[codes.find(code)];
     }
   }
   return value;
 }
 
-std::string onOneLine(std::string_view text) {
+std::string oneLine(std::string_view text) {
   std::string line;
   for (const char c : text) {
-    if (!isAsciiSpace(c)) {
-      line += c;
-    } else if (!line.empty() && line.back() != ' ') {
-      line += ' ';
-    }
+    const bool blank = isAsciiSpace(c) || static_cast<unsigned char>(c) < ' ';
+    if (!blank) line += c;
+    if (blank && !line.empty() && line.back() != ' ') line += ' ';
   }
-  if (line.ends_with(' ')) line.pop_back();
-  return line;
+  return trim(line);
 }
 
 }  // namespace
 
-std::optional<std::string> overviewIn(std::string_view text) {
-  constexpr std::string_view steps[] = {"\"overview\"", ":", "\""};
-  for (const std::string_view step : steps) {
-    const std::size_t at = text.find(step);
-    if (at == std::string_view::npos) return {};
-    text.remove_prefix(at + step.size());
-  }
-  std::string line = onOneLine(unescaped(text));
-  return line.empty() ? std::nullopt : std::optional(std::move(line));
+std::optional<std::string> readOverview(const std::filesystem::path& path) {
+  if (!isUsableFile(path)) return {};
+  std::ifstream in(path, std::ios::binary);
+  std::string text(static_cast<std::size_t>(mostBytes), '\0');
+  in.read(text.data(), mostBytes);
+  text.resize(static_cast<std::size_t>(std::max<std::streamsize>(in.gcount(), 0)));
+  return overviewIn(text);
 }
 
-std::optional<std::string> readOverview(const std::filesystem::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  std::string text(maxBytes, '\0');
-  in.read(text.data(), static_cast<std::streamsize>(text.size()));
-  if (in.gcount() <= 0) return {};
-  text.resize(static_cast<std::size_t>(in.gcount()));
-  return overviewIn(text);
+std::optional<std::string> overviewIn(std::string_view text) {
+  std::size_t place = 0;
+  for (const std::string_view mark : {"\"overview\"", ":", "\""}) {
+    place = text.find(mark, place);
+    if (place == std::string_view::npos) return {};
+    place += mark.size();
+  }
+  std::string line = oneLine(unescaped(text.substr(place)));
+  return line.empty() ? std::nullopt : std::optional(std::move(line));
 }
 
 }  // namespace tavek

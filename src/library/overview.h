@@ -7,11 +7,9 @@
 
 namespace tavek {
 
-/// The value of the first "overview" in a text of JSON, on one line. It is looked for as text, so what is cut
-/// short or broken further on still tells what it has. None where it is missing or blank.
+/// The "overview" in a metadata.json, which is scanned rather than parsed: one line, none if it is not there
+/// or blank. The file is read to a megabyte.
+std::optional<std::string> readOverview(const std::filesystem::path& path);
 std::optional<std::string> overviewIn(std::string_view text);
-
-/// The same of a file, of which no more than the first MiB is read. None for one that can't be read.
-std::optional<std::string> readOverview(const std::filesystem::path& file);
 
 }  // namespace tavek

@@ -1,18 +1,27 @@
 #include "library/poster_listing.h"
 
 #include <algorithm>
+#include <compare>
+#include <cstdint>
+#include <exception>
+#include <iostream>
 #include <iterator>
+#include <limits>
 #include <map>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "base/paths.h"
 #include "base/text.h"
+#include "library/album.h"
 #include "library/episode_name.h"
 #include "library/episode_still.h"
 #include "library/file_types.h"
 #include "library/film_candidates.h"
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
+#include "library/series_order.h"
 #include "library/titles.h"
 
 namespace tavek {
@@ -60,21 +69,42 @@ std::vector<ListedPoster> listFolders(const fs::path& folder, bool seasonsOnly, 
 }
 
 /// The videos directly in the folder that have an episode tag.
-std::vector<PosterCandidate> episodeCandidates(const fs::path& folder, const Flag& stop) {
-  std::vector<PosterCandidate> episodes;
+PosterCandidates episodeCandidates(const fs::path& folder, const Flag& stop) {
+  PosterCandidates episodes;
   walkIn(folder, [&](const fs::directory_entry& entry) {
     const fs::path& file = entry.path();
     if (isFilm(file) && parseSeasonEpisode(file.stem().string()) && isRegularFile(entry)) {
-      episodes.emplace_back(FileText(file.string()), posterTitleKey(file), file.string());
+      episodes.list.emplace_back(FileText(file.string()), posterTitleKey(file), file.string());
     }
+    if (file.filename() == orderFileName && isRegularFile(entry)) episodes.orders.push_back(file);
     return !stop;
   });
   return episodes;
 }
 
-/// Puts them in the order of the list: by folder, in one folder by name. Of files whose names differ in case
-/// alone the first one stays.
-void orderCandidates(std::vector<PosterCandidate>& candidates) {
+using Orders = std::unordered_map<std::string, SeriesOrder>;  // by the folder
+
+/// For candidates that stand by their folders. A file that gives no order is told of, since somebody has
+/// meant one; where there is nothing to order it is none of ours.
+Orders ordersOf(const std::vector<fs::path>& files, const std::vector<PosterCandidate>& candidates) {
+  const auto folderOf = [](const PosterCandidate& candidate) { return candidate.file.folder(); };
+  Orders orders;
+  for (const fs::path& file : files) {
+    const std::string folder = file.parent_path().string();
+    if (!std::ranges::binary_search(candidates, std::string_view(folder), {}, folderOf)) continue;
+    try {
+      SeriesOrder order = readSeriesOrder(file);
+      if (order.empty()) std::cerr << "series.json ignored (no order entries): " << file << std::endl;
+      if (!order.empty()) orders.emplace(folder, std::move(order));
+    } catch (const std::exception&) {
+      std::cerr << "series.json parse failed: " << file << std::endl;
+    }
+  }
+  return orders;
+}
+
+/// By folder, in one folder by name. Of files whose names differ in case alone the first one stays.
+void sortByName(std::vector<PosterCandidate>& candidates) {
   std::ranges::stable_sort(candidates, [](const PosterCandidate& a, const PosterCandidate& b) {
     if (const auto order = a.file.folder().compare(b.file.folder()); order != 0) return order < 0;
     return lessNatural(a.name, b.name);
@@ -86,13 +116,47 @@ void orderCandidates(std::vector<PosterCandidate>& candidates) {
   candidates.erase(std::unique(candidates.begin(), candidates.end(), same), candidates.end());
 }
 
-std::vector<ListedPoster> listCandidates(std::vector<PosterCandidate> candidates, ListingKind kind,
-                                         const Flag& stop) {
-  orderCandidates(candidates);
+/// What one of its folder's tiles is sorted by: those that the order does not know come last, by name.
+struct Rank {
+  std::int32_t folder = -1;
+  std::int32_t sequence = 0;
+  std::size_t place = 0;  ///< by name
+  auto operator<=>(const Rank&) const = default;
+};
+
+/// Puts the tiles of candidates that are sorted by name in the orders of their folders.
+void sortByOrders(std::vector<ListedPoster>& posters, const std::vector<PosterCandidate>& candidates,
+                  const Orders& orders) {
+  std::vector<Rank> ranks;
+  ranks.reserve(posters.size());
+  std::string_view folder;
+  auto order = orders.end();
+  for (std::size_t i = 0; i < posters.size(); ++i) {
+    Rank rank = ranks.empty() ? Rank() : ranks.back();
+    if (candidates[i].file.folder() != folder) {
+      folder = candidates[i].file.folder();
+      order = orders.find(std::string(folder));
+      ++rank.folder;
+    }
+    const auto sequence = order != orders.end() ? order->second.sequenceOf(posters[i].key) : std::nullopt;
+    rank.sequence = sequence.value_or(std::numeric_limits<std::int32_t>::max());
+    rank.place = i;
+    ranks.push_back(rank);
+  }
+  std::ranges::sort(ranks);
+  std::vector<ListedPoster> sorted;
+  sorted.reserve(posters.size());
+  for (const Rank& rank : ranks) sorted.push_back(std::move(posters[rank.place]));
+  posters = std::move(sorted);
+}
+
+std::vector<ListedPoster> listCandidates(PosterCandidates found, ListingKind kind, const Flag& stop) {
+  std::vector<PosterCandidate>& candidates = found.list;
+  sortByName(candidates);
   std::vector<ListedPoster> posters;
   posters.reserve(candidates.size());
   for (PosterCandidate& candidate : candidates) {
-    if (stop) break;
+    if (stop) return posters;
     ListedPoster& poster = posters.emplace_back();
     poster.path = candidate.file.path();
     poster.media = std::move(candidate.media);
@@ -101,24 +165,29 @@ std::vector<ListedPoster> listCandidates(std::vector<PosterCandidate> candidates
     poster.image = poster.isEpisode ? episodeStillOf(poster.path).string() : poster.path;
     if (poster.isEpisode) poster.label = candidate.file.stem();
   }
+  if (const Orders orders = ordersOf(found.orders, candidates); !orders.empty())
+    sortByOrders(posters, candidates, orders);
   return posters;
 }
 
-/// An album is a folder that holds tracks; the first one found stands for it.
+/// An album is a folder that holds tracks; the first one by its name stands for it.
 std::vector<ListedPoster> listAlbums(const fs::path& folder, const Flag& stop) {
   std::map<std::string, std::string> firstTracks;  // by the folder
   walkBelow(isInside(folder, musicRoot()) ? musicRoot() : folder, stop,
             [&](const fs::recursive_directory_iterator& entry) {
               if (isAudioFile(entry->path()) && isRegularFile(*entry)) {
                 FileText track(entry->path().string());
-                firstTracks.try_emplace(std::string(track.folder()), track.path());
+                std::string& first = firstTracks[std::string(track.folder())];
+                if (first.empty() || track.path() < first) first = track.path();
               }
               return true;
             });
   std::vector<ListedPoster> posters;
+  CoverCache covers;
   for (const auto& [album, track] : firstTracks) {
     if (stop || posters.size() == albumLimit) break;
-    posters.push_back({track, track, matchKeyOf(track), {}, fs::path(album).filename().string(), false});
+    posters.push_back({track, track, matchKeyOf(track), findAlbumCover(covers, track).value_or("").string(),
+                       fs::path(album).filename().string(), false});
   }
   return posters;
 }

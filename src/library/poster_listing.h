@@ -19,7 +19,7 @@ struct ListedPoster {
   std::string path;
   std::string media;  ///< what plays for it; empty if unknown, and for a series or a season
   MatchKey key;       ///< of the path
-  std::string image;  ///< what to decode for it, which need not exist; empty for an album
+  std::string image;  ///< what to decode for it, which need not exist; empty for an album without a cover
   std::string label;  ///< for a tile without an image: the folder's name, or the episode's stem
   /// Tells the tile of an episode, which is a file to play, from that of a season, which is a folder to open:
   /// a listing of seasons ends with the episodes that lie beside them.

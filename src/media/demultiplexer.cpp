@@ -10,6 +10,7 @@
 
 #include "media/error.h"
 #include "media/stream_choice.h"
+#include "media/tag_value.h"
 
 namespace tavek {
 namespace {
@@ -169,6 +170,11 @@ MovieInfo Demultiplexer::movieInfo() const {
     info.audioSampleRate = audio->sample_rate;
   }
   return info;
+}
+
+std::string Demultiplexer::tag(const char* key) const {
+  const AVDictionary* stream = audioIndex_ >= 0 ? context_->streams[audioIndex_]->metadata : nullptr;
+  return tagValue(context_->metadata, stream, key);
 }
 
 }  // namespace tavek

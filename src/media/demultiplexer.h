@@ -49,6 +49,8 @@ class Demultiplexer {
   /// 0 when it is not known.
   std::int64_t durationUs() const;
   MovieInfo movieInfo() const;
+  /// By tagValue's rule, of the file and the sound that plays.
+  std::string tag(const char* key) const;
 
  private:
   int findAudioStream() const;

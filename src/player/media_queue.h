@@ -33,9 +33,10 @@ inline std::size_t bytesOf(const AVFrame& frame) {
 
 /// How much a queue takes, whichever is reached first.
 struct QueueLimits {
-  std::size_t count = 64;           ///< over two seconds of film, so that a slow stretch is not seen
-  std::size_t bytes = 192'000'000;  ///< 64 pictures of 4K would be 800 MB
-  std::size_t countAtLeast = 8;     ///< however large they are
+  std::size_t count = 64;  ///< over two seconds of film, so that a slow stretch is not seen
+  /// 192 MB with the picture on the screen and the one at the door. 64 pictures of 4K would be 800 MB.
+  std::size_t bytes = 168'000'000;
+  std::size_t countAtLeast = 8;  ///< however large they are
 };
 
 /// A bounded blocking queue of owned FFmpeg objects between two threads of the playback engine.

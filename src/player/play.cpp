@@ -22,6 +22,9 @@ using std::chrono::milliseconds;
 constexpr milliseconds longestTurn{50};
 /// How often the position of a song moves on.
 constexpr microseconds songStep{33'333};
+/// Near its end, so that the next one is not kept waiting.
+constexpr microseconds lastSongStep{4'000};
+constexpr std::int64_t songEndUs = 300'000;
 constexpr milliseconds endingLimit{200};
 
 /// Counted over all items: the screen still holds the last picture of the one before.
@@ -65,6 +68,7 @@ Play::Opening Play::opening() const {
 }
 
 void Play::start(std::int64_t positionUs) {
+  owner_.check();
   positionAt_ = clock_.now();
   if (positionUs > 0) {
     requestSeek(positionUs);
@@ -80,12 +84,14 @@ void Play::start(std::int64_t positionUs) {
 }
 
 void Play::pause() {
+  owner_.check();
   engine_->exchange().paused = true;
   if (sound() != nullptr) sound()->hold();
   engine_->exchange().soundClock.pause(clock_.now());
 }
 
 void Play::resume() {
+  owner_.check();
   engine_->exchange().paused = false;
   if (sound() != nullptr) sound()->resume();
   due_.reset();
@@ -95,6 +101,7 @@ void Play::resume() {
 }
 
 void Play::requestSeek(std::int64_t positionUs) {
+  owner_.check();
   positionUs_ = wrapPosition(positionUs, durationUs());
   positionAt_ = clock_.now();
   next_.reset();
@@ -106,6 +113,7 @@ void Play::requestSeek(std::int64_t positionUs) {
 }
 
 Play::Turn Play::nextTurn() {
+  owner_.check();
   if (error()) return Turn::Ended;
   const Clock::Time limit = clock_.now() + longestTurn;
   const Turn turn = followsSound() ? soundTurn(limit) : pictureTurn(limit);
@@ -144,7 +152,8 @@ Play::Turn Play::pictureTurn(Clock::Time limit) {
 Play::Turn Play::soundTurn(Clock::Time limit) {
   if (heardOut()) return Turn::Ended;
   const bool fresh = takeFresh();
-  clock_.sleepUntil(std::min(clock_.now() + songStep, limit));
+  const bool nearEnd = positionUs_ + songEndUs > durationUs();
+  clock_.sleepUntil(std::min(clock_.now() + (nearEnd ? lastSongStep : songStep), limit));
   const Clock::Time now = clock_.now();
   const auto passed = std::chrono::duration_cast<microseconds>(now - positionAt_).count();
   const std::int64_t heard = heardUs();
@@ -192,6 +201,7 @@ bool Play::takeFresh() {
 }
 
 bool Play::takeNewest() {
+  owner_.check();
   return takeFresh();
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "base/clock.h"
+#include "base/owner_thread.h"
 #include "base/sound_mode.h"
 #include "media/handles.h"
 #include "media/movie_info.h"
@@ -106,6 +107,7 @@ class Play {
   void showNext();
   bool heardOut() const;
 
+  OwnerThread owner_;
   Clock& clock_;
   const std::shared_ptr<Engine> engine_;
   Worker reading_;

@@ -43,11 +43,12 @@ DeviceWish wishFor(const AVCodecParameters& parameters, SoundMode soundMode) {
 }  // namespace
 
 AudioOutput::AudioOutput(const AVCodecParameters* codecParameters, std::string key, SoundMode soundMode,
-                         const Stored& stored, PcmDeviceFactory factory, Clock& clock)
+                         const Stored& stored, PcmDeviceFactory factory, Clock& clock,
+                         std::optional<double> volumeDb)
     : stored_(stored),
       key_(std::move(key)),
       clock_(clock),
-      volume_(firstVolume(key_.empty() ? std::nullopt : stored.playback.playbackVolume(key_))),
+      volume_(firstVolume(key_.empty() ? volumeDb : stored.playback.playbackVolume(key_))),
       outputRate_(rateOf(required(codecParameters))),
       line_(wishFor(*codecParameters, soundMode), std::move(factory), clock) {
   if (key_.empty()) return;

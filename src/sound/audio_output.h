@@ -29,10 +29,12 @@ namespace tavek {
 /// but for room before it. The volume takes no lock: its words are relaxed atomics.
 class AudioOutput {
  public:
-  /// The key is the item's path, under which its volume is kept; empty for a theme, which keeps none. The
+  /// The key is the item's path, under which its volume is kept; empty for a theme, which keeps none and may
+  /// be given one. The
   /// device is opened in the background. Throws std::runtime_error for sound that no device could play.
   AudioOutput(const AVCodecParameters* codecParameters, std::string key, SoundMode soundMode,
-              const Stored& stored, PcmDeviceFactory factory, Clock& clock);
+              const Stored& stored, PcmDeviceFactory factory, Clock& clock,
+              std::optional<double> volumeDb = std::nullopt);
   /// Plays what is queued to its end, unless a signal has come, but waits for no device that stands still.
   ~AudioOutput();
   AudioOutput(const AudioOutput&) = delete;

@@ -21,7 +21,7 @@ StateStore::StateStore(std::filesystem::path file)
     : file_(std::make_shared<StateFile>(std::move(file))),
       files_(std::make_shared<PlaybackFiles>()),
       saves_([shared = file_, files = files_] { return saveAll(*shared, *files); }),
-      memory_(*file_, saves_),
+      memory_(file_, saves_),
       playback_(*files_, saves_),
       settings_(memory_),
       users_(memory_, playback_, notes_) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,8 +21,9 @@ class StoredUsers {
   StoredUsers(StateMemory& memory, FolderPlayback& playback, MediaNotes& notes)
       : memory_(memory), playback_(playback), notes_(notes) {}
 
-  /// Takes up what was changed in the file from outside. Reads the disk.
-  void reread() { memory_.reread(); }
+  /// What takes up a change of the file from outside: a step of a background job, which reads the disk and
+  /// may outlive all of this.
+  std::function<void()> rereading() const { return memory_.rereading(); }
 
   std::vector<std::string> users();
   std::string activeUser();

@@ -21,7 +21,7 @@ std::optional<std::string> chooseAnother(const PlayContext& context, const std::
   display.showError("Failed to open: " + path + " (" + error.what() + ")");
   // The selection stays on the choice that failed.
   display.alignWithItem(path);
-  display.showStrip();
+  display.showStrip(true);
   Selection selection(Selection::Loading::ErrorLine);
   while (!quitRequested && !stopSignalled) {
     const NavCode code = display.pollInput();

@@ -9,9 +9,16 @@ using Request = ItemRequest;
 
 constexpr ItemActs resuming{Resume, ShowSeekBar};
 constexpr ItemActs pausing{Pause, ShowSeekBar};
+/// The next song does not wait for what the device still holds of this one.
+constexpr ItemActs leavingForTrack{StorePosition, Pause};
 
 ItemStep stay(State state) {
   return {state};
+}
+
+/// In a music room the seek keys go from track to track, and with the strip from album to album.
+ItemStep stepTrack(State state, const ItemFacts& facts) {
+  return {state, {facts.stripShown ? StepSelection : StepTrack}};
 }
 
 /// What ends an item, or opens the strip over it, is the same whether it runs or stands.
@@ -28,6 +35,8 @@ ItemStep leaveOrBrowse(State state, Request request, const ItemFacts& facts) {
       return {state, {Resolve}};
     case Request::Selected:
       return {State::Finished, {StorePosition}};
+    case Request::TrackFound:
+      return {State::Finished, leavingForTrack};
     case Request::OpenPosters:
       if (facts.seriesItem) return {State::Browsing, {StorePosition, Pause, FreeSoundDevice, OpenStrip}};
       return {State::Browsing, {StorePosition, Pause, OpenStrip}};
@@ -36,14 +45,18 @@ ItemStep leaveOrBrowse(State state, Request request, const ItemFacts& facts) {
   }
 }
 
-ItemStep whileStarting(Request request) {
+ItemStep whileStarting(Request request, const ItemFacts& facts) {
   switch (request) {
     case Request::Opened:
       return {State::Playing, {Start}};
     case Request::PlaySelection:
       return {State::Starting, {Resolve}};
+    case Request::SeekForward:
+    case Request::SeekBackward:
+      return facts.musicRoom ? stepTrack(State::Starting, facts) : stay(State::Starting);
     case Request::GoHome:
     case Request::Selected:
+    case Request::TrackFound:
     case Request::Leave:
     case Request::StreamEnded:
       return {State::Finished};
@@ -58,7 +71,7 @@ ItemStep whileRunning(State state, Request request, const ItemFacts& facts) {
       return {State::Paused, {StorePosition, Pause, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
-      return facts.musicRoom ? stay(state) : ItemStep{State::Seeking, {Seek}};
+      return facts.musicRoom ? stepTrack(state, facts) : ItemStep{State::Seeking, {Seek}};
     case Request::SeekCommit:
       return {State::Playing, {ShowSeekBar}};
     case Request::ClosePosters:
@@ -76,10 +89,12 @@ ItemStep whilePaused(Request request, const ItemFacts& facts) {
       return {State::Playing, {StorePosition, Resume, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
-      if (facts.musicRoom) return stay(State::Paused);
+      if (facts.musicRoom) return stepTrack(State::Paused, facts);
       return {State::SeekingInPause, {Seek, ShowSeekBar}};
     case Request::SeekCommit:
       return {State::Paused, {ShowSeekBar}};
+    case Request::TrackFound:
+      return {State::Finished, leavingForTrack};
     case Request::Leave:
       return {State::Finished, {StorePosition}};
     default:
@@ -94,7 +109,7 @@ ItemStep whileBrowsing(Request request, const ItemFacts& facts) {
       return {State::Playing, {StorePosition, Resume, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
-      if (facts.musicRoom) return stay(State::Browsing);
+      if (facts.musicRoom) return stepTrack(State::Browsing, facts);
       return {State::SeekingInPause, {Seek, ShowSeekBar}};
     case Request::OpenPosters:
       if (!facts.stripShown) return {State::Browsing, {StorePosition, OpenStrip}};
@@ -146,7 +161,7 @@ ItemStep whileEnding(Request request) {
 ItemStep stepOf(ItemState state, ItemRequest request, const ItemFacts& facts) {
   switch (state) {
     case State::Starting:
-      return whileStarting(request);
+      return whileStarting(request, facts);
     case State::Playing:
     case State::Seeking:
       return whileRunning(state, request, facts);

@@ -29,7 +29,8 @@ enum class ItemRequest : std::int32_t {
   OpenPosters,
   ClosePosters,
   PlaySelection,
-  Selected,  ///< the selection has turned out to be a file that plays
+  Selected,    ///< the selection has turned out to be a file that plays
+  TrackFound,  ///< the album has a track there
   GoHome,
   PreviousItem,
   Leave,  ///< another item, the window closed, or a signal
@@ -61,7 +62,9 @@ enum class ItemAct : std::uint32_t {
   OpenStrip = 1U << 9,  ///< over the item's own room, at its poster
   ShowSeekBar = 1U << 10,
   SwitchWatched = 1U << 11,
-  Resolve = 1U << 12,  ///< what does the selected poster stand for?
+  Resolve = 1U << 12,        ///< what does the selected poster stand for?
+  StepTrack = 1U << 13,      ///< is there a track in the key's direction?
+  StepSelection = 1U << 14,  ///< on the strip, in the key's direction
 };
 
 class ItemActs {

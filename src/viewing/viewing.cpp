@@ -12,6 +12,7 @@
 #include "base/process_flags.h"
 #include "base/text.h"
 #include "display/display.h"
+#include "library/album.h"
 #include "library/file_types.h"
 #include "library/media_paths.h"
 #include "library/next_item.h"
@@ -52,6 +53,12 @@ constexpr std::array codeRequests{
     CodeRequest{NavCode::NextItem, ItemRequest::Leave},
 };
 
+/// Before the screen tells: a key may already ask for the next track while this one is being opened.
+bool liesInMusicRoom(const std::filesystem::path& path) {
+  const auto room = roomRootOf(path);
+  return room && knownKind(*room) == MediaKind::Music;
+}
+
 std::string fullPath(const std::string& path) {
   const std::filesystem::path given(path);
   return (given.is_absolute() ? given : mediaRoot() / given).lexically_normal().string();
@@ -86,6 +93,7 @@ Viewing::Viewing(const PlayContext& context, const std::string& path, SoundMode 
       user_(context.stored.users.activeUser()),
       isAvi_(lowerExtension(path_) == ".avi"),
       play_({path_, context.language, soundMode}, {context.clock, context.stored, context.soundDevice}),
+      musicRoom_(liesInMusicRoom(path_)),
       startedAt_(clock_.now()),
       stateSince_(startedAt_) {}
 
@@ -108,6 +116,7 @@ void Viewing::pass() {
   if (display_.takePauseToggle()) serve(ItemRequest::TogglePause);
   serveTimes(code);
   serveSelection();
+  serveNeighbour();
   repeatVolume();
   assert(inStep());
   if (state_ == ItemState::Finished) return;
@@ -125,8 +134,10 @@ void Viewing::serveCode(NavCode code) {
   if (state_ == ItemState::Starting) return;
   serveVolume(code);
   if (state_ == ItemState::Ending || state_ == ItemState::Paused) return;
-  // The bar would take the strip's place, and the key that wakes changes nothing.
-  if (code == NavCode::Wake && !display_.stripShown()) display_.showSeekBar();
+  if (code == NavCode::Wake) {
+    display_.stopTheme();
+    display_.showSeekBar();
+  }
   if (code == NavCode::Snapshot && !runs(state_)) takeSnapshot();
 }
 
@@ -156,9 +167,19 @@ void Viewing::serveTimes(NavCode code) {
 }
 
 void Viewing::serveSelection() {
-  auto item = selection_.poll(display_);
-  if (!item || state_ == ItemState::Finished) return;
-  serve(ItemRequest::Selected);
+  if (auto item = selection_.poll(display_)) goTo(ItemRequest::Selected, std::move(*item));
+}
+
+void Viewing::serveNeighbour() {
+  auto track = neighbour_.take();
+  if (!track) return;
+  trackSteps_ = 0;
+  if (*track) goTo(ItemRequest::TrackFound, std::move(**track));
+}
+
+void Viewing::goTo(ItemRequest request, std::filesystem::path item) {
+  if (state_ == ItemState::Finished) return;
+  serve(request);
   if (state_ != ItemState::Finished) return;
   nextPath_ = std::move(item);
   display_.clearError();
@@ -207,10 +228,14 @@ void Viewing::steerPlayer(ItemActs acts, ItemRequest request) {
   if (acts.has(ItemAct::Pause)) play_.pause();
   if (acts.has(ItemAct::FreeSoundDevice)) play_.freeSoundDevice();
   if (acts.has(ItemAct::Resume)) {
+    display_.stopTheme();
     play_.takeSoundDevice();
     play_.resume();
   }
-  if (acts.has(ItemAct::Seek)) seekStep(request == ItemRequest::SeekForward ? +1 : -1);
+  const int direction = request == ItemRequest::SeekForward ? +1 : -1;
+  if (acts.has(ItemAct::Seek)) seekStep(direction);
+  if (acts.has(ItemAct::StepTrack)) stepTrack(direction);
+  if (acts.has(ItemAct::StepSelection)) display_.stepSelection(direction);
   if (acts.has(ItemAct::SeekToStart)) play_.requestSeek(0);
 }
 
@@ -220,7 +245,7 @@ void Viewing::steerScreen(ItemActs acts) {
   if (acts.has(ItemAct::OpenStrip)) {
     display_.openRoomOf(path_);
     display_.alignWithItem(path_);
-    display_.showStrip();
+    display_.showStrip(true);
   }
   if (acts.has(ItemAct::ShowSeekBar)) display_.showSeekBar();
   if (acts.has(ItemAct::SwitchWatched)) switchWatched();
@@ -244,6 +269,7 @@ void Viewing::begin() {
   display_.selectRoomForPath(path_);
   musicRoom_ = display_.roomKind() == MediaKind::Music;
   play_.start(startPosition());
+  lookAhead();
   startGuardUntil_ = clock_.now() + startGuard;
 }
 
@@ -368,13 +394,27 @@ bool Viewing::watched() const {
   return countsAsWatched(play_.positionUs(), play_.durationUs());
 }
 
-/// Music goes on by itself; a film does not.
+/// Two quick presses go two tracks, or as far as the album goes.
+void Viewing::stepTrack(int direction) {
+  trackSteps_ += direction;
+  neighbour_.start([path = path_, steps = trackSteps_](auto& side) {
+    std::optional<std::filesystem::path> track;
+    for (int step = steps; step != 0 && !track && !side.stop(); step += step > 0 ? -1 : +1) {
+      track = neighbourTrack(path, step, side.stop());
+    }
+    side.post(std::move(track));
+  });
+}
+
+/// Music goes on by itself, and without a pause; a film does not.
+void Viewing::lookAhead() {
+  if (!isAudioFile(path_)) return;
+  following_.start([path = path_](auto& side) { side.post(nextItemAfter(path, side.stop())); });
+}
+
 void Viewing::chooseNext() {
   if (nextPath_ || !ended_ || !isAudioFile(path_)) return;
-  using Next = std::optional<std::filesystem::path>;
-  BackgroundJob<Next> job;
-  job.start([path = path_](JobSide<Next>& side) { side.post(nextItemAfter(path, side.stop())); });
-  nextPath_ = awaitOnScreen(display_, clock_, job).value_or(std::nullopt);
+  nextPath_ = awaitOnScreen(display_, clock_, following_).value_or(std::nullopt);
   if (!nextPath_ && watched() && musicRoom_) nextPath_.emplace();
 }
 

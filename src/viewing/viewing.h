@@ -43,6 +43,7 @@ class Viewing {
   void serveVolume(NavCode code);
   void serveTimes(NavCode code);
   void serveSelection();
+  void goTo(ItemRequest request, std::filesystem::path item);
   void serve(ItemRequest request);
   ItemFacts facts() const;
   void enter(ItemState next);
@@ -60,6 +61,9 @@ class Viewing {
   void showVolumeBar();
   void takeSnapshot();
   void switchWatched();
+  void stepTrack(int direction);
+  void serveNeighbour();
+  void lookAhead();
   void chooseNext();
 
   // What is kept of an item for its next start.
@@ -80,7 +84,7 @@ class Viewing {
   ItemState state_ = ItemState::Starting;
   bool opened_ = false;
   bool ended_ = false;  ///< by itself, not by the viewer
-  bool musicRoom_ = false;
+  bool musicRoom_;
   Clock::Time startedAt_;
   Clock::Time startGuardUntil_;  ///< until then a pause key is the one that has started the item
   Clock::Time stateSince_;
@@ -88,6 +92,9 @@ class Viewing {
   HeldVolume volume_;
   Selection selection_{Selection::Loading::StatusLine};
   BackgroundJob<std::monostate> snapshot_;
+  BackgroundJob<std::optional<std::filesystem::path>> neighbour_;
+  BackgroundJob<std::optional<std::filesystem::path>> following_;  ///< what plays after a song
+  int trackSteps_ = 0;  ///< that keys have asked for, and neighbour_ looks for
   std::optional<std::filesystem::path> nextPath_;
 };
 

@@ -13,19 +13,6 @@ std::string printed(void (*print)(std::ostream&, Arguments...), const std::decay
   return out.str();
 }
 
-TEST(Help, PadsItsRowsAndEndsWithABlankLine) {
-  const std::string help = printed(printHelp);
-  EXPECT_EQ(std::count(help.begin(), help.end(), '\n'), 7 + 18 + 1);
-  EXPECT_THAT(help,
-              testing::HasSubstr("warranty.\033[0m\n\n"
-                                 "\033[38;2;255;255;255m\033[38;2;255;255;0mHome options:\033[0m\n"
-                                 "\033[38;2;255;255;255mtavek                         \033[38;2;255;255;0m"
-                                 "  # full screen mode at highest available resolution\033[0m\n"));
-  EXPECT_THAT(help,
-              testing::EndsWith("\033[38;2;255;255;255mtavek --fanart-scan           \033[38;2;255;255;0m"
-                                "  # force fanart scan now\033[0m\n\n"));
-}
-
 TEST(Decoders, ArePrintedByTypeInColumns) {
   const std::string green = "\033[1m\033[38;2;0;255;0m";
   const std::string cyan = "\033[0m \033[1m\033[38;2;0;255;255m";

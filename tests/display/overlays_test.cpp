@@ -1,12 +1,9 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 
-#include <SDL_image.h>
 #include <gtest/gtest.h>
 
 #include "display/playback/clear_logo.h"
@@ -23,6 +20,7 @@ namespace tavek {
 namespace {
 
 namespace fs = std::filesystem;
+using test::writeText;
 
 FrameContext frameAt(const test::Offscreen& screen, Uint64 nowMs) {
   screen.clear();
@@ -30,11 +28,9 @@ FrameContext frameAt(const test::Offscreen& screen, Uint64 nowMs) {
 }
 
 TEST(OverlaysTest, TimesAreWrittenWithHoursOnlyFromOneHourOn) {
-  EXPECT_EQ(formatTime(-1'000'000), "0:00");
-  EXPECT_EQ(formatTime(7'999'999), "0:07");
-  EXPECT_EQ(formatTime(3'599'000'000), "59:59");
-  EXPECT_EQ(formatTime(3'600'000'000), "1:00:00");
-  EXPECT_EQ(formatTime(36'061'000'000), "10:01:01");
+  const std::pair<std::int64_t, const char*> times[] = {
+      {-1, "0:00"}, {7, "0:07"}, {3599, "59:59"}, {3600, "1:00:00"}, {36061, "10:01:01"}};
+  for (const auto& [seconds, text] : times) EXPECT_EQ(formatTime(seconds * 1'000'000), text);
 }
 
 TEST(OverlaysTest, FadesRunForHalfASecondAfterTheChange) {
@@ -130,23 +126,7 @@ TEST(ClearLogoTest, LogoShrinksToItsShareOfTheWindow) {
 /// An episode, and the files where its logo may lie.
 class ClearLogoFileTest : public testing::Test {
  protected:
-  ClearLogoFileTest() {
-    fs::create_directories(episode.parent_path());
-    fs::remove(showLogo);
-  }
-
-  /// A white picture, as the bytes of a file.
-  static std::string png() {
-    const SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, 400, 100, 32, SDL_PIXELFORMAT_RGBA32));
-    SDL_FillRect(surface.get(), nullptr, theme::white);
-    const fs::path file = test::library.path() / "made.png";
-    IMG_SavePNG(surface.get(), file.c_str());
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-  static void write(const fs::path& file, const std::string& bytes) {
-    std::ofstream(file, std::ios::binary) << bytes;
-  }
+  ClearLogoFileTest() { fs::remove(showLogo); }
 
   /// Until the search has come to an end.
   void follow(ClearLogo& logo, const test::Offscreen& screen, fs::path video = {}) {
@@ -167,10 +147,10 @@ class ClearLogoFileTest : public testing::Test {
 TEST_F(ClearLogoFileTest, LogoBesideTheItemGoesBeforeTheShows) {
   const fs::path beside = show / "Season 2/clearlogo.png";
   EXPECT_FALSE(clearLogoFor(episode));
-  write(showLogo, "x");
-  write(beside, "");
+  writeText(showLogo, "x");
+  writeText(beside, "");
   EXPECT_EQ(clearLogoFor(episode), showLogo) << "an empty file does not count";
-  write(beside, "x");
+  writeText(beside, "x");
   EXPECT_EQ(clearLogoFor(episode), beside);
   fs::remove(beside);
 }
@@ -178,11 +158,11 @@ TEST_F(ClearLogoFileTest, LogoBesideTheItemGoesBeforeTheShows) {
 TEST_F(ClearLogoFileTest, UnreadableFileIsTriedAgainWhenItChanges) {
   const test::Offscreen screen(64, 64);
   ClearLogo logo;
-  const std::string good = png();
-  write(showLogo, std::string(good.size(), 'x'));
+  const std::string good = test::png(400, 100);
+  writeText(showLogo, std::string(good.size(), 'x'));
   const auto changedAt = fs::last_write_time(showLogo);
   follow(logo, screen);
-  write(showLogo, good);
+  writeText(showLogo, good);
   fs::last_write_time(showLogo, changedAt);
   follow(logo, screen);
   EXPECT_FALSE(logo.loaded()) << "not decoded again as long as it looks the same";
@@ -196,25 +176,25 @@ TEST_F(ClearLogoFileTest, UnreadableFileIsTriedAgainWhenItChanges) {
 
 TEST_F(ClearLogoFileTest, LogoAndLineFadeOverAPausedPicture) {
   const test::Offscreen screen;
-  write(showLogo, png());
+  writeText(showLogo, test::png(400, 100));
   ClearLogo logo;
   follow(logo, screen);
   const auto drawAfter = [&](Uint64 ms, const ClearLogoInput& input) {
     logo.draw(frameAt(screen, nowMs += ms), input, episode);
   };
-  for (const ClearLogoInput& hiding :
-       {ClearLogoInput{}, ClearLogoInput{.videoPlaying = true, .stripOn = true},
-        ClearLogoInput{.videoPaused = true, .homeMode = true}}) {
+  const ClearLogoInput hiding[] = {
+      {}, {.videoPlaying = true, .stripOn = true}, {.videoPaused = true, .homeMode = true}};
+  for (const ClearLogoInput& hides : hiding) {
     drawAfter(100, {.videoPaused = true});
     drawAfter(250, {.stripOn = true});
-    EXPECT_NEAR(redOf(screen.pixel(640, 120)), 127, 1) << nowMs;
-    EXPECT_GT(screen.drawnArea().h, 100 + 8) << "the episode line, at " << nowMs;
-    drawAfter(250, hiding);
-    drawAfter(500, hiding);
-    EXPECT_EQ(screen.drawnArea(), SDL_Rect{}) << nowMs;
+    EXPECT_NEAR(redOf(screen.pixel(640, 120)), 127, 1) << &hides - hiding;
+    EXPECT_GT(screen.drawnArea().h, 100 + 8) << "the episode line, " << &hides - hiding;
+    drawAfter(250, hides);
+    drawAfter(500, hides);
+    EXPECT_EQ(screen.drawnArea(), SDL_Rect{}) << &hides - hiding;
   }
   logo.setSuppressed(true);
-  drawAfter(100, {.videoPaused = true});
+  drawAfter(500, {.videoPaused = true});
   drawAfter(500, {.videoPaused = true});
   EXPECT_EQ(screen.drawnArea(), SDL_Rect{});
 }

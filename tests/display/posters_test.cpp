@@ -1,12 +1,7 @@
-#include "display/strip/posters.h"
-
-#include <fstream>
-#include <thread>
-
-#include <SDL_image.h>
 #include <gtest/gtest.h>
 
 #include "base/process_flags.h"
+#include "display/strip/strip.h"
 #include "display/toolkit/image_file.h"
 #include "state/state_store.h"
 #include "support/media_root.h"
@@ -26,22 +21,11 @@ class PostersTest : public testing::Test {
 
   static fs::path at(const std::string& name) { return test::library.path() / name; }
   static void write(const std::string& name, const std::string& bytes = "x") {
-    fs::create_directories(at(name).parent_path());
-    std::ofstream(at(name), std::ios::binary) << bytes;
-  }
-  static std::string png(int width, int height) {
-    const SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_RGBA32));
-    SDL_FillRect(surface.get(), nullptr, theme::accent);
-    std::string bytes(100'000, '\0');
-    SDL_RWops* stream = SDL_RWFromMem(bytes.data(), static_cast<int>(bytes.size()));
-    IMG_SavePNG_RW(surface.get(), stream, 0);
-    bytes.resize(static_cast<std::size_t>(SDL_RWtell(stream)));
-    SDL_RWclose(stream);
-    return bytes;
+    test::writeText(at(name), bytes);
   }
   static void addFilm(const std::string& name) {
     write("movies/" + name + ".mkv");
-    write("movies/" + name + ".png", png(200, 300));
+    write("movies/" + name + ".png", test::png(200, 300));
   }
   /// Opens a folder and takes its tiles until no more come.
   void load(const std::string& folder) {
@@ -69,7 +53,7 @@ class PostersTest : public testing::Test {
 };
 
 TEST_F(PostersTest, OnlyPicturesThatCanBeShownComeIntoTheList) {
-  const std::string good = png(400, 600);
+  const std::string good = test::png(400, 600);
   std::string liar = good;
   liar.replace(16, 8, std::string("\0\2\0\0\0\2\0\0", 8));  // 131,072 pixels each way
   addFilm("b");
@@ -77,7 +61,7 @@ TEST_F(PostersTest, OnlyPicturesThatCanBeShownComeIntoTheList) {
   write("movies/cut.png", good.substr(0, good.size() / 2));
   write("movies/empty.png", "");
   write("movies/liar.png", liar);
-  write("movies/wide.jpg", png(1000, 100));
+  write("movies/wide.jpg", test::png(1000, 100));
   load("movies");
   EXPECT_EQ(shown(), ">movies/b.png:160 movies/wide.jpg:2400 ");
   const SurfacePtr fitted = fittedToHeight(loadImage(at("movies/b.png")), 100);
@@ -103,9 +87,8 @@ TEST_F(PostersTest, FoldersOfSeriesHaveTilesWithoutPictures) {
   EXPECT_EQ(posters.list().size(), 2U) << "a folder that was loaded before comes back at once";
 }
 
-TEST_F(PostersTest, SelectionGoesToTheFilmThatPlays) {
+TEST_F(PostersTest, SelectionGoesToTheFilmThatPlaysOrIsNamed) {
   for (const char* name : {"alien", "aliens", "brazil"}) addFilm(name);
-  posters.openPosterFolder(screen.renderer(), at("movies"));
   posters.selectPosterFor(at("movies/aliens.mkv"));
   load("movies");
   EXPECT_EQ(shown(), "movies/alien.png:160 >movies/aliens.png:160 movies/brazil.png:160 ");
@@ -118,44 +101,60 @@ TEST_F(PostersTest, SelectionGoesToTheFilmThatPlays) {
 
 /// The name itself goes before a longer one that begins with it, in whatever order they come.
 TEST_F(PostersTest, TheVeryNameIsSelected) {
-  for (const char* name : {"Star Trek", "Star Trek Discovery", "Zulu", "\xD0\x91\xD1\x80\xD0\xB0\xD1\x82 2"})
-    addFilm(name);
+  const std::vector<std::string> names{"Star Trek", "Star Trek Discovery", "Брат 2"};
+  for (const std::string& name : names) addFilm(name);
+  const auto selected = [this] {
+    return posters.list()[static_cast<std::size_t>(posters.selectedPoster())].path.stem();
+  };
   for (const bool loadedBefore : {false, true}) {
-    for (const char* name : {"Star Trek", "Star Trek Discovery", "\xD0\x91\xD1\x80\xD0\xB0\xD1\x82 2"}) {
+    for (const std::string& name : names) {
       if (!loadedBefore) posters.clear();
-      posters.selectPosterFor(at(std::string("elsewhere/") + name + ".mkv"));
+      posters.selectPosterFor(at("elsewhere/" + name + ".mkv"));
       load("movies");
-      const auto& selected = posters.list()[static_cast<std::size_t>(posters.selectedPoster())];
-      EXPECT_EQ(selected.path.stem(), name) << loadedBefore;
+      EXPECT_EQ(selected(), name) << loadedBefore;
     }
   }
-  const std::pair<const char*, const char*> typed[] = {
-      {"s", "Star Trek Discovery"}, {"star trek d", "Star Trek Discovery"}, {"z", "Zulu"}};
-  for (const auto& [text, title] : typed) {
+  // Other scripts stand behind the last letter.
+  for (const auto& [text, name] : {std::pair{"s", 1U}, std::pair{"star trek d", 1U}, std::pair{"z", 2U}}) {
     posters.jumpToTyped(text);
-    EXPECT_EQ(posters.list()[static_cast<std::size_t>(posters.selectedPoster())].path.stem(), title) << text;
+    EXPECT_EQ(selected(), names[name]) << text;
   }
-  fs::remove(at("movies/Zulu.png"));
-  posters.clear();
-  load("movies");
-  posters.jumpToTyped("z");
-  EXPECT_EQ(posters.selectedPoster(), 2) << "other scripts stand behind the last letter";
 }
 
-TEST_F(PostersTest, LoadingStopsWhenTheFolderIsLeftOrGone) {
+TEST_F(PostersTest, WhatStillLoadsStaysInItsFolder) {
   for (int i = 0; i < 60; ++i) addFilm("film " + std::to_string(i));
   write("kids/a.mkv");
+  write("kids/a.png", test::png(200, 300));
   posters.openPosterFolder(screen.renderer(), at("movies"));
-  posters.openPosterFolder(screen.renderer(), at("kids"));
-  EXPECT_TRUE(posters.list().empty());
-  posters.openPosterFolder(screen.renderer(), at("movies"));
-  fs::remove_all(at("movies"));
-  while (!posters.posterListComplete()) take();
-  take();
-  EXPECT_LE(posters.list().size(), 60U);
-  posters.openPosterFolder(screen.renderer(), at("nowhere"));
-  while (!posters.posterListComplete()) take();
-  EXPECT_TRUE(posters.list().empty());
+  while (posters.list().empty()) take();
+  load("kids");
+  EXPECT_EQ(shown(), ">kids/a.png:160 ");
+  load("nowhere");
+  EXPECT_EQ(shown(), "");
+}
+
+TEST_F(PostersTest, TheStripStaysWhereItIsOnItsWayOutAndLettersRepeat) {
+  for (const char* name : {"alien", "brazil", "casablanca"}) addFilm(name);
+  Strip strip(store.parts());
+  strip.openPosterFolder(screen.renderer(), at("movies"), 0);
+  while (!strip.posters().posterListComplete() || strip.posters().list().size() < 3)
+    strip.posters().takePendingPosters(screen.renderer(), 240, 99);
+  const auto selected = [&] { return strip.selectedPoster()->path.stem(); };
+  strip.show(at("movies/alien.mkv"), false, 1000);
+  strip.hide(2000);
+  strip.show(at("movies/brazil.mkv"), false, 2060);
+  EXPECT_EQ(selected(), "alien");
+  strip.endSlide(screen.renderer(), {}, false, 2200);
+  strip.show(at("movies/brazil.mkv"), false, 3000);
+  EXPECT_EQ(selected(), "brazil");
+
+  const FocusFacts facts{.stripShown = true, .stripAny = true};
+  EXPECT_FALSE(strip.repeats(facts)) << "it has just jumped by itself";
+  strip.move(Direction::Up, facts, 3200);
+  EXPECT_TRUE(strip.repeats(facts));
+  strip.move(Direction::Right, facts, 3300);
+  EXPECT_EQ(selected(), "casablanca");
+  strip.destroyTextures();
 }
 
 }  // namespace

@@ -1,14 +1,12 @@
-// The screensaver in the whole of the window, with its clock turned.
-#include <algorithm>
-#include <fstream>
 #include <functional>
-#include <thread>
+#include <tuple>
 
 #include <SDL_image.h>
 #include <gtest/gtest.h>
 
-#include "base/background_job.h"
+#include "base/process_flags.h"
 #include "display/display.h"
+#include "display/screensaver/saver_rules.h"
 #include "state/state_store.h"
 #include "support/media_root.h"
 #include "support/offscreen.h"
@@ -17,240 +15,142 @@
 namespace tavek {
 namespace {
 
-using enum NavCode;
 using std::chrono::milliseconds;
-using std::chrono::minutes;
-namespace fs = std::filesystem;
+
+TEST(SaverRules, FadeTurnsAroundWhereItStands) {
+  SaverFade fade;
+  fade.start(true, 1000);
+  EXPECT_FALSE(fade.advance(1250) || fade.full());
+  EXPECT_DOUBLE_EQ(fade.alpha(), 0.5);
+  fade.start(false, 1250);
+  EXPECT_FALSE(fade.advance(1500));
+  EXPECT_DOUBLE_EQ(fade.alpha(), 0.25);
+  fade.start(true, 1500);
+  EXPECT_FALSE(fade.advance(2000));
+  EXPECT_TRUE(fade.full());
+  fade.start(false, 5000);
+  EXPECT_TRUE(fade.advance(5500)) << "told once";
+  EXPECT_FALSE(fade.advance(5600));
+}
+
+TEST(SaverRules, SlidesStandForAMinute) {
+  SlideClock clock;
+  EXPECT_FALSE(clock.due(900'000));
+  clock.begin(1000);
+  EXPECT_FALSE(clock.due(60'999));
+  EXPECT_TRUE(clock.due(61'000));
+  clock.next(3, 61'000);
+  EXPECT_EQ(clock.current(), 1U);
+  EXPECT_EQ(clock.previous(61'499), 0U);
+  EXPECT_EQ(clock.previous(61'500), std::nullopt);
+  clock.next(3, 121'000);
+  clock.erase(1, 2);
+  EXPECT_EQ(std::pair(clock.current(), clock.previous(121'001)),
+            std::pair(std::size_t{1}, std::optional<std::size_t>()));
+  clock.next(2, 181'000);
+  EXPECT_EQ(clock.current(), 0U);
+  clock.next(1, 241'000);
+  EXPECT_EQ(clock.current(), 0U) << "one slide goes into itself";
+}
+
+TEST(SaverRules, TitlesAndBadges) {
+  const std::tuple<const char*, const char*, const char*> titles[] = {
+      {"Blade Runner (1982)", "Blade Runner", "1982"},
+      {" Das Boot ( 1981 ) ", "Das Boot", "1981"},
+      {"Film (19825)", "Film (19825)", ""},
+      {"Film (abcd)", "Film (abcd)", ""},
+      {"(1982)", "(1982)", ""},
+      {"1982", "1982", ""},
+  };
+  for (const auto& [text, title, year] : titles)
+    EXPECT_EQ(splitTitleYear(text), (TitleYear{title, year})) << text;
+  const std::tuple<int, int, std::string> badges[] = {
+      {3840, 2160, "4K"}, {2160, 3840, "4K"}, {3840, 1600, "FHD"}, {1920, 1080, "FHD"},
+      {1920, 800, "HD"},  {1280, 720, "HD"},  {1279, 720, ""},     {0, 0, ""}};
+  for (const auto& [width, height, badge] : badges) EXPECT_EQ(resolutionBadge(width, height), badge) << width;
+}
 
 class SaverTest : public testing::Test {
- public:
-  SaverTest() {
-    test::useOffscreenDriver();
-    SDL_setenv("SDL_RENDER_DRIVER", "software", 1);
-    fs::remove_all(films);
-    fs::create_directories(films);
-  }
-  ~SaverTest() override {
-    display.reset();
-    joinLeftThreads(std::chrono::seconds(5));
-    unsetenv("SDL_RENDER_DRIVER");
-  }
+ protected:
+  SaverTest() { test::writeText(film, "x"); }
+  ~SaverTest() override { quitRequested = false; }
 
-  void make() {
-    display = std::make_unique<Display>(0, 0, 640, 360, Orientation::OrientationAuto, store.parts(), clock);
-    ASSERT_TRUE(display->usable());
-  }
   NavCode key(SDL_Keycode sym, bool down = true, bool repeat = false) {
     SDL_Event event{};
     event.type = down ? SDL_KEYDOWN : SDL_KEYUP;
     event.key.keysym.sym = sym;
-    event.key.repeat = repeat ? 1 : 0;
+    event.key.repeat = repeat;
     SDL_PushEvent(&event);
-    return display->pollInput();
+    return display.pollInput();
   }
-  bool saves() const { return display->currentFocus() == FocusName::Screensaver; }
-  void pass(milliseconds span) {
-    clock.turn(span);
-    display->pollInput();
-    display->presentBlank();
-  }
-  /// Passes of 20 ms until it is so, or two seconds of real time have gone.
-  bool passUntil(const std::function<bool()>& reached) {
-    for (int i = 0; i < 2000 && !reached(); ++i) {
-      pass(milliseconds(20));
-      std::this_thread::sleep_for(milliseconds(1));
-    }
-    return reached();
-  }
-  void idle() {
-    display->pollInput();
-    clock.turn(minutes(5));
-    display->pollInput();
-  }
-  Colour pixel() const { return test::pixelAt(display->renderer(), 320, 40); }
-  bool shows(Colour colour) {
-    return passUntil([&] { return pixel() == colour; });
+  /// As a pass of whatever loop draws.
+  void pass(milliseconds after) {
+    clock.turn(after);
+    display.pollInput();
+    display.presentBlank();
   }
 
-  fs::path art(const std::string& title, Colour colour) const {
-    std::ofstream(films / (title + ".mkv")) << "x";
-    const SurfacePtr picture(SDL_CreateRGBSurfaceWithFormat(0, 64, 36, 32, SDL_PIXELFORMAT_RGBA32));
-    SDL_FillRect(picture.get(), nullptr, colour);
-    const fs::path file = films / (title + ".fanart.png");
-    IMG_SavePNG(picture.get(), file.c_str());
-    return file;
-  }
-
-  void goHome() { display->goHome(true); }
-  void chooseUser() {
-    play();
-    display->pollInput();
-    key(SDLK_AC_HOME);
-    key(SDLK_AC_HOME, false);
-  }
-  void play() {
-    display->leaveHome();
-    display->setVideoPlaying(true);
-    display->setVideoPaused(false);
-  }
-  void pause() {
-    play();
-    display->setVideoPlaying(false);
-    display->setVideoPaused(true);
-  }
-  void browse() {
-    play();
-    display->setVideoPlaying(false);
-    display->showStrip();
-  }
-  void browseSeries() {
-    display->selectRoomForPath(test::library.path() / "tv/x");
-    browse();
-  }
-  void playSong() {
-    display->alignWithItem(test::library.path() / "music/a.mp3");
-    display->selectRoomForPath(test::library.path() / "music/a.mp3");
-    play();
-  }
-
+  const std::filesystem::path film = test::library.path() / "movies/Red (1982)/Red (1982).mkv";
+  const bool offscreen = (test::useOffscreenDriver(), true);
   test::TurnedClock clock;
-  const fs::path films = test::library.path() / "movies";
-  const test::TempFolder folder;
-  StateStore store{folder.path() / "persist.json"};
-  std::unique_ptr<Display> display;
+  StateStore store{""};
+  Display display{0, 0, 320, 180, Orientation::OrientationAuto, store.parts(), clock};
 };
 
-constexpr Colour halfRed = rgba(128, 0, 0), halfGreen = rgba(0, 128, 0);
-
-TEST_F(SaverTest, TheKeyThatWakesDoesNothingElse) {
-  make();
+TEST_F(SaverTest, AKeyOnlyWakes) {
   const struct {
-    const char* name;
-    void (SaverTest::*reach)();
-    NavCode enter;  ///< what the key means once the screen is awake
-  } screens[] = {
-      {"home", &SaverTest::goHome, None},           {"the users", &SaverTest::chooseUser, None},
-      {"a pause", &SaverTest::pause, OpenPosters},  {"the strip", &SaverTest::browse, None},
-      {"a series", &SaverTest::browseSeries, None}, {"music", &SaverTest::playSong, OpenPosters},
+    const char* what;
+    std::function<void()> reach;
+    bool comes;
+  } states[] = {
+      {"home", [&] { display.goHome(true); }, true},
+      {"a film that runs", [&] { display.setVideoPlaying(true); }, false},
+      {"a pause", [&] { display.setVideoPlaying(false), display.setVideoPaused(true); }, true},
+      {"the strip", [&] { display.setVideoPlaying(false), display.showStrip(true); }, true},
+      {"a song",
+       [&] { display.alignWithItem(test::library.path() / "music/a.mp3"), display.setVideoPlaying(true); },
+       true},
   };
-  for (const auto& screen : screens) {
-    SCOPED_TRACE(screen.name);
-    display->goHome(true);
-    display->alignWithItem({});
-    display->selectRoomForPath(films / "x");
-    (this->*screen.reach)();
-    display->pollInput();
-    const FocusName before = display->currentFocus();
-    idle();
-    ASSERT_TRUE(saves());
-    EXPECT_EQ(key(SDLK_LEFT, false), None);
-    EXPECT_EQ(key(SDLK_RETURN, true, true), None);
-    EXPECT_TRUE(saves()) << "neither a release nor a repeat wakes";
-    EXPECT_EQ(key(SDLK_RETURN), Wake);
-    EXPECT_EQ(display->currentFocus(), before);
-    EXPECT_EQ(key(SDLK_RETURN, true, true), None);
-    clock.turn(milliseconds(600));
-    EXPECT_EQ(key(SDLK_RETURN, true, true), None);
-    EXPECT_EQ(key(SDLK_RETURN, false), None);
-    EXPECT_EQ(display->currentFocus(), before);
-    EXPECT_EQ(key(SDLK_RETURN), screen.enter);
-    key(SDLK_RETURN, false);
+  for (const auto& state : states) {
+    display.leaveHome();
+    display.alignWithItem({});
+    state.reach();
+    pass(milliseconds(10));
+    const FocusName before = display.currentFocus();
+    pass(milliseconds(299'000));
+    EXPECT_EQ(display.currentFocus(), before) << state.what;
+    pass(milliseconds(2000));
+    EXPECT_EQ(display.currentFocus() == FocusName::Screensaver, state.comes) << state.what;
+    if (!state.comes) continue;
+    EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None) << "a key that was held before";
+    EXPECT_EQ(key(SDLK_RIGHT), NavCode::Wake) << state.what;
+    EXPECT_EQ(key(SDLK_RIGHT, true, true), NavCode::None) << state.what;
+    EXPECT_EQ(key(SDLK_RIGHT, false), NavCode::None) << state.what;
+    EXPECT_EQ(display.currentFocus(), before) << state.what;
+    pass(milliseconds(600));
+    display.hideStrip();
+    pass(milliseconds(300));
   }
 }
 
-TEST_F(SaverTest, APictureThatRunsKeepsItAwayAndKeysPutItOff) {
-  make();
-  play();
-  display->pollInput();
-  clock.turn(minutes(200));
-  display->pollInput();
-  EXPECT_FALSE(saves());
-  pause();
-  clock.turn(minutes(4));
-  key(SDLK_MENU);
-  clock.turn(minutes(4));
-  display->pollInput();
-  EXPECT_FALSE(saves());
-  clock.turn(minutes(1));
-  display->pollInput();
-  EXPECT_TRUE(saves());
-  display->goHome(true);
-  EXPECT_FALSE(saves());
-}
-
-TEST_F(SaverTest, SlidesComeAtHalfStrengthOverWhatWasThere) {
-  art("Red", rgba(255, 0, 0));
-  make();
-  pause();
-  const std::vector<std::uint8_t> luma(64 * 36, 235), chroma(32 * 18, 128);
-  const auto present = [&] {
-    display->presentFrame({.planes = {luma.data(), chroma.data(), chroma.data()},
-                           .pitches = {64, 32, 32},
-                           .width = 64,
-                           .height = 36},
-                          -1);
-    return pixel();
+TEST_F(SaverTest, SlidesStandAtHalfStrengthUntilTheyVanish) {
+  const SurfacePtr red(SDL_CreateRGBSurfaceWithFormat(0, 640, 360, 24, SDL_PIXELFORMAT_RGB24));
+  SDL_FillRect(red.get(), nullptr, SDL_MapRGB(red->format, 255, 0, 0));
+  IMG_SavePNG(red.get(), (film.parent_path() / "fanart.png").c_str());
+  test::writeText(test::library.path() / "movies/Broken/Broken.mkv", "x");
+  test::writeText(test::library.path() / "movies/Broken/fanart.png", "no picture");
+  display.goHome(true);
+  for (int i = 0; i < 400 && display.currentFolder().filename() != "movies"; ++i, SDL_Delay(1))
+    pass(milliseconds(1));
+  pass(milliseconds(300'000));
+  const auto middle = [&] {
+    SDL_Rect place{160, 40, 1, 1};
+    Uint32 pixel = 0;
+    SDL_RenderReadPixels(display.renderer(), &place, SDL_PIXELFORMAT_ARGB8888, &pixel, sizeof pixel);
+    return pixel & 0xffffff;
   };
-  idle();
-  clock.turn(milliseconds(250));
-  display->pollInput();
-  EXPECT_NEAR(redOf(present()), 64, 8) << "half of what half the picture is";
-  EXPECT_TRUE(shows(halfRed));
-  clock.turn(minutes(1));
-  EXPECT_TRUE(shows(halfRed)) << "a single slide follows itself";
-  EXPECT_EQ(key(SDLK_q), Wake);
-  clock.turn(milliseconds(600));
-  display->pollInput();
-  EXPECT_GT(greenOf(present()), 240);
-}
-
-TEST_F(SaverTest, WhatIsBrokenOrGoneIsLeftOut) {
-  art("A", rgba(255, 0, 0));
-  art("B", 0);
-  std::ofstream(films / "B.fanart.png") << "no picture";
-  art("C", rgba(0, 255, 0));
-  make();
-  goHome();
-  idle();
-  EXPECT_TRUE(shows(halfRed));
-  pass(milliseconds(600));
-  clock.turn(minutes(1));
-  EXPECT_TRUE(shows(halfGreen)) << "the broken one is passed over";
-  fs::remove_all(films);
-  clock.turn(minutes(1));
-  EXPECT_TRUE(shows(theme::black)) << "what is gone does not stand";
-  fs::create_directories(films);
-  art("D", rgba(255, 0, 0));
-  clock.turn(minutes(1));
-  EXPECT_TRUE(shows(halfRed)) << "new art is found";
-}
-
-/// Tracks follow each other by themselves, which is no sign of a viewer.
-TEST_F(SaverTest, OverMusicItShowsTheTrack) {
-  make();
-  playSong();
-  display->pollInput();
-  clock.turn(minutes(4));
-  display->setVideoPlaying(false);
-  display->setVideoPlaying(true);
-  clock.turn(minutes(1));
-  display->pollInput();
-  ASSERT_TRUE(saves());
-  pass(milliseconds(600));
-  const auto lit = [&](const SDL_Rect& area) {
-    return std::ranges::any_of(test::pixelsOf(display->renderer(), area),
-                               [](Colour colour) { return colour != theme::black; });
-  };
-  EXPECT_TRUE(lit({40, 290, 60, 40})) << "the name of the file, for a track without a title";
-  EXPECT_FALSE(lit({0, 0, 640, 280}));
-}
-
-TEST_F(SaverTest, WithoutSlidesItIsBlack) {
-  make();
-  goHome();
-  idle();
-  EXPECT_TRUE(passUntil([&] { return pixel() == theme::black; }));
-  EXPECT_TRUE(saves());
+  for (int i = 0; i < 2000 && middle() != 0x800000; ++i, SDL_Delay(1)) pass(milliseconds(10));
+  EXPECT_EQ(middle(), 0x800000U);
 }
 
 }  // namespace

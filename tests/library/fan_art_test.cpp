@@ -1,128 +1,65 @@
 #include "library/fan_art.h"
 
-#include <fstream>
-
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "base/paths.h"
+#include "library/media_paths.h"
 #include "library/overview.h"
-#include "support/media_root.h"
+#include "support/temp_folder.h"
 
 namespace tavek {
 namespace {
 
 namespace fs = std::filesystem;
-using testing::ElementsAre;
-using testing::IsEmpty;
 
-void touch(const fs::path& file) {
-  fs::create_directories(file.parent_path());
-  std::ofstream(file) << "x";
-}
-
-std::vector<std::string> namesOf(const std::vector<Slide>& slides) {
-  std::vector<std::string> names;
-  for (const Slide& slide : slides) names.push_back(slide.name);
+std::string namesOf(const std::vector<Slide>& slides, const fs::path& root) {
+  std::string names;
+  for (const Slide& slide : slides)
+    names += slide.path.lexically_relative(root).string() + "=" + slide.name + " ";
   return names;
 }
 
-TEST(FanArt, NameTellsTitleAndYear) {
-  const struct {
-    const char* file;
-    const char* title;
-    const char* year;
-  } cases[] = {
-      {"/m/Some Film (1982).fanart.jpg", "Some Film", "1982"},
-      {"/m/Some Film (1982)/FanArt.PNG", "Some Film", "1982"},
-      {"/m/Some Film ( 1982 ).FANART.jpeg", "Some Film", "1982"},
-      {"/m/Some Film (19825).fanart.jpg", "Some Film (19825)", ""},
-      {"/m/Some Film (abcd).fanart.jpg", "Some Film (abcd)", ""},
-      {"/m/(1982).fanart.jpg", "(1982)", ""},
-      {"/m/A(1982).fanart.jpg", "A", "1982"},
-      {"/m/1982).fanart.jpg", "1982)", ""},
-      {"/m/.fanart.jpg", "", ""},
-      {"/m/  .fanart.jpg", "", ""},
-      {"/m/poster.jpg", "", ""},
-      {"/m/Some Film.fanart.gif", "", ""},
-  };
-  for (const auto& [file, title, year] : cases) {
-    const TitleYear split = splitTitleYear(fanArtName(file));
-    EXPECT_EQ(split.title, title) << file;
-    EXPECT_EQ(split.year, year) << file;
-  }
+TEST(FanArt, IsThatOfWhatIsThere) {
+  const test::TempFolder folder;
+  const fs::path movies = folder.path() / "movies";
+  for (const char* file :
+       {"B (1982)/B (1982).mkv", "B (1982)/fanart.jpg", "A/A.mkv", "A/A.fanart.PNG", "A/poster.jpg", "C.mkv",
+        "C.FanArt.jpeg", "Gone/fanart.jpg", "Gone.fanart.jpg", "A/.fanart.jpg", "A/fanart.webp",
+        "D/fanart.jpg/x", "Брат 2/Брат 2.mkv", "Брат 2/fanart.jpg"})
+    test::writeText(movies / file, "x");
+  EXPECT_EQ(namesOf(listSlides(movies, {}, {}), movies),
+            "A/A.fanart.PNG=A C.FanArt.jpeg=C B (1982)/fanart.jpg=B (1982) Брат 2/fanart.jpg=Брат 2 ");
+  const std::vector<PosterTitle> posters{
+      {"c", "/x/2.jpg"}, {"b (1982)", "/x/1.jpg"}, {"none", "/x/0.jpg"}, {"c", "/x/3.jpg"}, {"", "/x/A.jpg"}};
+  EXPECT_EQ(namesOf(listSlides(movies, posters, {}), movies),
+            "B (1982)/fanart.jpg=B (1982) C.FanArt.jpeg=C A/A.fanart.PNG=A ");
+  EXPECT_EQ(listSlides(movies, {{"none", "/x/0.jpg"}}, {}).size(), 4U) << "as without posters";
+  EXPECT_TRUE(listSlides(movies / "nowhere", {}, {}).empty());
+  EXPECT_EQ(videoOfSlide({movies / "A/A.fanart.PNG", "A"}, {}), movies / "A/A.mkv");
+  EXPECT_EQ(videoOfSlide({movies / "Gone/fanart.jpg", "Gone"}, {}), std::nullopt);
 }
 
-TEST(FanArt, SlidesFollowThePosters) {
-  const std::vector<TitledSlide> slides = {{{"/m/Zeta.fanart.jpg", "Zeta"}, "zeta"},
-                                           {{"/m/alpha.fanart.jpg", "alpha"}, "alpha"},
-                                           {{"/m/b/Zeta 2.fanart.jpg", "Zeta 2"}, "zeta"},
-                                           {{"/m/Beta (1982).fanart.jpg", "Beta (1982)"}, "beta 1982"}};
-  const struct {
-    std::vector<PosterTitle> posters;
-    std::vector<std::string> names;
-  } cases[] = {
-      {{}, {"alpha", "Beta (1982)", "Zeta 2", "Zeta"}},
-      {{{"/m/x.jpg", "unknown"}}, {"alpha", "Beta (1982)", "Zeta 2", "Zeta"}},
-      {{{"/m/z.jpg", " zeta"}, {"/m/B.jpg", "beta (1982)"}}, {"Beta (1982)", "Zeta 2"}},
-      {{{"/m/2.jpg", "zeta"}, {"/m/1.jpg", "zeta"}, {"/m/3.jpg", "zeta"}}, {"Zeta 2", "Zeta"}},
-      {{{"/m/ALPHA.jpg", ""}}, {"alpha"}},
-  };
-  for (const auto& [posters, names] : cases)
-    EXPECT_EQ(namesOf(orderSlides(slides, posters)), names) << posters.size();
+TEST(FanArt, OfAShowNeedsAnyEpisode) {
+  for (const char* file : {"Show/Season 1/S01E01.mkv", "Show/fanart.jpg", "Empty/fanart.jpg"})
+    test::writeText(tvRoot() / file, "x");
+  EXPECT_EQ(namesOf(listSlides(tvRoot(), {}, {}), tvRoot()), "Show/fanart.jpg=Show ");
+  fs::remove_all(tvRoot());
 }
 
-TEST(FanArt, CountsWhereThereIsAFilmOrASeries) {
-  const fs::path films = mediaRoot() / "movies";
-  touch(films / "Some Film (1982)/Some Film.mkv");
-  touch(films / "Some Film (1982)/fanart.jpg");
-  touch(films / "Flat (2001).mkv");
-  touch(films / "flat (2001).fanart.png");
-  touch(films / "Gone.fanart.jpg");
-  touch(films / "Other/deep/feature.mkv");
-  touch(films / "Other/Other.fanart.jpg");
-  const fs::path series = mediaRoot() / "tv";
-  touch(series / "A Show/Season 1/A Show S01E01.mkv");
-  touch(series / "A Show/fanart.jpg");
-  touch(series / "Empty Show/fanart.jpg");
-  const Flag run;
-  EXPECT_THAT(namesOf(listSlides(films, {}, run)), ElementsAre("Some Film (1982)", "flat (2001)"));
-  EXPECT_THAT(namesOf(listSlides(series, {}, run)), ElementsAre("A Show"));
-  EXPECT_THAT(listSlides(series / "A Show", {}, run), IsEmpty()) << "only the room shows its series";
-  EXPECT_THAT(listSlides(mediaRoot() / "nowhere", {}, run), IsEmpty());
-
-  const auto filmOf = [&](const fs::path& picture) {
-    return filmOfSlide({picture.string(), fanArtName(picture)}, run).value_or("none");
+TEST(Overview, IsReadOverItsEscapes) {
+  const std::pair<const char*, const char*> cases[] = {
+      {R"({"overview": "Plain."})", "Plain."},
+      {R"({"x":"overview","overview" : "a \"b\" \\ c\/d"})", R"(a "b" \ c/d)"},
+      {R"({"overview": " two\n\n lines\t\r "})", "two lines"},
+      {R"({"overview": "A\u0041\u00e9\u12\q"})", "AA??"},
+      {R"({"overview": "not closed)", "not closed"},
+      {R"({"overview": "   "})", ""},
+      {R"({"overview": null})", ""},
+      {R"({"title": "x"})", ""},
+      {"\"overview\":\"\\", ""},
+      {"", ""},
   };
-  EXPECT_EQ(filmOf(films / "Some Film (1982)/fanart.jpg"), films / "Some Film (1982)/Some Film.mkv");
-  EXPECT_EQ(filmOf(films / "flat (2001).fanart.png"), films / "Flat (2001).mkv");
-  EXPECT_EQ(filmOf(films / "Other.fanart.jpg"), "none") << "no other film's size and story";
-  touch(films / "Other/deep/Other.mkv");
-  EXPECT_EQ(filmOf(films / "Other.fanart.jpg"), films / "Other/deep/Other.mkv");
-  EXPECT_EQ(filmOf(series / "Empty Show/fanart.jpg"), "none");
-}
-
-TEST(Overview, IsReadFromWhatIsThere) {
-  const struct {
-    std::string_view text;
-    const char* overview;
-  } cases[] = {
-      {R"({"title": "x", "overview": "A  cop\n\ttracks \"them\" \/ down.  "})",
-       "A cop tracks \"them\" / down."},
-      {R"("overview" : "caf\u00e9 \u0041\q\\")", "caf? A\\"},
-      {R"("overview":"cut short \)", "cut short"},
-      {R"("overview":"bad \u00)", "bad 00"},
-      {R"("overview": " \n ")", "none"},
-      {R"("overview": "")", "none"},
-      {R"("overview")", "none"},
-      {R"({"Overview": "x"})", "none"},
-      {"", "none"},
-  };
-  for (const auto& [text, overview] : cases) EXPECT_EQ(overviewIn(text).value_or("none"), overview) << text;
-  EXPECT_FALSE(readOverview(mediaRoot() / "missing.json"));
-  EXPECT_FALSE(readOverview(mediaRoot()));
-  const fs::path file = mediaRoot() / "metadata.json";
-  std::ofstream(file) << "{\"overview\": \"" << std::string(3 << 20, 'a');
-  EXPECT_LE(readOverview(file).value_or("").size(), std::size_t{1} << 20);
+  for (const auto& [text, overview] : cases) EXPECT_EQ(overviewIn(text).value_or(""), overview) << text;
 }
 
 }  // namespace

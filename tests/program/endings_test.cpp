@@ -1,5 +1,4 @@
 // How a run ends: by signals in every state, and past files, devices and screens that are broken or gone.
-#include <functional>
 #include <signal.h>
 
 #include "program/program_run.h"
@@ -15,38 +14,28 @@ const rig::Environment noScreen = {{"DISPLAY", ""}, {"SDL_VIDEODRIVER", "x11"}};
 
 TEST_F(Endings, SignalsEndTheProgramInEveryState) {
   add("film.mkv", {.seconds = 30});
-  const auto key = [this](const char* name) { stage.screen.press(name); };
-  struct State {
+  const struct {
     const char* name;
     int signal;
-    bool stands;
-    std::function<void()> reach;
+    std::vector<std::string> keysDown;
+  } states[] = {
+      {"playing", SIGINT, {}},
+      {"paused", SIGTERM, {"XF86AudioPlay"}},
+      {"seeking", SIGTERM, {"Right"}},
+      {"seeking in a pause", SIGHUP, {"XF86AudioPlay", "XF86AudioForward"}},
+      {"going home", SIGQUIT, {"XF86HomePage"}},
   };
-  const State states[] = {
-      {"playing", SIGINT, false, [] {}},
-      {"paused", SIGTERM, true, [&] { key("XF86AudioPlay"); }},
-      {"seeking", SIGTERM, false, [&] { stage.screen.hold("Right"); }},
-      {"seeking in a pause", SIGHUP, false, [&] { key("XF86AudioPlay"), key("XF86AudioForward"); }},
-      {"going home", SIGQUIT, true, [&] { key("XF86HomePage"); }},
-  };
-  for (const State& state : states) {
+  for (const auto& state : states) {
     SCOPED_TRACE(state.name);
-    const double begin = rig::now();
-    fs::remove(stage.library.path() / "persist.json");
-    fs::remove(film("playback.json"));
     start({"film.mkv"});
     // A pause is possible after the first second.
-    ASSERT_TRUE(rig::waitUntil(10, [&] { return !watch.sights(begin).empty(); }));
-    EXPECT_LT(watch.sights(begin).front().number, 24);
-    ASSERT_TRUE(waitForNumber(30, 48, 5));
-    state.reach();
-    rig::let(0.2);
-    const int number = watch.number();
-    rig::let(0.15);
-    EXPECT_TRUE(!state.stands || watch.number() == number);
+    const auto begun = [&] { return watch.sights(program->startedAt()).size() > 30; };
+    ASSERT_TRUE(rig::waitUntil(10, begun) && stage.screen.focusWindow(5));
+    for (const std::string& key : state.keysDown) stage.screen.hold(key);
+    rig::let(0.3);
     program->signal(state.signal);
     expectEnd(sanitized ? 3 : 1);
-    stage.screen.release("Right");
+    for (const std::string& key : state.keysDown) stage.screen.release(key);
   }
 }
 
@@ -68,53 +57,28 @@ TEST_F(Endings, BrokenFilesAreNamedAndTheOthersPlay) {
   add("1/good.mkv", {.seconds = 1.5, .firstNumber = 1000});
   add("2/cut.mkv", {.seconds = 4, .firstNumber = 2000});
   add("3/last.mkv", {.seconds = 1.5, .firstNumber = 3000});
-  add("headless.mp4", {.seconds = 1.5, .audio = "-c:a aac", .container = "mp4"});
-  std::string noise;
-  for (unsigned value = 1; noise.size() < 100'000;)
-    noise += static_cast<char>((value = value * 69069 + 1) >> 24);
-  rig::writeText(film("noise.mkv"), noise);
-  rig::writeText(film("empty.mkv"), "");
+  rig::writeText(film("noise.mkv"), "no film");
   fs::resize_file(film("2/cut.mkv"), fs::file_size(film("2/cut.mkv")) / 2 + 1);
-  fs::resize_file(film("headless.mp4"), fs::file_size(film("headless.mp4")) / 2);
-  start({"1/good.mkv", "noise.mkv", "empty.mkv", "gone.mkv", "2/cut.mkv", "headless.mp4", "3/last.mkv"});
+  start({"1/good.mkv", "noise.mkv", "gone.mkv", "2/cut.mkv", "3/last.mkv"});
   expectEnd(20, false);
-
-  std::size_t at = 0;
-  for (const char* name : {"noise.mkv", "empty.mkv", "gone.mkv", "headless.mp4"}) {
-    const std::string line = "Failed to open " + film(name).string() + ": FFmpeg: ";
-    const std::size_t found = program->errors().find(line, at);
-    EXPECT_NE(found, std::string::npos) << line << "\nnot in\n" << program->errors();
-    if (found != std::string::npos) at = found;
-  }
+  const auto told = [this](const char* name) {
+    return program->errors().find("Failed to open " + film(name).string() + ": FFmpeg: ");
+  };
+  EXPECT_LT(told("noise.mkv"), told("gone.mkv")) << program->errors();
+  EXPECT_NE(told("gone.mkv"), std::string::npos);
   for (const auto& [from, pictures] : {std::pair{1000, 36U}, std::pair{2000, 40U}, std::pair{3000, 36U}}) {
     EXPECT_GE(watch.numbered(from, from + 1000).size(), sanitized ? pictures / 2 : pictures - 3) << from;
   }
 }
 
-TEST_F(Endings, FilmGoesOnWithoutItsFileAndItsDevice) {
-  add("film.mkv", {.seconds = 5});
-  start({"film.mkv"});
-  ASSERT_TRUE(waitForNumber(24));
-  fs::remove(film("film.mkv"));
-  ASSERT_TRUE(waitForNumber(36));
-  stage.sound.vanish();
-  expectEnd(sanitized ? 20 : 7);
-  EXPECT_GE(watch.number(), 117);
-}
-
-TEST_F(Endings, FilmAndKeysGoOnWhileTheSoundServerStandsStill) {
+TEST_F(Endings, FilmGoesOnWithoutItsFileWhileTheSoundServerStandsStill) {
   add("film.mkv", {.seconds = 30});
   start({"film.mkv"});
   ASSERT_TRUE(waitForNumber(48));
+  fs::remove(film("film.mkv"));
   stage.sound.stop();
   const int stopped = watch.number();
   ASSERT_TRUE(waitForNumber(stopped + 72, 1 << 16, sanitized ? 10 : 4)) << "the picture goes on";
-  stage.screen.press("XF86AudioPlay");
-  rig::let(0.3);
-  const int paused = watch.number();
-  rig::let(0.3);
-  EXPECT_EQ(watch.number(), paused) << "keys are served";
-  stage.screen.press("XF86AudioPlay");
   stage.sound.goOn();
   const double back = rig::now();
   EXPECT_TRUE(rig::waitUntil(sanitized ? 15 : 6, [&] {
@@ -127,14 +91,6 @@ TEST_F(Endings, FilmAndKeysGoOnWhileTheSoundServerStandsStill) {
   stage.sound.goOn();
 }
 
-TEST_F(Endings, FilmPlaysWithNoDeviceAtAll) {
-  add("film.mkv", {.seconds = 2});
-  rig::writeText(film("none.conf"), "");
-  start({"film.mkv"}, {{"ALSA_CONFIG_PATH", film("none.conf")}});
-  expectEnd(sanitized ? 12 : 5);
-  EXPECT_GE(watch.sights().size(), sanitized ? 20U : 44U);
-}
-
 TEST_F(Endings, WithNoScreenNamedFilmsAreHeardAndNothingElseRuns) {
   add("film.mkv", {.seconds = 3});
   start({"film.mkv"}, noScreen);
@@ -143,7 +99,6 @@ TEST_F(Endings, WithNoScreenNamedFilmsAreHeardAndNothingElseRuns) {
   ASSERT_EQ(sound.onsets().size(), 1U);
   const double begin = sound.onsets().front();
   EXPECT_GT(sound.between(begin + 2.7, begin + 2.9).level(), -6);
-  EXPECT_NEAR(program->endedAt() - begin, 3, 0.8);
 
   start({}, noScreen);
   ASSERT_TRUE(program->waitForEnd(5));

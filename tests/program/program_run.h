@@ -27,7 +27,9 @@ class ProgramTest : public testing::Test {
  protected:
   /// Copies the clip among the library's films.
   std::filesystem::path add(const std::string& name, const rig::Clip& clip);
-  std::filesystem::path film(const std::string& name) const { return stage.library.path() / "movies" / name; }
+  std::filesystem::path film(const std::string& name) const {
+    return (stage.library.path() / "movies" / name).lexically_normal();
+  }
   void start(std::vector<std::string> arguments, const rig::Environment& changes = {});
   /// Waits for a number from `from` up to `to`, and gives the window the focus for the keys that follow.
   bool waitForNumber(int from, int to = 1 << 16, double seconds = 10);

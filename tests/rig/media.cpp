@@ -14,7 +14,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int rawRows = 12;
-constexpr int numberRows = 2;
 
 double numberOf(const std::string& rate) {
   const std::size_t slash = rate.find('/');
@@ -26,14 +25,11 @@ std::string rawPictures(const Clip& clip) {
   std::string bytes;
   const double rate = numberOf(clip.rate);
   for (int n = 0; n < std::lround(clip.seconds * rate); ++n) {
+    std::string strip;
+    for (const bool cell : stripOf(clip.firstNumber + n)) strip += cell ? '\xff' : '\0';
     const double time = n / rate;
-    for (int row = 0; row < rawRows; ++row) {
-      if (row >= numberRows) {
-        bytes.append(stripCells, time - std::floor(time) < 0.1 ? '\xff' : '\0');
-        continue;
-      }
-      for (const bool cell : stripOf(clip.firstNumber + n)) bytes += cell ? '\xff' : '\0';
-    }
+    const char body = time - std::floor(time) < 0.1 ? '\xff' : '\0';
+    bytes += strip + strip + std::string((rawRows - 2) * stripCells, body);
   }
   return bytes;
 }
@@ -51,6 +47,7 @@ std::string pictureFilters(const Clip& clip) {
 }  // namespace
 
 fs::path makeFile(const std::string& words, const std::string& extension, const fs::path& folder) {
+  fs::create_directories(folder);
   const fs::path file = folder / (std::to_string(std::hash<std::string>()(words)) + "." + extension);
   if (fs::exists(file)) return file;
   // Made under a name of its own and then moved, so that nobody meets half a file.

@@ -1,16 +1,11 @@
 #include "rig/process.h"
 
-#include <algorithm>
 #include <fcntl.h>
-#include <fstream>
-#include <poll.h>
 #include <signal.h>
-#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <sys/prctl.h>
 #include <sys/resource.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -53,16 +48,6 @@ double now() {
   return seconds(time);
 }
 
-std::string readText(const std::filesystem::path& file) {
-  std::ostringstream text;
-  text << std::ifstream(file, std::ios::binary).rdbuf();
-  return text.str();
-}
-
-void writeText(const std::filesystem::path& file, const std::string& text) {
-  std::ofstream(file, std::ios::binary) << text;
-}
-
 Program::Program(const std::vector<std::string>& arguments, const Environment& environment, int outputPipe) {
   std::vector<std::string> words = arguments;
   std::vector<std::string> variables = childEnvironment(environment);
@@ -83,34 +68,22 @@ Program::Program(const std::vector<std::string>& arguments, const Environment& e
     _exit(127);
   }
   if (id_ < 0) throw std::runtime_error("cannot start " + words[0]);
-  watch_ = static_cast<int>(syscall(SYS_pidfd_open, id_, 0));
 }
 
 Program::~Program() {
-  if (status_ == -1000) {
-    kill(id_, SIGKILL);
-    waitForEnd(10);
-  }
-  close(watch_);
+  signal(SIGKILL);
+  waitForEnd(10);
 }
 
 void Program::signal(int number) const {
-  if (status_ == -1000) kill(id_, number);
+  if (status_ == running) kill(id_, number);
 }
 
 bool Program::waitForEnd(double limit) {
-  if (status_ != -1000) return true;
-  pollfd entry{watch_, POLLIN, 0};
-  const double end = now() + limit;
-  int ready = 0;
-  do {
-    ready = poll(&entry, 1, std::max(0, static_cast<int>((end - now()) * 1000)));
-  } while (ready < 0 && now() < end);
-  if (ready <= 0) return false;
-  endedAt_ = now();
+  if (status_ != running) return true;
   int result = 0;
   rusage usage{};
-  wait4(id_, &result, 0, &usage);
+  if (!waitUntil(limit, [&] { return wait4(id_, &result, WNOHANG, &usage) == id_; })) return false;
   status_ = WIFEXITED(result) ? WEXITSTATUS(result) : -WTERMSIG(result);
   cpuSeconds_ = seconds(usage.ru_utime) + seconds(usage.ru_stime);
   peakKilobytes_ = usage.ru_maxrss;
@@ -118,7 +91,7 @@ bool Program::waitForEnd(double limit) {
 }
 
 double Program::cpuSeconds() const {
-  if (status_ != -1000) return cpuSeconds_;
+  if (status_ != running) return cpuSeconds_;
   clockid_t clock{};
   timespec time{};
   if (clock_getcpuclockid(id_, &clock) != 0 || clock_gettime(clock, &time) != 0) return 0;

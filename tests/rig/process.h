@@ -32,10 +32,9 @@ inline void let(double seconds) {
   std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
 }
 
+using test::readText;
 using test::TempFolder;
-
-std::string readText(const std::filesystem::path& file);
-void writeText(const std::filesystem::path& file, const std::string& text);
+using test::writeText;
 
 using Environment = std::map<std::string, std::string>;
 
@@ -49,10 +48,9 @@ class Program {
   void signal(int number) const;
   /// True once the process has ended; then the values below are valid.
   bool waitForEnd(double seconds);
-  /// Exit status, or minus the number of the signal that ended it; -1000 while it runs.
+  /// Exit status, or minus the number of the signal that ended it.
   int status() const { return status_; }
   double startedAt() const { return startedAt_; }
-  double endedAt() const { return endedAt_; }
   long peakKilobytes() const { return peakKilobytes_; }
   /// CPU time of all threads so far, or in all after the end.
   double cpuSeconds() const;
@@ -60,12 +58,12 @@ class Program {
   std::string errors() const { return readText(folder_.path() / "err"); }
 
  private:
+  static constexpr int running = -1000;
+
   TempFolder folder_;
   pid_t id_ = -1;
-  int watch_ = -1;
-  int status_ = -1000;
+  int status_ = running;
   double startedAt_ = 0;
-  double endedAt_ = 0;
   double cpuSeconds_ = 0;
   long peakKilobytes_ = 0;
 };

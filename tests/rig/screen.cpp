@@ -43,22 +43,14 @@ std::vector<bool> stripOf(int number) {
   return cells;
 }
 
-Screen::Screen(int width, int height) : width_(width) {
+Screen::Screen() {
   XSetErrorHandler([](::Display*, XErrorEvent*) { return 0; });  // a window may vanish under a request
-  int ends[2];
-  if (pipe(ends) != 0) throw std::runtime_error("no pipe");
-  const std::string size = std::to_string(width) + "x" + std::to_string(height) + "x24";
   server_ = std::make_unique<Program>(
-      std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", size, "-fbdir", folder_.path(),
-                               "-nolisten", "tcp", "-noreset"},
-      Environment{}, ends[1]);
-  close(ends[1]);
-  char text[16]{};
-  for (std::size_t at = 0; at + 1 < sizeof text && read(ends[0], text + at, 1) == 1 && text[at] != '\n';
-       ++at) {
-  }
-  close(ends[0]);
-  name_ = ":" + std::to_string(atoi(text));
+      std::vector<std::string>{"Xvfb", "-displayfd", "1", "-screen", "0", "1920x1080x24", "-fbdir",
+                               folder_.path(), "-nolisten", "tcp", "-noreset"},
+      Environment{});
+  waitUntil(20, [this] { return server_->output().ends_with('\n'); });
+  name_ = ":" + std::to_string(atoi(server_->output().c_str()));
   display_ = XOpenDisplay(name_.c_str());
   const int file = open((folder_.path() / "Xvfb_screen0").c_str(), O_RDONLY);
   struct stat status {};
@@ -79,7 +71,7 @@ Screen::~Screen() {
 }
 
 std::uint32_t Screen::pixel(int x, int y) const {
-  return pixels_[y * width_ + x] & 0xffffff;
+  return pixels_[y * fullWidth.to.x + x] & 0xffffff;
 }
 
 std::optional<int> Screen::number(const Line& line) const {
@@ -132,19 +124,6 @@ void Screen::fake(const std::string& key, bool down) {
   if (code == 0) throw std::runtime_error("no key " + key);
   XTestFakeKeyEvent(display_, code, down ? True : False, 0);
   XSync(display_, False);
-}
-
-void Screen::hold(const std::string& key) {
-  fake(key, true);
-}
-
-void Screen::release(const std::string& key) {
-  fake(key, false);
-}
-
-void Screen::press(const std::string& key) {
-  hold(key);
-  release(key);
 }
 
 void Screen::closeWindow() {

@@ -41,7 +41,7 @@ std::vector<bool> stripOf(int number);
 /// Print, Left ...).
 class Screen {
  public:
-  explicit Screen(int width = 1920, int height = 1080);
+  Screen();
   ~Screen();
 
   const std::string& name() const { return name_; }
@@ -58,9 +58,12 @@ class Screen {
 
   /// Waits for a window and gives it the input focus, as a window manager would.
   bool focusWindow(double seconds);
-  void hold(const std::string& key);
-  void release(const std::string& key);
-  void press(const std::string& key);
+  void hold(const std::string& key) { fake(key, true); }
+  void release(const std::string& key) { fake(key, false); }
+  void press(const std::string& key) {
+    hold(key);
+    release(key);
+  }
   /// Asks the window to close, as a window manager does.
   void closeWindow();
 
@@ -72,7 +75,6 @@ class Screen {
   std::string name_;
   _XDisplay* display_ = nullptr;
   unsigned long window_ = 0;
-  int width_;
   void* map_ = nullptr;
   std::size_t mapBytes_ = 0;
   const volatile std::uint32_t* pixels_ = nullptr;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <signal.h>
 #include <stdexcept>
 #include <unistd.h>
 
@@ -60,20 +59,14 @@ std::vector<double> Recording::onsets() const {
 }
 
 SoundServer::SoundServer() {
-  const std::string folder = folder_.path();
-  writeText(folder_.path() / "server.conf",
-            "load-module module-null-sink sink_name=rig rate=48000 channels=2 norewinds=1\n"
-            "load-module module-native-protocol-unix auth-anonymous=1 socket=" +
-                folder +
-                "/socket\n"
-                "set-default-sink rig\n");
+  const std::string socket = folder_.path() / "socket";
   writeText(folder_.path() / "asound.conf",
-            "</usr/share/alsa/alsa.conf>\n"
-            "pcm.!default { type pulse server \"unix:" +
-                folder + "/socket\" }\n");
+            "</usr/share/alsa/alsa.conf>\npcm.!default { type pulse server \"unix:" + socket + "\" }\n");
   server_ = std::make_unique<Program>(
-      std::vector<std::string>{"pulseaudio", "-n", "-F", folder + "/server.conf", "--daemonize=no",
-                               "--exit-idle-time=-1", "--use-pid-file=no", "--log-target=stderr"},
+      std::vector<std::string>{"pulseaudio", "-n", "--daemonize=no", "--exit-idle-time=-1",
+                               "--use-pid-file=no", "--log-target=stderr", "-L",
+                               "module-null-sink sink_name=rig rate=48000 channels=2 norewinds=1", "-L",
+                               "module-native-protocol-unix auth-anonymous=1 socket=" + socket},
       environment());
   if (!waitUntil(20, [this] { return std::filesystem::exists(folder_.path() / "socket"); })) {
     throw std::runtime_error("no sound server: " + server_->errors());
@@ -102,18 +95,6 @@ Environment SoundServer::environment() const {
 Recording SoundServer::recording(double since) const {
   const std::scoped_lock hold(lock_);
   return heard_.between(since, heard_.end());
-}
-
-void SoundServer::vanish() {
-  server_->signal(SIGKILL);
-}
-
-void SoundServer::stop() {
-  server_->signal(SIGSTOP);
-}
-
-void SoundServer::goOn() {
-  server_->signal(SIGCONT);
 }
 
 void SoundServer::readSamples(int pipe) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <signal.h>
 #include <thread>
 #include <vector>
 
@@ -38,11 +39,9 @@ class SoundServer {
 
   Environment environment() const;
   Recording recording(double since = 0) const;
-  /// Kills the server, as when a device is pulled out.
-  void vanish();
   /// It answers nobody any more, until it goes on.
-  void stop();
-  void goOn();
+  void stop() { server_->signal(SIGSTOP); }
+  void goOn() { server_->signal(SIGCONT); }
 
  private:
   void readSamples(int pipe);

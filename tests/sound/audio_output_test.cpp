@@ -81,9 +81,9 @@ TEST(AudioOutput, TheDeviceHearsTheSourceAtItsRate) {
     Playing playing(test::parametersOf(c.layout, c.format, c.rate), c.mode);
     playing.sound.setMostChannels(c.mostChannels);
     playing.open();
-    playing.output->write(test::channelSteps(*playing.parameters).get());
+    playing.output->write(test::frameOf(*playing.parameters, 5000, 5000).get());
     const auto other = test::parametersOf("3.0", AV_SAMPLE_FMT_FLTP, c.rate);
-    playing.output->write(test::channelSteps(*other).get());
+    playing.output->write(test::frameOf(*other, 5000, 5000).get());
     playing.output.reset();
     EXPECT_EQ(playing.sound.wish().rate, c.rate);
     EXPECT_EQ(playing.sound.wish().strict, c.mode == SoundMode::Auto);
@@ -192,7 +192,7 @@ TEST(AudioOutput, TheEndWaitsForWhatIsHeardAndForNothingElse) {
 TEST(AudioOutput, ADeviceThatComesBackMayHaveFewerChannels) {
   Playing playing(test::parametersOf("5.1", AV_SAMPLE_FMT_FLTP));
   playing.open();
-  const auto frame = test::channelSteps(*playing.parameters);
+  const auto frame = test::frameOf(*playing.parameters, 5000, 5000);
   playing.output->write(frame.get());
   playing.output->close();
   playing.sound.setMostChannels(2);

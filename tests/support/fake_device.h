@@ -90,20 +90,11 @@ class FakeSound {
       return 0;
     }
     std::ptrdiff_t delay() override {
-      sound_.waitWhileHanging();
-      auto state = sound_.state_.hold();
-      sound_.play(*state);
-      return static_cast<std::ptrdiff_t>(state->queue.size()) / channels_;
+      return static_cast<std::ptrdiff_t>(sound_.played()->queue.size()) / channels_;
     }
-    void drop() override {
-      sound_.waitWhileHanging();
-      auto state = sound_.state_.hold();
-      sound_.play(*state);
-      state->queue.clear();
-    }
+    void drop() override { sound_.played()->queue.clear(); }
     void drain() override {
-      sound_.waitWhileHanging();
-      auto state = sound_.state_.hold();
+      auto state = sound_.played();
       state->heard.insert(state->heard.end(), state->queue.begin(), state->queue.end());
       state->queue.clear();
     }
@@ -116,6 +107,14 @@ class FakeSound {
 
   void waitWhileHanging() {
     while (state_.hold()->faults.hangs) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+
+  /// The state as it is now, once no call hangs.
+  Guarded<State>::Held<State> played() {
+    waitWhileHanging();
+    auto state = state_.hold();
+    play(*state);
+    return state;
   }
 
   std::ptrdiff_t take(std::span<const std::int16_t> samples) {

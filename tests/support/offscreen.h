@@ -1,8 +1,10 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include <SDL.h>
+#include <SDL_image.h>
 #include <SDL_ttf.h>
 
 #include "display/toolkit/colour.h"
@@ -28,6 +30,18 @@ inline std::vector<Colour> pixelsOf(SDL_Renderer* renderer, const SDL_Rect& area
 
 inline Colour pixelAt(SDL_Renderer* renderer, int x, int y) {
   return pixelsOf(renderer, {x, y, 1, 1}).front();
+}
+
+/// A picture of one colour, as the bytes of a file.
+inline std::string png(int width, int height, Colour colour = theme::white) {
+  const SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_RGBA32));
+  SDL_FillRect(surface.get(), nullptr, colour);
+  std::string bytes(100'000, '\0');
+  SDL_RWops* stream = SDL_RWFromMem(bytes.data(), static_cast<int>(bytes.size()));
+  IMG_SavePNG_RW(surface.get(), stream, 0);
+  bytes.resize(static_cast<std::size_t>(SDL_RWtell(stream)));
+  SDL_RWclose(stream);
+  return bytes;
 }
 
 /// A window of a size, cleared to black, with the base font.

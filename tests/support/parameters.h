@@ -42,8 +42,4 @@ inline ffmpeg::FramePtr frameOf(const AVCodecParameters& parameters, int first, 
   return frame;
 }
 
-inline ffmpeg::FramePtr channelSteps(const AVCodecParameters& parameters) {
-  return frameOf(parameters, 5000, 5000);
-}
-
 }  // namespace tavek::test

@@ -14,7 +14,6 @@ TEST(Focus, FollowsFromTheFactsInTheirOrder) {
   } cases[] = {
       {"Movie", {}},
       {"Seek", {.seekFocus = true}},
-      {"Screensaver", {.homeMode = true, .chooserOpen = true, .screensaverActive = true}},
       {"Home", {.homeMode = true, .seekFocus = true}},
       {"UsersTab", {.homeMode = true, .chooserOpen = true, .stripShown = true}},
       {"Movie", {.chooserOpen = true}},

@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "display/toolkit/list.h"
-#include "display/toolkit/text.h"
 #include "support/offscreen.h"
 
 namespace tavek {
@@ -16,12 +15,6 @@ TEST(TabsTest, LeftOverPixelsGoToTheFirstTabs) {
   EXPECT_EQ(tabRects({10, 5, 200, 44}, 4, 6, 3)[2], (SDL_Rect{146, 5, 60, 44}));
   EXPECT_EQ(tabRects({10, 5, 201, 44}, 4, 6, 3)[1], (SDL_Rect{81, 5, 60, 44}));
   EXPECT_EQ(tabRects({0, 0, 10, 44}, 4, 6, 5)[4].w, 0);
-  const test::Offscreen screen(500, 100);
-  const std::vector<std::string> labels{"one", "two"};
-  drawTabRow({screen.renderer(), screen.font(), {0, 0, 500, 44}, 0, 6, labels}, 1);
-  EXPECT_EQ(screen.pixel(300, 40), theme::accent);
-  EXPECT_NE(screen.pixel(100, 41), theme::accent);
-  EXPECT_EQ(screen.pixel(300, 45), rgba(68, 68, 68));
 }
 
 TEST(RowsTest, ValueIsRightAlignedAsLongAsItFits) {

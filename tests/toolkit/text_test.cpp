@@ -36,11 +36,9 @@ TEST(TextDeathTest, WithoutFontsOrRendererNothingIsDrawn) {
     setenv("TAVEK_FONT_DIR", "/nonexistent", 1);
     const test::Offscreen screen(64, 64);
     drawShadowedText(screen.renderer(), screen.font(), "text", 9, 9, theme::white, theme::white);
-    drawTextCentered(screen.renderer(), screen.font(), "text", {0, 0, 64, 64}, theme::white, 2.0);
     drawOutlinedText(screen.renderer(), screen.font(), theme::white, "text", 9, 9, theme::white);
     drawDisc(nullptr, 9, 9, 9, 3, theme::white, theme::white);
     drawCornerMark(nullptr, {0, 0, 99, 99}, 1.0);
-    drawToggle({}, nullptr, {0, 0, 60, 28}, true, true);
     const bool noText =
         fitText(screen.font(), "a", 99).empty() && wrapText(screen.font(), "a", 99, 2).empty();
     std::exit(regularFont(20) == nullptr && noText && screen.drawnArea() == SDL_Rect{} ? 0 : 1);

@@ -106,7 +106,7 @@ Meaning Home::advance(Uint64 nowMs) {
 /// For the users too: theirs is a file of the library.
 void Home::look(Uint64 nowMs) {
   lookedAt_ = nowMs;
-  rooms_.reload([users = &stored_.users] { users->reread(); });
+  rooms_.reload(stored_.users.rereading());
 }
 
 bool Home::othersCame() const {

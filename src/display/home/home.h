@@ -20,6 +20,8 @@ class Home final : public Layer {
  public:
   explicit Home(const Stored& stored) : stored_(stored) { look(0); }
 
+  /// In their order; empty until they are read.
+  const std::vector<std::filesystem::path>& roomFolders() const { return rooms_.folders(); }
   bool owns(FocusName focus) const override;
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
   Meaning move(Direction direction, const FocusFacts& facts, Uint64 nowMs) override;
@@ -42,7 +44,6 @@ class Home final : public Layer {
   bool takePauseToggle() { return std::exchange(pauseToggle_, false); }
 
   std::string activeUser() const { return stored_.users.activeUser(); }
-  const std::vector<std::filesystem::path>& rooms() const { return rooms_.folders(); }
   /// The selected room.
   std::filesystem::path room() const { return rooms_.current(); }
   /// Selects the room, if it is one of the library's.

@@ -107,8 +107,7 @@ void ClearLogo::drop() {
 }
 
 void ClearLogo::draw(const FrameContext& frame, const ClearLogoInput& input, const fs::path& currentVideo) {
-  const bool mayShow =
-      !input.videoPlaying && !input.homeMode && loaded() && !input.screensaverActive && !suppressed_;
+  const bool mayShow = !input.videoPlaying && !input.homeMode && loaded() && !suppressed_;
   const bool target = mayShow && (input.videoPaused || input.stripOn);
   const std::uint8_t alpha = fadedAlpha(advanceFade(fade_, target, frame.nowMs));
   if (alpha == 0 || !loaded()) return;

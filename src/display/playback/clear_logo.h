@@ -33,7 +33,6 @@ struct ClearLogoInput {
   bool videoPaused = false;
   bool homeMode = false;
   bool stripOn = false;  ///< the poster strip in any state but closed
-  bool screensaverActive = false;
 };
 
 /// The logo of what stands on the screen, over a paused picture or above the poster strip.

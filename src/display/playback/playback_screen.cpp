@@ -1,31 +1,12 @@
 #include "display/playback/playback_screen.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 #include <utility>
 
 #include "display/toolkit/key_input.h"
 
 namespace tavek {
-namespace {
-
-struct KeyCode {
-  SDL_Keycode key;
-  NavCode code;
-};
-
-/// In a music room up and down step the track, and left and right are dead.
-constexpr std::array musicKeys{
-    KeyCode{SDLK_RETURN, NavCode::OpenPosters},
-    KeyCode{SDLK_KP_ENTER, NavCode::OpenPosters},
-    KeyCode{SDLK_DOWN, NavCode::SeekForward},
-    KeyCode{SDLK_UP, NavCode::SeekBackward},
-    KeyCode{SDLK_AUDIOFASTFORWARD, NavCode::SeekForward},
-    KeyCode{SDLK_AUDIOREWIND, NavCode::SeekBackward},
-};
-
-}  // namespace
 
 // --- Keys ---
 
@@ -41,10 +22,6 @@ constexpr PlaybackScreen::Key PlaybackScreen::movieKeys[] = {
 };
 
 Meaning PlaybackScreen::key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) {
-  if (focusOf(facts) == FocusName::Music) {
-    const auto* entry = std::ranges::find(musicKeys, press.key, &KeyCode::key);
-    return press.down && entry != musicKeys.end() ? Meaning(entry->code) : Meaning(Unhandled());
-  }
   if (!press.down) return movieKeyUp(press.key, facts);
   const auto* entry = std::ranges::find(movieKeys, press.key, &Key::key);
   return entry != std::end(movieKeys) ? (this->*entry->serve)(press, facts, nowMs) : Meaning(Unhandled());
@@ -150,25 +127,28 @@ void PlaybackScreen::destroyTextures() {
 
 // --- Drawing ---
 
-bool PlaybackScreen::drawPicture(const FrameContext& frame, const FocusFacts& facts,
-                                 const PictureView& picture, std::int64_t positionUs) {
+bool PlaybackScreen::drawPicture(const FrameContext& frame, const PictureView& picture,
+                                 std::int64_t positionUs, bool hidden) {
   PictureView shown = picture;
   if (!(shown.sampleAspect > 0)) shown.sampleAspect = 1.0;
   if (!picture_.upload(frame.renderer, shown)) return false;
   positionUs_ = positionUs;
+  pictureSize_ = {shown.width, shown.height};
   SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
   SDL_RenderClear(frame.renderer);
-  picture_.draw(frame, shown);
+  if (!hidden) picture_.draw(frame, shown);
+  return true;
+}
+
+void PlaybackScreen::drawOnPicture(const FrameContext& frame, const FocusFacts& facts) {
   clearLogo_.follow(frame.renderer, currentVideo_, frame.nowMs);
   clearLogo_.draw(frame,
                   {.videoPlaying = videoPlaying_,
                    .videoPaused = videoPaused_,
-                   .homeMode = facts.homeMode,
-                   .stripOn = facts.stripAny,
-                   .screensaverActive = facts.screensaverActive},
+                   .homeMode = facts.homeMode || facts.saverActive,
+                   .stripOn = facts.stripAny},
                   currentVideo_);
   volumeBar_.draw(frame);
-  return true;
 }
 
 void PlaybackScreen::draw(const FrameContext& frame, const FocusFacts& facts) {
@@ -176,7 +156,7 @@ void PlaybackScreen::draw(const FrameContext& frame, const FocusFacts& facts) {
                         .videoPaused = videoPaused_,
                         .seekFocus = seekFocus_,
                         .stripShown = facts.stripShown});
-  pauseIcon_.draw(frame, videoPaused_ && !facts.homeMode && !facts.screensaverActive);
+  pauseIcon_.draw(frame, videoPaused_ && !facts.homeMode && !facts.saverActive);
 }
 
 }  // namespace tavek

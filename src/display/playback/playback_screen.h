@@ -22,9 +22,7 @@ class PlaybackScreen final : public Layer {
  public:
   explicit PlaybackScreen(Orientation orientation) : picture_(orientation) {}
 
-  bool owns(FocusName focus) const override {
-    return focus == FocusName::Movie || focus == FocusName::Seek || focus == FocusName::Music;
-  }
+  bool owns(FocusName focus) const override { return focus == FocusName::Movie || focus == FocusName::Seek; }
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
   Meaning move(Direction direction, const FocusFacts& facts, Uint64 nowMs) override;
   bool repeats(const FocusFacts& facts) const override { return facts.seekFocus; }
@@ -59,10 +57,14 @@ class PlaybackScreen final : public Layer {
   }
 
   VideoPicture& picture() { return picture_; }
-  /// The picture below all screens, with the clear logo and the volume. False skips the frame.
+  /// Of the last picture.
+  SDL_Point pictureSize() const { return pictureSize_; }
+  /// The picture below all screens, or black where something else hides it. False skips the frame.
   /// `positionUs` is for the seek bar; negative means not known.
-  bool drawPicture(const FrameContext& frame, const FocusFacts& facts, const PictureView& picture,
-                   std::int64_t positionUs);
+  bool drawPicture(const FrameContext& frame, const PictureView& picture, std::int64_t positionUs,
+                   bool hidden);
+  /// The clear logo and the volume.
+  void drawOnPicture(const FrameContext& frame, const FocusFacts& facts);
 
  private:
   struct Key {
@@ -86,6 +88,7 @@ class PlaybackScreen final : public Layer {
   ClearLogo clearLogo_;
   std::filesystem::path currentVideo_;
   std::int64_t positionUs_ = -1;  ///< of the picture that is drawn
+  SDL_Point pictureSize_{};
   bool audioItem_ = false;
   bool videoPlaying_ = true;
   bool videoPaused_ = false;  ///< by the viewer

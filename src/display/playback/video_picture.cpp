@@ -76,7 +76,7 @@ bool VideoPicture::upload(SDL_Renderer* renderer, const PictureView& picture) {
 }
 
 void VideoPicture::draw(const FrameContext& frame, const PictureView& picture) {
-  const double strength = fadeIn.fadeIn(frame.nowMs) * fadeOut.fadeOut(frame.nowMs) * visibility;
+  const double strength = fadeIn.fadeIn(frame.nowMs) * fadeOut.fadeOut(frame.nowMs);
   const SDL_Point window{frame.width, frame.height};
   if (strength >= 0.999) return copy(frame.renderer, picture, window);
   // Over black a darker picture is the same as a thinner one, and half the work without a graphics chip.

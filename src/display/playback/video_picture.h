@@ -36,7 +36,6 @@ class VideoPicture {
 
   PictureFade fadeIn;
   PictureFade fadeOut;
-  double visibility = 1;  ///< what a layer that covers it leaves
 
  private:
   void copy(SDL_Renderer* renderer, const PictureView& picture, SDL_Point window);

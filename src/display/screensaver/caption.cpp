@@ -1,10 +1,10 @@
 #include "display/screensaver/caption.h"
 
 #include <algorithm>
-#include <system_error>
+#include <exception>
 #include <utility>
 
-#include "display/screensaver/caption_layout.h"
+#include "display/screensaver/saver_rules.h"
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/shapes.h"
 #include "display/toolkit/text.h"
@@ -13,19 +13,30 @@
 #include "library/media_paths.h"
 #include "library/overview.h"
 #include "media/demultiplexer.h"
-#include "media/error.h"
 
 namespace tavek {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* tagText = "FILM";
-constexpr int lineGap = 4;
-constexpr Colour softWhite = 0xE6FFFFFF;
-constexpr Colour shadowColour = 0xC8000000;
+constexpr int gap = 12;
+constexpr Colour soft = rgba(255, 255, 255, 230);
+constexpr Colour shadow = rgba(0, 0, 0, 200);
+constexpr Colour tagFill = rgba(0, 0, 0, 140);
 
-/// The font is shared: bold for as long as this lives.
+FrameSize sizeOf(const fs::path& video, const Flag& stop) {
+  try {
+    const Demultiplexer film(video.string(), {}, Pictures::Needed, stop);
+    const AVCodecParameters* picture = film.videoParameters();
+    if (picture != nullptr && picture->width > 0 && picture->height > 0)
+      return {picture->width, picture->height};
+  } catch (const std::exception&) {
+    // Its size stays unknown.
+  }
+  return {};
+}
+
+/// Bold for as long as it lives, since the font is everybody's.
 class BoldScope {
  public:
   explicit BoldScope(TTF_Font* font) : font_(font), before_(font != nullptr ? TTF_GetFontStyle(font) : 0) {
@@ -42,173 +53,130 @@ class BoldScope {
   int before_;
 };
 
-std::string overviewOf(const fs::path& slideFolder, const fs::path& film) {
-  constexpr const char* name = "metadata.json";
-  auto overview = readOverview(slideFolder / name);
-  if (!overview && !film.empty()) overview = readOverview(film.parent_path() / name);
-  return overview.value_or("");
-}
+/// Lays the parts out and draws them, from the overview upwards.
+class CaptionPainter {
+ public:
+  CaptionPainter(const FrameContext& frame, const Caption& caption)
+      : frame_(frame),
+        caption_(caption),
+        margin_(frame.width < 720 ? 24 : std::min(frame.width / 30, 64)),
+        overviewFont_(regularFont(std::clamp(frame.height / 20, 24, 44))) {}
+
+  void draw(SDL_Texture* logo, SDL_Point logoSize, FrameSize size) {
+    wrapOverview();
+    const int below = drawYear();
+    drawBadge(size, below);
+    const bool logoDrawn = drawLogo(logo, logoSize);
+    if (!logoDrawn) drawTitle();
+    for (std::size_t i = 0; i < lines_.size(); ++i)
+      text(overviewFont_, lines_[i], margin_, *top_ + static_cast<int>(i) * lineHeight_, soft);
+    drawTag(logoDrawn);
+  }
+
+ private:
+  void text(TTF_Font* font, const std::string& words, int x, int y, Colour colour) const {
+    drawText(frame_.renderer, font, words, x, y, colour, shadow);
+  }
+
+  void wrapOverview() {
+    if (overviewFont_ == nullptr || caption_.overview.empty()) return;
+    const int available = std::max(frame_.width - 2 * margin_, 1);
+    int width = available;
+    if (available > 259) width = std::max(std::min(available, static_cast<int>(0.55 * frame_.width)), 260);
+    lineHeight_ = std::max(TTF_FontLineSkip(overviewFont_), 1) + 4;
+    lines_ =
+        wrapText(overviewFont_, caption_.overview, width, std::clamp(frame_.height / 3 / lineHeight_, 2, 6));
+    if (lines_.empty()) return;
+    const int height = lineHeight_ * static_cast<int>(lines_.size()) - 4;
+    top_ = std::max(frame_.height - margin_ - height, margin_);
+  }
+
+  /// At the lower right. Gives its lower edge, 0 without a year.
+  int drawYear() const {
+    TTF_Font* font = regularFont(frame_.height < 240 ? 40 : std::min(frame_.height / 6, 96));
+    const SDL_Point size = textSize(font, caption_.year);
+    if (size.x == 0) return 0;
+    const int y = std::max(frame_.height - margin_ - size.y - 20, margin_);
+    text(font, caption_.year, frame_.width - margin_ - size.x, y, theme::white);
+    return y + size.y;
+  }
+
+  void drawBadge(FrameSize film, int below) const {
+    const std::string badge = resolutionBadge(film.width, film.height);
+    TTF_Font* font = regularFont(std::clamp(frame_.height / 28, 18, 30));
+    const SDL_Point size = textSize(font, badge);
+    if (size.x == 0) return;
+    const int lowest = frame_.height - margin_ - size.y;
+    const bool fits = below > 0 && below + gap <= lowest;
+    text(font, badge, frame_.width - margin_ - size.x, std::max(fits ? below + gap : lowest, margin_), soft);
+  }
+
+  bool drawLogo(SDL_Texture* logo, SDL_Point size) const {
+    if (logo == nullptr) return false;
+    int y = top_ ? *top_ - gap - size.y : margin_;
+    if (y + size.y > frame_.height - margin_) y = frame_.height - margin_ - size.y;
+    copyTexture(frame_.renderer, logo, {margin_, std::max(y, margin_), size.x, size.y});
+    return true;
+  }
+
+  void drawTitle() const {
+    TTF_Font* font = regularFont(frame_.height < 432 ? 72 : 3 * std::min(frame_.height / 18, 42));
+    const BoldScope bold(font);
+    const std::string title = fitText(font, caption_.title, std::max(frame_.width - 2 * margin_, 1));
+    const SDL_Point size = textSize(font, title);
+    const int bottom = top_ ? *top_ - gap : frame_.height - margin_;
+    text(font, title, margin_, std::max(bottom - size.y, margin_), theme::white);
+  }
+
+  void drawTag(bool logoDrawn) const {
+    TTF_Font* font = regularFont(std::clamp(frame_.height / 40, 16, 24));
+    const SDL_Point size = textSize(font, "FILM");
+    if (caption_.title.empty() || size.x == 0) return;
+    const int y = margin_ + (logoDrawn ? std::clamp(size.y + 16, 18, 36) : 0);
+    fillRect(frame_.renderer, {margin_, y, size.x + 16, size.y + 8}, tagFill);
+    text(font, "FILM", margin_ + 8, y + 4, theme::white);
+  }
+
+  const FrameContext& frame_;
+  const Caption& caption_;
+  const int margin_;
+  TTF_Font* const overviewFont_;
+  int lineHeight_ = 0;
+  std::vector<std::string> lines_;
+  std::optional<int> top_;  ///< of the overview
+};
 
 }  // namespace
 
-// --- What is told ---
-
-std::pair<CaptionFacts, fs::path> captionFactsOf(const Slide& slide, const Flag& stop) {
-  CaptionFacts facts;
-  const fs::path picture(slide.path);
-  facts.slideThere = isUsableFile(picture);
-  learnRoomKind(picture, stop);
-  facts.series = seriesRootOf(picture).has_value();
-  if (facts.series || !facts.slideThere) return {facts, {}};
-  facts.name = splitTitleYear(slide.name);
-  const fs::path film = filmOfSlide(slide, stop).value_or("");
-  facts.overview = overviewOf(picture.parent_path(), film);
-  const fs::path logo = picture.parent_path() / "clearlogo.png";
-  if (isUsableFile(logo)) facts.logo = logo;
-  return {facts, film};
+Caption captionFor(const Slide& slide, const Flag& stop) {
+  Caption caption;
+  if (seriesRootOf(slide.path)) return caption;
+  caption.shown = true;
+  TitleYear name = splitTitleYear(slide.name);
+  caption.title = std::move(name.title);
+  caption.year = std::move(name.year);
+  const fs::path folder = slide.path.parent_path();
+  if (isUsableFile(folder / "clearlogo.png")) caption.logo = fileStateOf(folder / "clearlogo.png");
+  auto overview = readOverview(folder / "metadata.json");
+  if (const auto video = videoOfSlide(slide, stop)) {
+    caption.video = video->string();
+    caption.videoSize = sizeOf(*video, stop);
+    if (!overview) overview = readOverview(video->parent_path() / "metadata.json");
+  }
+  caption.overview = overview.value_or("");
+  return caption;
 }
 
-FrameSize filmSize(const fs::path& film, const Flag& stop) {
-  try {
-    const Demultiplexer file(film.string(), {}, Pictures::Needed, stop);
-    const AVCodecParameters* video = file.videoParameters();
-    if (video != nullptr && video->width > 0 && video->height > 0) return {video->width, video->height};
-  } catch (const ffmpeg::Error&) {
-    // What can't be opened has no size to tell.
-  }
-  return {};
+SDL_Point captionLogoArea(int width, int height) {
+  return {std::max(static_cast<int>(0.28 * width), 1), std::max(static_cast<int>(0.2 * height), 1)};
 }
 
-void Caption::ask(const Slide& slide) {
-  job_.start([slide, notes = &notes_](JobSide<Message>& side) {
-    const auto [facts, film] = captionFactsOf(slide, side.stop());
-    side.post(facts);
-    if (film.empty()) return;
-    auto size = notes->frameSize(film.string());
-    if (!size) {
-      size = filmSize(film, side.stop());
-      if (size->width > 0) notes->setFrameSize(film.string(), size->width, size->height);
-    }
-    side.post(*size);
-  });
-}
-
-bool Caption::follow(const FrameContext& frame, const Slide* slide, Uint64 showing) {
-  if (slide == nullptr) {
-    if (!slide_.empty()) drop();
-    return false;
-  }
-  if (slide->path != slide_) {
-    drop();
-    slide_ = slide->path;
-  }
-  if (showing != showing_) {
-    showing_ = showing;
-    ask(*slide);
-  }
-  return take(frame);
-}
-
-bool Caption::take(const FrameContext& frame) {
-  bool changed = false;
-  while (auto message = job_.take()) {
-    changed = true;
-    if (const auto* size = std::get_if<FrameSize>(&*message)) {
-      filmSize_ = {size->width, size->height};
-      continue;
-    }
-    facts_ = std::get<CaptionFacts>(std::move(*message));
-    known_ = true;
-    linesFor_ = {};
-  }
-  if (facts_.logo.empty()) return changed;
-  logo_.want({.path = facts_.logo}, logoArea({frame.width, frame.height}), Fit::Inside);
-  const bool waited = logo_.pending();
-  logo_.take(frame.renderer);
-  return changed || (waited && !logo_.pending());
-}
-
-void Caption::drop() {
-  job_.leave();
-  slide_.clear();
-  showing_ = 0;
-  known_ = false;
-  facts_ = {};
-  filmSize_ = {};
-  logo_.drop();
-  lines_.clear();
-  linesFor_ = {};
-}
-
-// --- How it looks ---
-
-struct Caption::Fonts {
-  explicit Fonts(int height) {
-    const CaptionFonts sizes = captionFonts(height);
-    year = regularFont(sizes.year);
-    title = regularFont(sizes.title);
-    overview = regularFont(sizes.overview);
-    badge = regularFont(sizes.badge);
-    tag = regularFont(sizes.tag);
-  }
-  int lineHeight() const {
-    return (overview != nullptr ? std::max(TTF_FontLineSkip(overview), 1) : 1) + lineGap;
-  }
-  TTF_Font* year;
-  TTF_Font* title;
-  TTF_Font* overview;
-  TTF_Font* badge;
-  TTF_Font* tag;
-};
-
-/// Breaking the lines measures every word, too much for each frame.
-void Caption::layOut(const FrameContext& frame, const Fonts& fonts) {
-  if (linesFor_.x == frame.width && linesFor_.y == frame.height) return;
-  linesFor_ = {frame.width, frame.height};
-  lines_ = wrapText(fonts.overview, facts_.overview, overviewWidth(frame.width),
-                    overviewLineLimit(frame.height, fonts.lineHeight()));
-}
-
-void Caption::draw(const FrameContext& frame, SDL_Point lastPicture) {
-  // A title that gave way to a logo a moment later would flicker.
-  const bool logoComes = !facts_.logo.empty() && logo_.texture() == nullptr && logo_.pending();
-  if (!known_ || facts_.series || logoComes) return;
-  const Fonts fonts(frame.height);
-  layOut(frame, fonts);
-  const bool sizeKnown = filmSize_.x > 0 && filmSize_.y > 0;
-  const std::string badge = resolutionBadge(sizeKnown ? filmSize_ : lastPicture);
-  const bool logo = logo_.texture() != nullptr;
-  const BoldScope bold(fonts.title);
-  const std::string title =
-      fitText(fonts.title, facts_.name.title, frame.width - 2 * captionMargin(frame.width));
-  const CaptionPlaces places = placeCaption({.window = {frame.width, frame.height},
-                                             .year = textSize(fonts.year, facts_.name.year),
-                                             .badge = textSize(fonts.badge, badge),
-                                             .title = textSize(fonts.title, title),
-                                             .logo = logo ? logo_.size() : SDL_Point{},
-                                             .tag = textSize(fonts.tag, tagText),
-                                             .lines = static_cast<int>(lines_.size()),
-                                             .lineHeight = fonts.lineHeight()});
-
-  const auto words = [&](TTF_Font* font, const std::string& text, SDL_Point at, Colour colour) {
-    drawText(frame.renderer, font, text, at.x, at.y, colour, shadowColour);
-  };
-  words(fonts.year, facts_.name.year, places.year, theme::white);
-  words(fonts.badge, badge, places.badge, softWhite);
-  if (logo) {
-    SDL_SetTextureBlendMode(logo_.texture(), SDL_BLENDMODE_BLEND);
-    copyTexture(frame.renderer, logo_.texture(), places.logo);
-  } else {
-    words(fonts.title, title, places.title, theme::white);
-  }
-  SDL_Point at = places.overview;
-  for (const std::string& line : lines_) {
-    words(fonts.overview, line, at, softWhite);
-    at.y += fonts.lineHeight();
-  }
-  if (facts_.name.title.empty()) return;
-  fillRect(frame.renderer, places.tagBox, withAlpha(theme::black, 140));
-  words(fonts.tag, tagText, places.tag, theme::white);
+void drawCaption(const FrameContext& frame, const Caption& caption, SDL_Texture* logo, SDL_Point logoSize,
+                 FrameSize lastSize) {
+  if (!caption.shown) return;
+  const BlendScope blending(frame.renderer);
+  CaptionPainter(frame, caption)
+      .draw(logo, logoSize, caption.videoSize.width > 0 ? caption.videoSize : lastSize);
 }
 
 }  // namespace tavek

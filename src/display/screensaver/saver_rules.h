@@ -1,66 +1,75 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
-#include <vector>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
 
 #include <SDL.h>
 
-#include "library/fan_art.h"
-
-/// When the screensaver runs, how strong it is, and which slide stands. Times are milliseconds of the
-/// display's clock; 0 stands for none.
+/// When the screensaver comes and goes, which slide it shows, and what its captions say. Milliseconds of the
+/// display's clock.
 namespace tavek {
 
-/// The time without a key after which it starts.
 inline constexpr Uint64 idleMs = 300'000;
+inline constexpr Uint64 slideMs = 60'000;
+inline constexpr Uint64 saverFadeMs = 500;
+/// Slides stand at half strength, so that no screen is worn by them.
+inline constexpr int slideAlpha = 128;
 
-/// A picture that runs keeps it away. The first call starts the count.
-bool idleTooLong(Uint64& lastActivityAt, bool running, Uint64 nowMs);
-
-/// Its way in and out. It turns round from the strength that it has, and then still takes its full time.
-struct SaverFade {
-  bool active = false;  ///< over at once with the key that wakes
-  bool target = false;
-  double from = 0;
-  double alpha = 0;
-  Uint64 startedAt = 0;  ///< 0 when no fade runs
-
-  void start(Uint64 nowMs);
-  void end(Uint64 nowMs);
-  /// True in the call that ends the way out.
+/// Its strength. Turned around in mid-way, it goes on from where it stands and takes the whole time again.
+class SaverFade {
+ public:
+  void start(bool on, Uint64 nowMs);
+  /// True in the one pass in which a fade out ends.
   bool advance(Uint64 nowMs);
+  double alpha() const { return alpha_; }
+  bool on() const { return target_; }
+  /// It hides everything else.
+  bool full() const { return target_ && !running_ && alpha_ >= 0.999; }
 
-  bool running() const { return startedAt != 0; }
-  /// Still, or already, to be seen or about to be.
-  bool on() const { return active || alpha > 0 || running(); }
-  /// Nothing shows through.
-  bool full() const { return active && target && !running() && alpha >= 0.999; }
-  /// What it leaves of the picture below.
-  double videoVisibility() const { return active || alpha > 0 ? 1 - alpha : 1; }
+ private:
+  double from_ = 0;
+  double alpha_ = 0;
+  bool target_ = false;
+  bool running_ = false;
+  Uint64 startedAt_ = 0;
 };
 
-/// The slide that stands.
-struct SlideClock {
-  std::size_t current = 0;
-  Uint64 startedAt = 0;  ///< also of its cross-fade; 0 before the first one
+/// Goes through the slides, a minute each; a cross-fade between two.
+class SlideClock {
+ public:
+  void reset() { *this = {}; }
+  /// The first slide, or the next one, can be shown.
+  void begin(Uint64 nowMs);
+  bool begun() const { return startedAt_.has_value(); }
+  /// The minute is over.
+  bool due(Uint64 nowMs) const { return startedAt_ && nowMs >= *startedAt_ + slideMs; }
+  void next(std::size_t count, Uint64 nowMs);
+  /// The slide at `index` is gone; `count` are left.
+  void erase(std::size_t index, std::size_t count);
 
-  /// It has had its minute.
-  bool over(Uint64 nowMs) const;
-  /// 0 to 1.
+  std::size_t current() const { return current_; }
+  std::optional<std::size_t> previous(Uint64 nowMs) const;
+  /// How far the cross-fade is, 0 to 1.
   double crossfade(Uint64 nowMs) const;
+
+ private:
+  std::size_t current_ = 0;
+  std::optional<std::size_t> previous_;
+  std::optional<Uint64> startedAt_;
 };
-std::size_t slideAfter(std::size_t index, std::size_t count);
-/// Takes a slide out of the list; the one that stands stays the same one, if it can.
-void eraseSlide(std::vector<Slide>& slides, SlideClock& clock, std::size_t index);
 
-/// The size that slides are decoded at: a little more than the window, so that they cover it.
-SDL_Point slideArea(SDL_Point window);
-/// Where a slide of a size lies.
-SDL_Rect slidePlace(SDL_Point window, SDL_Point size);
+struct TitleYear {
+  std::string title;
+  std::string year;  ///< four digits, or empty
+  bool operator==(const TitleYear&) const = default;
+};
+/// "Blade Runner (1982)".
+TitleYear splitTitleYear(std::string_view text);
 
-/// Where to look for fan art when the current folder has none; that folder itself if there is no other.
-std::filesystem::path otherSlideFolder(const std::filesystem::path& current,
-                                       const std::vector<std::filesystem::path>& rooms);
+/// "4K", "FHD", "HD", or nothing for less.
+const char* resolutionBadge(int width, int height);
 
 }  // namespace tavek

@@ -1,127 +1,291 @@
 #include "display/screensaver/screensaver.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iostream>
+#include <string_view>
 #include <utility>
 
-#include "display/toolkit/colour.h"
+#include "display/toolkit/fade.h"
+#include "display/toolkit/fonts.h"
 #include "display/toolkit/shapes.h"
+#include "display/toolkit/text.h"
+#include "display/toolkit/texture.h"
 
 namespace tavek {
 namespace {
 
-/// What stands is drawn anew now and then, for a screen that was switched off meanwhile; what drifts, as
-/// often as anyone sees.
-constexpr Uint64 restMs = 500;
-constexpr Uint64 driftMs = 33;
+/// Somewhat larger than the window, of which an edge is cut off.
+constexpr double slideScale = 1.01;
+
+/// What lay over a window must not stay on it.
+constexpr Uint64 redrawMs = 1000;
+
+SDL_Point slideArea(const FrameContext& frame) {
+  return {static_cast<int>(std::ceil(frame.width * slideScale)),
+          static_cast<int>(std::ceil(frame.height * slideScale))};
+}
+
+/// A picture that covers an area of the window's middle, moved by an offset.
+SDL_Rect covering(const FrameContext& frame, SDL_Point size, double factor, double dx = 0, double dy = 0) {
+  const double scale =
+      std::max(static_cast<double>(frame.width) / size.x, static_cast<double>(frame.height) / size.y) *
+      factor;
+  const int width = static_cast<int>(size.x * scale);
+  const int height = static_cast<int>(size.y * scale);
+  return {(frame.width - width) / 2 + static_cast<int>(dx),
+          (frame.height - height) / 2 + static_cast<int>(dy), width, height};
+}
 
 }  // namespace
 
-// --- Keys ---
+// --- When it comes and goes ---
 
-Meaning Screensaver::key(const KeyPress& press, const FocusFacts& /*facts*/, Uint64 nowMs) {
-  if (!press.down) keysDown_.erase(press.key);
-  if (!press.down || press.repeat) return Handled();
-  keysDown_.insert(press.key);
-  fade_.end(nowMs);
-  touch(nowMs);
-  return NavCode::Wake;
+bool Screensaver::idle(bool pictureRuns, Uint64 nowMs) {
+  if (lastActivityAt_ == 0) lastActivityAt_ = nowMs;
+  return !active_ && !pictureRuns && nowMs >= lastActivityAt_ + idleMs;
 }
 
-bool Screensaver::takesKey(const KeyPress& press) {
-  if (on()) return true;
-  // It came up unseen.
-  if (press.down && !press.repeat) keysDown_.erase(press.key);
-  return keysDown_.contains(press.key);
+void Screensaver::start(Source source, Uint64 nowMs) {
+  fade_.start(true, nowMs);
+  if (std::exchange(active_, true)) return;
+  reset();
+  listing_.start([source = std::move(source)](JobSide<std::vector<Slide>>& side) {
+    for (const std::filesystem::path& folder : source.folders) {
+      std::vector<Slide> slides = listSlides(folder, source.posters, side.stop());
+      if (side.stop()) return;
+      if (!slides.empty()) return side.post(std::move(slides));
+    }
+  });
 }
 
-Meaning Screensaver::event(const SDL_Event& event, Uint64 /*nowMs*/) {
-  if (event.type == SDL_WINDOWEVENT) drawnAt_ = 0;
-  return Handled();
+bool Screensaver::wakes(const SDL_Event& event, Uint64 nowMs) {
+  if (!active_ || event.type != SDL_KEYDOWN || event.key.repeat != 0) return false;
+  wakingKey_ = event.key.keysym.sym;
+  end(nowMs);
+  return true;
 }
 
-// --- Its life ---
-
-void Screensaver::start(Uint64 nowMs) {
-  const bool wasActive = fade_.active;
-  fade_.start(nowMs);
-  if (!wasActive) resetSlideshow();
+bool Screensaver::swallows(const SDL_Event& event) {
+  if (event.type == SDL_QUIT) return false;
+  if (active_) return true;
+  const bool key = event.type == SDL_KEYDOWN || event.type == SDL_KEYUP;
+  if (!key || event.key.keysym.sym != wakingKey_) return false;
+  const bool again = event.type == SDL_KEYDOWN && event.key.repeat != 0;
+  if (!again) wakingKey_ = SDLK_UNKNOWN;
+  return again || event.type == SDL_KEYUP;
 }
 
-Meaning Screensaver::advance(Uint64 nowMs) {
-  if (fade_.advance(nowMs)) resetSlideshow();
-  return Unhandled();
+void Screensaver::end(Uint64 nowMs) {
+  if (!shown()) return;
+  fade_.start(false, nowMs);
+  active_ = false;
 }
 
-void Screensaver::resetSlideshow() {
-  slides_.reset();
-  caption_.drop();
-  music_.drop();
-  screensaverFrame_.reset();
-  drawnAt_ = 0;
-}
-
-void Screensaver::destroyTextures() {
-  resetSlideshow();
-  musicArt_ = {};
-}
-
-// --- Drawing ---
-
-/// What the workers have brought; true if that is to be drawn.
-bool Screensaver::follow(const FrameContext& frame, const FocusFacts& facts) {
-  if (facts.audioItem) return frame.nowMs >= drawnAt_ + driftMs;
-  bool changed = slides_.follow(frame);
-  changed = caption_.follow(frame, slides_.current(), slides_.startedAt()) || changed;
-  if (caption_.slideGone()) {
-    slides_.dropCurrent();
-    caption_.drop();
+void Screensaver::reset() {
+  listing_.leave();
+  slides_.clear();
+  clock_.reset();
+  for (Image& image : images_) {
+    image.slide.reset();
+    image.picture.drop();
   }
-  return changed || frame.nowMs >= drawnAt_ + restMs;
+  captionJob_.leave();
+  captionKey_.clear();
+  caption_ = {};
+  logo_.drop();
+  albumArt_.drop();
+  frame_.reset();
+  drawn_ = false;
 }
 
-bool Screensaver::drawAlone(const FrameContext& frame, const FocusFacts& facts) {
-  screensaverFrame_.reset();
-  if (!follow(frame, facts)) return false;
-  drawScreensaver(frame, facts);
+// --- What it shows ---
+
+bool Screensaver::follow(const FrameContext& frame, MusicArt art, bool song, FrameSize lastSize) {
+  if (!shown()) return false;
+  if (fade_.advance(frame.nowMs)) reset();
+  song_ = song;
+  art_ = std::move(art);
+  lastSize_ = lastSize;
+  if (!active_) return false;
+  if (auto slides = listing_.take()) slides_ = std::move(*slides);
+  if (song_) {
+    if (!art_.albumArt.empty()) {
+      albumArt_.want({art_.albumArt, {}, 0}, {frame.width / 5, frame.height / 5}, Fit::Inside);
+    }
+    albumArt_.take(frame.renderer);
+  } else {
+    turnPages(frame);
+  }
+  return fade_.full();
+}
+
+/// The present slide, once it is there; the next one a minute later, once that is.
+void Screensaver::turnPages(const FrameContext& frame) {
+  for (Image& image : images_) image.picture.take(frame.renderer);
+  if (slides_.empty()) return;
+  const std::size_t current = clock_.current();
+  const std::size_t next = (current + 1) % slides_.size();
+  want(frame, current);
+  want(frame, next);
+  // One that has vanished, or cannot be decoded, is no slide.
+  for (const std::size_t slide : {next, current}) {
+    Image* image = imageOf(slide);
+    if (image == nullptr || image->picture.pending() || image->picture.texture() != nullptr) continue;
+    return dropSlide(slide);
+  }
+  const auto ready = [&](std::size_t slide) {
+    const Image* image = imageOf(slide);
+    return image != nullptr && image->picture.texture() != nullptr;
+  };
+  if (!clock_.begun() && ready(current)) clock_.begin(frame.nowMs);
+  if (clock_.due(frame.nowMs) && ready(next)) clock_.next(slides_.size(), frame.nowMs);
+  followCaption(frame);
+}
+
+/// In the place of a picture that is needed no more.
+void Screensaver::want(const FrameContext& frame, std::size_t slide) {
+  Image* image = imageOf(slide);
+  if (image == nullptr) {
+    const auto previous = clock_.previous(frame.nowMs);
+    image = std::ranges::find_if(images_, [&](const Image& other) {
+      return !other.slide || (*other.slide != clock_.current() && other.slide != previous);
+    });
+    if (image == images_.end()) return;
+    image->picture.drop();
+    image->slide = slide;
+  }
+  image->picture.want({slides_[slide].path, {}, 0}, slideArea(frame), Fit::Cover);
+}
+
+Screensaver::Image* Screensaver::imageOf(std::size_t slide) {
+  Image* image = std::ranges::find(images_, std::optional(slide), &Image::slide);
+  return image != images_.end() ? image : nullptr;
+}
+
+void Screensaver::dropSlide(std::size_t slide) {
+  std::cout << "Display: screensaver fanart render failed: " << slides_[slide].path.string() << std::endl;
+  slides_.erase(slides_.begin() + static_cast<std::ptrdiff_t>(slide));
+  clock_.erase(slide, slides_.size());
+  for (Image& image : images_) {
+    if (!image.slide || *image.slide < slide) continue;
+    if (*image.slide > slide) {
+      --*image.slide;
+    } else {
+      image.slide.reset();
+      image.picture.drop();
+    }
+  }
+}
+
+void Screensaver::followCaption(const FrameContext& frame) {
+  if (!clock_.begun()) return;
+  const Slide& slide = slides_[clock_.current()];
+  if (slide.path != captionKey_) {
+    captionKey_ = slide.path;
+    caption_ = {};
+    logo_.drop();
+    captionJob_.start([slide](JobSide<Caption>& side) { side.post(captionFor(slide, side.stop())); });
+  }
+  if (auto caption = captionJob_.take()) {
+    caption_ = std::move(*caption);
+    drawn_ = false;
+  }
+  const SDL_Texture* before = logo_.texture();
+  if (caption_.logo) logo_.want(*caption_.logo, captionLogoArea(frame.width, frame.height), Fit::Inside);
+  logo_.take(frame.renderer);
+  if (logo_.texture() != before) drawn_ = false;
+}
+
+bool Screensaver::moves(Uint64 nowMs) const {
+  return song_ || !fade_.full() || (clock_.begun() && clock_.crossfade(nowMs) < 1);
+}
+
+bool Screensaver::drawAlone(const FrameContext& frame) {
+  const bool moving = moves(frame.nowMs);
+  if (drawn_ && !moving && frame.nowMs < drawnAt_ + redrawMs) return false;
+  drawWhole(frame);
+  drawn_ = !moving;
   drawnAt_ = frame.nowMs;
   return true;
 }
 
-void Screensaver::drawScreensaver(const FrameContext& frame, const FocusFacts& facts) {
-  SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
-  setDrawColour(frame.renderer, theme::black);
-  SDL_RenderClear(frame.renderer);
-  const BlendScope blend(frame.renderer);
-  if (facts.audioItem) return music_.draw(frame, musicArt_, fade_.alpha);
-  slides_.draw(frame);
-  caption_.draw(frame, lastPicture_);
-}
-
-/// A target of the window's size to draw it into. All of it is drawn, and without a channel of its own for
-/// that, laying it over the screen takes a quarter of the time where there is no graphics chip.
-bool Screensaver::prepareFrame(const FrameContext& frame) {
-  if (screensaverFrame_ && frameSize_.x == frame.width && frameSize_.y == frame.height) return true;
-  screensaverFrame_.reset(SDL_CreateTexture(frame.renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_TARGET,
-                                            frame.width, frame.height));
-  frameSize_ = {frame.width, frame.height};
-  return screensaverFrame_ && SDL_SetTextureBlendMode(screensaverFrame_.get(), SDL_BLENDMODE_BLEND) == 0;
-}
-
-void Screensaver::draw(const FrameContext& frame, const FocusFacts& facts) {
-  if (frame.renderer == nullptr || frame.width <= 0 || frame.height <= 0) return;
-  if (fade_.alpha <= 0) return;
-  follow(frame, facts);
-  if (!prepareFrame(frame)) {
-    if (fade_.active) drawScreensaver(frame, facts);
-    return;
+void Screensaver::draw(const FrameContext& frame, const FocusFacts& /*facts*/) {
+  if (fade_.alpha() <= 0 || frame.width < 1 || frame.height < 1) return;
+  drawn_ = false;
+  if (!frame_ || frameSize_.x != frame.width || frameSize_.y != frame.height) {
+    frameSize_ = {frame.width, frame.height};
+    // All of it is drawn: without a channel for what is not, it is laid over the screen in a quarter of the
+    // time where there is no graphics chip.
+    frame_.reset(SDL_CreateTexture(frame.renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_TARGET,
+                                   frame.width, frame.height));
+    SDL_SetTextureBlendMode(frame_.get(), SDL_BLENDMODE_BLEND);
   }
-  SDL_Texture* before = SDL_GetRenderTarget(frame.renderer);
-  SDL_SetRenderTarget(frame.renderer, screensaverFrame_.get());
-  drawScreensaver(frame, facts);
-  SDL_SetRenderTarget(frame.renderer, before);
-  SDL_SetTextureAlphaMod(screensaverFrame_.get(), static_cast<Uint8>(std::lround(fade_.alpha * 255)));
-  SDL_RenderCopy(frame.renderer, screensaverFrame_.get(), nullptr, nullptr);
-  SDL_SetTextureAlphaMod(screensaverFrame_.get(), 255);
+  if (!frame_) return drawWhole(frame);
+  SDL_Texture* target = SDL_GetRenderTarget(frame.renderer);
+  SDL_SetRenderTarget(frame.renderer, frame_.get());
+  drawWhole(frame);
+  SDL_SetRenderTarget(frame.renderer, target);
+  SDL_SetTextureAlphaMod(frame_.get(), fadedAlpha(fade_.alpha()));
+  SDL_RenderCopy(frame.renderer, frame_.get(), nullptr, nullptr);
+}
+
+void Screensaver::drawWhole(const FrameContext& frame) {
+  SDL_SetRenderDrawBlendMode(frame.renderer, SDL_BLENDMODE_NONE);
+  SDL_SetRenderDrawColor(frame.renderer, 0, 0, 0, SDL_ALPHA_OPAQUE);
+  SDL_RenderClear(frame.renderer);
+  song_ ? drawMusic(frame) : drawSlides(frame);
+}
+
+void Screensaver::drawSlides(const FrameContext& frame) {
+  if (slides_.empty() || !clock_.begun()) return;
+  const double crossfade = clock_.crossfade(frame.nowMs);
+  if (const auto previous = clock_.previous(frame.nowMs)) drawSlide(frame, *previous, 1 - crossfade);
+  drawSlide(frame, clock_.current(), crossfade);
+  drawCaption(frame, caption_, logo_.texture(), logo_.size(), lastSize_);
+}
+
+void Screensaver::drawSlide(const FrameContext& frame, std::size_t slide, double strength) {
+  Image* image = imageOf(slide);
+  SDL_Texture* texture = image != nullptr ? image->picture.texture() : nullptr;
+  if (texture == nullptr) return;
+  SDL_SetTextureBlendMode(texture, SDL_BLENDMODE_BLEND);
+  SDL_SetTextureAlphaMod(texture, fadedAlpha(strength, slideAlpha));
+  copyTexture(frame.renderer, texture, covering(frame, image->picture.size(), slideScale));
+  SDL_SetTextureAlphaMod(texture, 255);
+}
+
+/// The backdrop breathes and drifts, so that no picture of it stays on the screen.
+void Screensaver::drawMusic(const FrameContext& frame) {
+  const double seconds = static_cast<double>(frame.nowMs) / 1000;
+  if (art_.backdrop != nullptr) {
+    const SDL_Rect place = covering(frame, art_.size, 1.05 + 0.02 * std::sin(0.25 * seconds),
+                                    20 * std::sin(0.1 * seconds), 16 * std::cos(0.13 * seconds));
+    copyTexture(frame.renderer, art_.backdrop, place);
+  }
+  const BlendScope blending(frame.renderer);
+  const int margin = frame.width < 560 ? 40 : std::min(frame.width / 14, 120);
+  TTF_Font* const small = regularFont(std::clamp(frame.height / 28, 16, 36));
+  const std::array fonts{regularFont(std::clamp(frame.height / 18, 22, 54)), small, small};
+  constexpr int gap = 8;
+  int height = -gap;
+  for (std::size_t i = 0; i < fonts.size(); ++i) {
+    if (const int line = textSize(fonts[i], art_.lines[i]).y; line > 0) height += line + gap;
+  }
+  int y = std::max(frame.height - margin - height, margin);
+  for (std::size_t i = 0; i < fonts.size(); ++i) {
+    const std::string line = fitText(fonts[i], art_.lines[i], std::max(frame.width - 2 * margin, 1));
+    const int lineHeight = textSize(fonts[i], line).y;
+    if (lineHeight == 0) continue;
+    drawText(frame.renderer, fonts[i], line, margin + 2, y + 2, rgba(0, 0, 0, 179));
+    drawText(frame.renderer, fonts[i], line, margin, y, theme::white);
+    y += lineHeight + gap;
+  }
+  if (SDL_Texture* album = albumArt_.texture()) {
+    const SDL_Point size = albumArt_.size();
+    copyTexture(frame.renderer, album,
+                {frame.width - margin - size.x, frame.height - margin - size.y, size.x, size.y});
+  }
 }
 
 }  // namespace tavek

@@ -1,82 +1,104 @@
 #pragma once
 
-#include <set>
-#include <utility>
+#include <array>
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <vector>
 
 #include <SDL.h>
 
+#include "base/background_job.h"
 #include "display/screensaver/caption.h"
-#include "display/screensaver/music_variant.h"
 #include "display/screensaver/saver_rules.h"
-#include "display/screensaver/slides.h"
-#include "display/toolkit/frame_context.h"
+#include "display/toolkit/background_image.h"
 #include "display/toolkit/layer.h"
 #include "display/toolkit/music_art.h"
 #include "display/toolkit/sdl_handles.h"
+#include "library/fan_art.h"
 
 namespace tavek {
 
-/// After five minutes without a key it fades in over all else, and then has the frame for itself: fan art of
-/// the library with what is told of its films, or the backdrop of the music that plays. Any key ends it, and
-/// does nothing else. Main thread only.
+/// After five minutes without a key the fan art of the library, with captions; over music its backdrop, which
+/// drifts. It fades in over whatever is on the screen, and any key only makes it fade out.
 class Screensaver final : public Layer {
  public:
-  explicit Screensaver(MediaNotes& notes) : caption_(notes) {}
-
   bool owns(FocusName focus) const override { return focus == FocusName::Screensaver; }
-  Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
+  Meaning key(const KeyPress&, const FocusFacts&, Uint64) override { return Handled(); }
   Meaning move(Direction, const FocusFacts&, Uint64) override { return Handled(); }
-  bool repeats(const FocusFacts& /*facts*/) const override { return false; }
-  Meaning event(const SDL_Event& event, Uint64 nowMs) override;
-  Meaning advance(Uint64 nowMs) override;
-  /// Blends it over what is there.
+  bool repeats(const FocusFacts&) const override { return false; }
+  Meaning event(const SDL_Event&, Uint64) override { return Handled(); }
+  /// Blends over the frame while it fades.
   void draw(const FrameContext& frame, const FocusFacts& facts) override;
-  void destroyTextures() override;
+  void destroyTextures() override { reset(); }
 
-  // Its life.
+  /// Somebody is there.
   void touch(Uint64 nowMs) { lastActivityAt_ = nowMs; }
-  bool idleTooLong(bool running, Uint64 nowMs) {
-    return !fade_.active && tavek::idleTooLong(lastActivityAt_, running, nowMs);
-  }
-  void start(Uint64 nowMs);
-  /// Fades out, if it is on.
-  void end(Uint64 nowMs) { fade_.end(nowMs); }
-  /// It has the focus.
-  bool active() const { return fade_.active; }
-  /// Events other than a closed window are its own: it is seen, or about to be.
-  bool on() const { return fade_.on(); }
-  /// So is what follows of a key that has woken it, as long as that key is down.
-  bool takesKey(const KeyPress& press);
-  bool holdsWrites() const { return fade_.active || fade_.target; }
+  /// Nobody has been for five minutes, and no picture runs.
+  bool idle(bool pictureRuns, Uint64 nowMs);
+  /// Where its slides come from: the first folder that has any.
+  struct Source {
+    std::vector<std::filesystem::path> folders;
+    std::vector<PosterTitle> posters;
+  };
+  void start(Source source, Uint64 nowMs);
+  /// True for the first key that goes down: it wakes, and does nothing else, neither while it repeats nor
+  /// when it comes up.
+  bool wakes(const SDL_Event& event, Uint64 nowMs);
+  /// An event that is none of anybody else's business.
+  bool swallows(const SDL_Event& event);
+  /// Fades out.
+  void end(Uint64 nowMs);
 
-  // What it shows.
-  bool wantsSlides(Uint64 nowMs) const { return fade_.active && slides_.wantsList(nowMs); }
-  void listSlides(SlideSources sources, Uint64 nowMs) { slides_.list(std::move(sources), nowMs); }
-  void setMusicArt(MusicArt art) { musicArt_ = std::move(art); }
-  void setLastPicture(SDL_Point size) { lastPicture_ = size; }
-  /// It is drawn alone, over nothing.
-  bool full() const { return fade_.full(); }
-  double videoVisibility() const { return fade_.videoVisibility(); }
-  /// Once per pass while it is full: draws the whole frame, unless the screen shows that already. False if
-  /// so.
-  bool drawAlone(const FrameContext& frame, const FocusFacts& facts);
+  bool active() const { return active_; }
+  bool shown() const { return active_ || fade_.alpha() > 0; }
+
+  /// Once per frame, before anything is drawn. True if it hides everything: then drawAlone() is the frame.
+  bool follow(const FrameContext& frame, MusicArt art, bool song, FrameSize lastSize);
+  /// False if the screen shows it already.
+  bool drawAlone(const FrameContext& frame);
 
  private:
-  bool follow(const FrameContext& frame, const FocusFacts& facts);
-  void drawScreensaver(const FrameContext& frame, const FocusFacts& facts);
-  bool prepareFrame(const FrameContext& frame);
-  void resetSlideshow();
+  static constexpr std::size_t kept = 3;  ///< the slide before, the present one and the next
+  struct Image {
+    std::optional<std::size_t> slide;
+    BackgroundImage picture;
+  };
 
+  void reset();
+  void turnPages(const FrameContext& frame);
+  void want(const FrameContext& frame, std::size_t slide);
+  Image* imageOf(std::size_t slide);
+  void dropSlide(std::size_t slide);
+  void followCaption(const FrameContext& frame);
+  void drawWhole(const FrameContext& frame);
+  void drawSlides(const FrameContext& frame);
+  void drawSlide(const FrameContext& frame, std::size_t slide, double strength);
+  void drawMusic(const FrameContext& frame);
+  bool moves(Uint64 nowMs) const;
+
+  bool active_ = false;
   SaverFade fade_;
   Uint64 lastActivityAt_ = 0;
-  std::set<SDL_Keycode> keysDown_;  ///< that went down while it was on
-  Slides slides_;
+  SDL_Keycode wakingKey_ = SDLK_UNKNOWN;  ///< it is still down
+
+  BackgroundJob<std::vector<Slide>> listing_;
+  std::vector<Slide> slides_;
+  SlideClock clock_;
+  std::array<Image, kept> images_;
+  BackgroundJob<Caption> captionJob_;
+  std::filesystem::path captionKey_;
   Caption caption_;
-  MusicVariant music_;
-  MusicArt musicArt_;
-  SDL_Point lastPicture_{};
-  TexturePtr screensaverFrame_;  ///< the target of a fade
+  BackgroundImage logo_;
+  FrameSize lastSize_;
+
+  bool song_ = false;
+  MusicArt art_;
+  BackgroundImage albumArt_;
+
+  TexturePtr frame_;  ///< what is blended
   SDL_Point frameSize_{};
+  bool drawn_ = false;  ///< the screen shows what there is
   Uint64 drawnAt_ = 0;
 };
 

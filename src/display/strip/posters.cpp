@@ -193,14 +193,6 @@ bool Posters::meetsGoal(const Poster& poster) {
   return true;
 }
 
-std::vector<PosterTitle> Posters::titles() {
-  std::vector<PosterTitle> titles;
-  for (const Poster& poster : page_.posters) titles.push_back({poster.path.string(), poster.key.raw});
-  for (const PendingPoster& pending : loader_.pending())
-    titles.push_back({pending.poster.path, pending.poster.key.raw});
-  return titles;
-}
-
 bool Posters::seriesRoom() const {
   return seriesRootOf(page_.folder).has_value();
 }

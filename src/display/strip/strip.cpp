@@ -149,30 +149,39 @@ void Strip::show(const std::filesystem::path& currentVideo, bool fromHome, Uint6
   letterBar_.arm();
   if (fromHome || (selectedPoster() == nullptr && !posters_.list().empty())) posters_.selectPoster(0);
   state_ = {.visible = true, .open = true, .sliding = true, .slidingIn = true, .slideAt = nowMs};
+  updateHoldWrites();
 }
 
 void Strip::hide(Uint64 nowMs) {
   if (!state_.visible) return;
   state_ = {.visible = true, .sliding = true, .slideAt = nowMs};
   letterBar_.reset();
+  updateHoldWrites();
 }
 
 void Strip::drop() {
   state_ = {};
   letterBar_.reset();
+  updateHoldWrites();
 }
 
-void Strip::endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
+/// The state file is written when the strip has come to rest below the screen.
+void Strip::updateHoldWrites() {
+  stored_.settings.holdWrites(state_.visible || state_.sliding);
+}
+
+bool Strip::endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
                      Uint64 nowMs) {
   letterBar_.forgetTyped(nowMs);
   const double reveal = stripReveal(state_, nowMs);
-  if (!state_.sliding || (state_.slidingIn ? reveal < 1 : reveal > 0)) return;
+  if (!state_.sliding || (state_.slidingIn ? reveal < 1 : reveal > 0)) return false;
   state_.sliding = false;
-  if (state_.slidingIn) return;
+  if (state_.slidingIn) return false;
   drop();
-  if (!pendingFolder_) return;
+  if (!pendingFolder_) return false;
   openPosterFolder(renderer, *std::exchange(pendingFolder_, std::nullopt), nowMs);
   if (slideIn) show(currentVideo, false, nowMs);
+  return slideIn;
 }
 
 // --- What it shows ---
@@ -186,6 +195,10 @@ const Poster* Strip::watchedToggleTarget(MediaKind roomKind) const {
   const Poster* poster = selectedPoster();
   const bool episode = poster != nullptr && roomKind == MediaKind::Series && isVideoFile(poster->path);
   return state_.visible && episode ? poster : nullptr;
+}
+
+int Strip::top(const FrameContext& frame) const {
+  return static_cast<int>(stripTop(frame.height, stripReveal(state_, frame.nowMs)));
 }
 
 void Strip::draw(const FrameContext& frame, const FocusFacts& facts) {

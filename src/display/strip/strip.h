@@ -19,7 +19,7 @@ namespace tavek {
 /// through the folders of a series, and to what plays.
 class Strip final : public Layer {
  public:
-  explicit Strip(const Stored& stored) : posters_(stored.users) {}
+  explicit Strip(const Stored& stored) : stored_(stored), posters_(stored.users) {}
 
   bool owns(FocusName focus) const override { return focus == FocusName::Tv || focus == FocusName::Poster; }
   Meaning key(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) override;
@@ -27,15 +27,17 @@ class Strip final : public Layer {
   bool repeats(const FocusFacts& facts) const override;
   void draw(const FrameContext& frame, const FocusFacts& facts) override;
   void destroyTextures() override { posters_.clear(); }
+  /// A step of the selection, or in the letters.
+  void moveSideways(int delta, Uint64 nowMs);
   /// Enter, wherever it comes from.
   Meaning activate(const FocusFacts& facts, Uint64 nowMs);
 
   /// Covers the picture's lower part, or is about to.
   bool shown() const { return state_.visible; }
+  /// The upper edge of the posters.
+  int top(const FrameContext& frame) const;
   /// In any state but closed.
   bool any() const { return state_.any(); }
-  /// The state file is written when the strip has come to rest below the screen.
-  bool holdsWrites() const { return state_.visible || state_.sliding; }
 
   /// Lists a folder. With the strip on the screen it slides out first, and in again over the new list; only
   /// without it the renderer is needed.
@@ -48,7 +50,8 @@ class Strip final : public Layer {
   void forgetPendingFolder() { pendingFolder_.reset(); }
   void forgetTyped() { letterBar_ = {}; }
   /// Once per frame: ends a slide, and opens the folder that has waited for it. `slideIn`: no picture runs.
-  void endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
+  /// True where the strip comes in again over that folder.
+  bool endSlide(SDL_Renderer* renderer, const std::filesystem::path& currentVideo, bool slideIn,
                 Uint64 nowMs);
 
   Posters& posters() { return posters_; }
@@ -72,12 +75,13 @@ class Strip final : public Layer {
   Meaning startVoice(const FocusFacts& facts, Uint64 nowMs);
   Meaning back(const FocusFacts& facts, Uint64 nowMs);
   Meaning close(const FocusFacts& facts, Uint64 nowMs);
-  void moveSideways(int delta, Uint64 nowMs);
   void moveUp(Uint64 nowMs);
   bool enterSelection(Uint64 nowMs);
   void type(char character, Uint64 nowMs);
   void jumpToTyped();
+  void updateHoldWrites();
 
+  const Stored stored_;
   Posters posters_;
   LetterBar letterBar_;
   StripState state_;

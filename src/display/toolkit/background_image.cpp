@@ -4,14 +4,15 @@
 
 namespace tavek {
 
-void BackgroundImage::want(const FileState& file, SDL_Point area, Fit fit) {
+bool BackgroundImage::want(const FileState& file, SDL_Point area, Fit fit) {
   const bool sameArea = area.x == wish_.area.x && area.y == wish_.area.y && fit == wish_.fit;
-  if (file == wish_.file && sameArea) return;
+  if (file == wish_.file && sameArea) return false;
   wish_ = {file, area, fit};
   job_.start([wish = wish_](JobSide<SurfacePtr>& side) {
     side.post(fittedTo(loadImage(wish.file.path), wish.area, wish.fit));
     SDL_TLSCleanup();
   });
+  return true;
 }
 
 void BackgroundImage::drop() {

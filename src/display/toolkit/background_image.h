@@ -16,8 +16,8 @@ namespace tavek {
 class BackgroundImage {
  public:
   /// The file to show, and the area that it is drawn in. Asking for the same again costs nothing; one that
-  /// could not be decoded is tried again once it has changed.
-  void want(const FileState& file, SDL_Point area, Fit fit);
+  /// could not be decoded is tried again once it has changed. True for a new wish.
+  bool want(const FileState& file, SDL_Point area, Fit fit);
   /// Nothing is shown or wanted any more.
   void drop();
   /// Once per frame: makes a texture of what has come. What cannot be decoded leaves none.

@@ -25,6 +25,7 @@ enum class FocusName : std::int32_t {
 
 /// What the screens show, in one snapshot.
 struct FocusFacts {
+  bool saverActive = false;  ///< the screensaver runs
   bool homeMode = false;     ///< the home screen has the screen
   bool chooserOpen = false;  ///< its users can be chosen, over an item too
   MediaKind roomKind = MediaKind::Movies;
@@ -34,7 +35,6 @@ struct FocusFacts {
   bool seekFocus = false;   ///< a seek key is down
   bool videoPlaying = true;
   bool videoPaused = false;  ///< by the viewer
-  bool screensaverActive = false;
 
   bool musicWithAudio() const { return roomKind == MediaKind::Music && audioItem; }
   bool running() const { return videoPlaying && !videoPaused; }

@@ -8,13 +8,12 @@
 
 namespace tavek {
 
-/// What the music screen tells of the track that plays, for whoever else shows it. Valid during one frame.
+/// What there is to show of a song, lent by its screen for one frame.
 struct MusicArt {
-  SDL_Texture* backdrop = nullptr;  ///< not owned; null without one
-  SDL_Point size{};                 ///< of the backdrop
-  std::filesystem::path albumArt;   ///< empty without one
-  /// The title, "artist — album", the year; empty where it is not known.
-  std::array<std::string, 3> lines;
+  SDL_Texture* backdrop = nullptr;
+  SDL_Point size{};
+  std::filesystem::path albumArt;    ///< empty without one
+  std::array<std::string, 3> lines;  ///< title, artist and album, year
 };
 
 }  // namespace tavek
