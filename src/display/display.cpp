@@ -91,8 +91,8 @@ void Display::alignWithItem(const std::filesystem::path& path) {
 }
 
 void Display::setVideoPlaying(bool playing) {
-  saver_.touch(clock_.ticksMs());
-  playback_.setVideoPlaying(playing);
+  // The songs of an album follow each other by themselves.
+  if (playback_.setVideoPlaying(playing) && !playback_.audioItem()) saver_.touch(clock_.ticksMs());
   if (!playing) return;
   home_.endFadeIn();
   strip_.forgetPendingFolder();
@@ -100,8 +100,7 @@ void Display::setVideoPlaying(bool playing) {
 }
 
 void Display::setVideoPaused(bool paused) {
-  saver_.touch(clock_.ticksMs());
-  playback_.setVideoPaused(paused, clock_.ticksMs());
+  if (playback_.setVideoPaused(paused, clock_.ticksMs())) saver_.touch(clock_.ticksMs());
 }
 
 void Display::showSeekBar() {

@@ -122,15 +122,32 @@ TEST_F(SaverTest, AKeyOnlyWakes) {
     pass(milliseconds(2000));
     EXPECT_EQ(display.currentFocus() == FocusName::Screensaver, state.comes) << state.what;
     if (!state.comes) continue;
+    pass(milliseconds(250));
     EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None) << "a key that was held before";
     EXPECT_EQ(key(SDLK_RIGHT), NavCode::Wake) << state.what;
     EXPECT_EQ(key(SDLK_RIGHT, true, true), NavCode::None) << state.what;
     EXPECT_EQ(key(SDLK_RIGHT, false), NavCode::None) << state.what;
     EXPECT_EQ(display.currentFocus(), before) << state.what;
+    EXPECT_EQ(key(SDLK_RETURN), NavCode::Wake) << "it still fades over " << state.what;
     pass(milliseconds(600));
+    EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None) << state.what;
+    EXPECT_EQ(key(SDLK_RETURN, false), NavCode::None) << state.what;
+    EXPECT_EQ(display.currentFocus(), before) << state.what;
     display.hideStrip();
     pass(milliseconds(300));
   }
+}
+
+TEST_F(SaverTest, SongsThatFollowEachOtherKeepNobodyAwake) {
+  display.leaveHome();
+  display.alignWithItem(test::library.path() / "music/a.mp3");
+  display.setVideoPlaying(true);
+  pass(milliseconds(10));
+  pass(milliseconds(200'000));
+  display.setVideoPlaying(false);
+  display.setVideoPlaying(true);
+  pass(milliseconds(100'000));
+  EXPECT_EQ(display.currentFocus(), FocusName::Screensaver);
 }
 
 TEST_F(SaverTest, SlidesStandAtHalfStrengthUntilTheyVanish) {

@@ -60,20 +60,19 @@ void Screensaver::start(Source source, Uint64 nowMs) {
 }
 
 bool Screensaver::wakes(const SDL_Event& event, Uint64 nowMs) {
-  if (!active_ || event.type != SDL_KEYDOWN || event.key.repeat != 0) return false;
-  wakingKey_ = event.key.keysym.sym;
+  if (!shown() || event.type != SDL_KEYDOWN || event.key.repeat != 0) return false;
+  keysDown_.insert(event.key.keysym.sym);
   end(nowMs);
   return true;
 }
 
 bool Screensaver::swallows(const SDL_Event& event) {
   if (event.type == SDL_QUIT) return false;
-  if (active_) return true;
   const bool key = event.type == SDL_KEYDOWN || event.type == SDL_KEYUP;
-  if (!key || event.key.keysym.sym != wakingKey_) return false;
+  if (!key || !keysDown_.contains(event.key.keysym.sym)) return shown();
   const bool again = event.type == SDL_KEYDOWN && event.key.repeat != 0;
-  if (!again) wakingKey_ = SDLK_UNKNOWN;
-  return again || event.type == SDL_KEYUP;
+  if (!again) keysDown_.erase(event.key.keysym.sym);
+  return again || event.type == SDL_KEYUP || shown();
 }
 
 void Screensaver::end(Uint64 nowMs) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include <SDL.h>
@@ -80,7 +81,7 @@ class Screensaver final : public Layer {
   bool active_ = false;
   SaverFade fade_;
   Uint64 lastActivityAt_ = 0;
-  SDL_Keycode wakingKey_ = SDLK_UNKNOWN;  ///< it is still down
+  std::set<SDL_Keycode> keysDown_;  ///< that went down while it was shown
 
   BackgroundJob<std::vector<Slide>> listing_;
   std::vector<Slide> slides_;
