@@ -168,6 +168,16 @@ TEST_F(SaverTest, SlidesStandAtHalfStrengthUntilTheyVanish) {
   };
   for (int i = 0; i < 2000 && middle() != 0x800000; ++i, SDL_Delay(1)) pass(milliseconds(10));
   EXPECT_EQ(middle(), 0x800000U);
+  std::filesystem::remove_all(film.parent_path());
+  pass(milliseconds(600));
+  pass(milliseconds(60'000));
+  for (int i = 0; i < 2000 && middle() != 0; ++i, SDL_Delay(1)) pass(milliseconds(10));
+  EXPECT_EQ(middle(), 0U) << "its file is gone";
+  std::filesystem::remove(test::library.path() / "movies/Broken/fanart.png");
+  IMG_SavePNG(red.get(), (test::library.path() / "movies/Broken/fanart.png").c_str());
+  pass(milliseconds(60'000));
+  for (int i = 0; i < 2000 && middle() != 0x800000; ++i, SDL_Delay(1)) pass(milliseconds(10));
+  EXPECT_EQ(middle(), 0x800000U) << "new art is found";
 }
 
 }  // namespace

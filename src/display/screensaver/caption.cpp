@@ -150,7 +150,8 @@ class CaptionPainter {
 
 Caption captionFor(const Slide& slide, const Flag& stop) {
   Caption caption;
-  if (seriesRootOf(slide.path)) return caption;
+  caption.slideGone = !isUsableFile(slide.path);
+  if (caption.slideGone || seriesRootOf(slide.path)) return caption;
   caption.shown = true;
   TitleYear name = splitTitleYear(slide.name);
   caption.title = std::move(name.title);

@@ -16,7 +16,8 @@ namespace tavek {
 
 /// What is written over a slide.
 struct Caption {
-  bool shown = false;  ///< a series has none
+  bool slideGone = false;  ///< its file is not there any more
+  bool shown = false;      ///< a series has none
   std::string title;
   std::string year;
   std::string overview;

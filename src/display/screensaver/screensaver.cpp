@@ -21,6 +21,9 @@ constexpr double slideScale = 1.01;
 /// What lay over a window must not stay on it.
 constexpr Uint64 redrawMs = 1000;
 
+/// A room without fan art may get some while nobody is there.
+constexpr Uint64 lookAgainMs = 60'000;
+
 SDL_Point slideArea(const FrameContext& frame) {
   return {static_cast<int>(std::ceil(frame.width * slideScale)),
           static_cast<int>(std::ceil(frame.height * slideScale))};
@@ -50,13 +53,34 @@ void Screensaver::start(Source source, Uint64 nowMs) {
   fade_.start(true, nowMs);
   if (std::exchange(active_, true)) return;
   reset();
-  listing_.start([source = std::move(source)](JobSide<std::vector<Slide>>& side) {
-    for (const std::filesystem::path& folder : source.folders) {
-      std::vector<Slide> slides = listSlides(folder, source.posters, side.stop());
+  source_ = std::move(source);
+  listedAt_ = nowMs;
+  list(source_.folders);
+}
+
+void Screensaver::list(std::vector<std::filesystem::path> folders) {
+  listing_.start([folders = std::move(folders), posters = source_.posters](JobSide<Listing>& side) {
+    for (std::size_t i = 0; i < folders.size(); ++i) {
+      std::vector<Slide> slides = listSlides(folders[i], posters, side.stop());
       if (side.stop()) return;
-      if (!slides.empty()) return side.post(std::move(slides));
+      if (slides.empty()) continue;
+      return side.post(
+          {std::move(slides), {folders.begin() + static_cast<std::ptrdiff_t>(i) + 1, folders.end()}});
     }
   });
+}
+
+void Screensaver::takeListing(Uint64 nowMs) {
+  if (auto listing = listing_.take()) {
+    slides_ = std::move(listing->slides);
+    foldersLeft_ = std::move(listing->foldersLeft);
+    clock_.reset();
+  }
+  if (!slides_.empty() || listing_.running() || listing_.waiting() > 0) return;
+  if (!foldersLeft_.empty()) return list(std::exchange(foldersLeft_, {}));
+  if (nowMs < listedAt_ + lookAgainMs) return;
+  listedAt_ = nowMs;
+  list(source_.folders);
 }
 
 bool Screensaver::wakes(const SDL_Event& event, Uint64 nowMs) {
@@ -83,6 +107,7 @@ void Screensaver::end(Uint64 nowMs) {
 
 void Screensaver::reset() {
   listing_.leave();
+  foldersLeft_.clear();
   slides_.clear();
   clock_.reset();
   for (Image& image : images_) {
@@ -107,13 +132,13 @@ bool Screensaver::follow(const FrameContext& frame, MusicArt art, bool song, Fra
   art_ = std::move(art);
   lastSize_ = lastSize;
   if (!active_) return false;
-  if (auto slides = listing_.take()) slides_ = std::move(*slides);
   if (song_) {
     if (!art_.albumArt.empty()) {
       albumArt_.want({art_.albumArt, {}, 0}, {frame.width / 5, frame.height / 5}, Fit::Inside);
     }
     albumArt_.take(frame.renderer);
   } else {
+    takeListing(frame.nowMs);
     turnPages(frame);
   }
   return fade_.full();
@@ -166,6 +191,7 @@ void Screensaver::dropSlide(std::size_t slide) {
   std::cout << "Display: screensaver fanart render failed: " << slides_[slide].path.string() << std::endl;
   slides_.erase(slides_.begin() + static_cast<std::ptrdiff_t>(slide));
   clock_.erase(slide, slides_.size());
+  drawn_ = false;
   for (Image& image : images_) {
     if (!image.slide || *image.slide < slide) continue;
     if (*image.slide > slide) {
@@ -184,11 +210,19 @@ void Screensaver::followCaption(const FrameContext& frame) {
     captionKey_ = slide.path;
     caption_ = {};
     logo_.drop();
+    captionShowing_.reset();
+  }
+  if (std::exchange(captionShowing_, clock_.startedAt()) != clock_.startedAt()) {
     captionJob_.start([slide](JobSide<Caption>& side) { side.post(captionFor(slide, side.stop())); });
   }
   if (auto caption = captionJob_.take()) {
     caption_ = std::move(*caption);
     drawn_ = false;
+  }
+  if (caption_.slideGone) {
+    caption_ = {};
+    captionKey_.clear();
+    return dropSlide(clock_.current());
   }
   const SDL_Texture* before = logo_.texture();
   if (caption_.logo) logo_.want(*caption_.logo, captionLogoArea(frame.width, frame.height), Fit::Inside);

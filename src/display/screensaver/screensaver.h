@@ -66,7 +66,14 @@ class Screensaver final : public Layer {
     BackgroundImage picture;
   };
 
+  struct Listing {
+    std::vector<Slide> slides;
+    std::vector<std::filesystem::path> foldersLeft;
+  };
+
   void reset();
+  void list(std::vector<std::filesystem::path> folders);
+  void takeListing(Uint64 nowMs);
   void turnPages(const FrameContext& frame);
   void want(const FrameContext& frame, std::size_t slide);
   Image* imageOf(std::size_t slide);
@@ -83,12 +90,16 @@ class Screensaver final : public Layer {
   Uint64 lastActivityAt_ = 0;
   std::set<SDL_Keycode> keysDown_;  ///< that went down while it was shown
 
-  BackgroundJob<std::vector<Slide>> listing_;
+  Source source_;
+  BackgroundJob<Listing> listing_;
+  Uint64 listedAt_ = 0;
+  std::vector<std::filesystem::path> foldersLeft_;  ///< where to look when no slide of the list is any good
   std::vector<Slide> slides_;
   SlideClock clock_;
   std::array<Image, kept> images_;
   BackgroundJob<Caption> captionJob_;
   std::filesystem::path captionKey_;
+  std::optional<Uint64> captionShowing_;  ///< of the slide
   Caption caption_;
   BackgroundImage logo_;
   FrameSize lastSize_;
