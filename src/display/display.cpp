@@ -179,6 +179,10 @@ void Display::startScreensaver() {
   for (const Poster& poster : posters().list())
     source.posters.push_back({poster.key.raw, poster.path.string()});
   saver_.start(std::move(source), clock_.ticksMs());
+  for (const std::filesystem::path& room : rooms) {
+    if (const auto kind = knownKind(room))
+      requestScans(idleScans_, scanRequests_, room, *kind, clock_.ticksMs());
+  }
   stored_.settings.holdWrites(true);
 }
 

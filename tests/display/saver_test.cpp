@@ -6,6 +6,7 @@
 
 #include "base/process_flags.h"
 #include "display/display.h"
+#include "display/screensaver/idle_scans.h"
 #include "display/screensaver/saver_rules.h"
 #include "state/state_store.h"
 #include "support/media_root.h"
@@ -68,6 +69,34 @@ TEST(SaverRules, TitlesAndBadges) {
       {3840, 2160, "4K"}, {2160, 3840, "4K"}, {3840, 1600, "FHD"}, {1920, 1080, "FHD"},
       {1920, 800, "HD"},  {1280, 720, "HD"},  {1279, 720, ""},     {0, 0, ""}};
   for (const auto& [width, height, badge] : badges) EXPECT_EQ(resolutionBadge(width, height), badge) << width;
+}
+
+TEST(IdleScans, AskOnceAndThenOnceAnHour) {
+  std::vector<std::string> asked;
+  const ScanRequests requests{[&](const auto& room) { asked.push_back("tmdb " + room.string()); },
+                              [&](const auto& room) { asked.push_back("tv " + room.string()); }};
+  IdleScans scans;
+  const struct {
+    const char* room;
+    MediaKind kind;
+    Uint64 at;
+    std::vector<std::string> asked;
+  } steps[] = {
+      {"/m/films", MediaKind::Movies, 1000, {"tmdb /m/films", "tmdb /m/films"}},
+      {"/m/x/../films", MediaKind::Movies, 3'600'999, {}},
+      {"/m/films", MediaKind::Movies, 500, {}},
+      {"/m/films", MediaKind::Movies, 3'601'000, {"tmdb /m/films"}},
+      {"/m/shows", MediaKind::Series, 2000, {"tv /m/shows", "tv /m/shows"}},
+      {"/m/Kids", MediaKind::Series, 2000, {"tmdb /m/Kids", "tmdb /m/Kids"}},
+      {"/m/songs", MediaKind::Music, 2000, {}},
+      {"/m/clips", MediaKind::Videos, 2000, {}},
+  };
+  for (const auto& step : steps) {
+    asked.clear();
+    requestScans(scans, requests, step.room, step.kind, step.at);
+    EXPECT_EQ(asked, step.asked) << step.room << " at " << step.at;
+  }
+  requestScans(scans, {}, "/m/more", MediaKind::Movies, 2000);
 }
 
 class SaverTest : public testing::Test {
