@@ -40,6 +40,22 @@ SDL_Rect covering(const FrameContext& frame, SDL_Point size, double factor, doub
           (frame.height - height) / 2 + static_cast<int>(dy), width, height};
 }
 
+/// A slide as it stands: over the whole window, at half strength. So each frame of it is a plain copy, at a
+/// fifth of the work where there is no graphics chip.
+TexturePtr standing(const FrameContext& frame, const BackgroundImage& picture) {
+  TexturePtr shown(SDL_CreateTexture(frame.renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_TARGET,
+                                     frame.width, frame.height));
+  SDL_Texture* before = SDL_GetRenderTarget(frame.renderer);
+  if (!shown || SDL_SetRenderTarget(frame.renderer, shown.get()) != 0) return {};
+  setDrawColour(frame.renderer, theme::black);
+  SDL_RenderClear(frame.renderer);
+  SDL_SetTextureBlendMode(picture.texture(), SDL_BLENDMODE_BLEND);
+  SDL_SetTextureAlphaMod(picture.texture(), slideAlpha);
+  copyTexture(frame.renderer, picture.texture(), covering(frame, picture.size(), slideScale));
+  SDL_SetRenderTarget(frame.renderer, before);
+  return shown;
+}
+
 }  // namespace
 
 // --- When it comes and goes ---
@@ -111,8 +127,7 @@ void Screensaver::reset() {
   slides_.clear();
   clock_.reset();
   for (Image& image : images_) {
-    image.slide.reset();
-    image.picture.drop();
+    image.drop();
   }
   captionJob_.leave();
   captionKey_.clear();
@@ -146,7 +161,7 @@ bool Screensaver::follow(const FrameContext& frame, MusicArt art, bool song, Fra
 
 /// The present slide, once it is there; the next one a minute later, once that is.
 void Screensaver::turnPages(const FrameContext& frame) {
-  for (Image& image : images_) image.picture.take(frame.renderer);
+  for (Image& image : images_) image.take(frame);
   if (slides_.empty()) return;
   const std::size_t current = clock_.current();
   const std::size_t next = (current + 1) % slides_.size();
@@ -155,12 +170,13 @@ void Screensaver::turnPages(const FrameContext& frame) {
   // One that has vanished, or cannot be decoded, is no slide.
   for (const std::size_t slide : {next, current}) {
     Image* image = imageOf(slide);
-    if (image == nullptr || image->picture.pending() || image->picture.texture() != nullptr) continue;
+    if (image == nullptr || image->picture.pending() || image->picture.texture() != nullptr || image->shown)
+      continue;
     return dropSlide(slide);
   }
   const auto ready = [&](std::size_t slide) {
     const Image* image = imageOf(slide);
-    return image != nullptr && image->picture.texture() != nullptr;
+    return image != nullptr && image->shown != nullptr;
   };
   if (!clock_.begun() && ready(current)) clock_.begin(frame.nowMs);
   if (clock_.due(frame.nowMs) && ready(next)) clock_.next(slides_.size(), frame.nowMs);
@@ -176,9 +192,11 @@ void Screensaver::want(const FrameContext& frame, std::size_t slide) {
       return !other.slide || (*other.slide != clock_.current() && other.slide != previous);
     });
     if (image == images_.end()) return;
-    image->picture.drop();
+    image->drop();
     image->slide = slide;
   }
+  if (image->shown && image->window.x == frame.width && image->window.y == frame.height) return;
+  image->window = {frame.width, frame.height};
   image->picture.want({slides_[slide].path, {}, 0}, slideArea(frame), Fit::Cover);
 }
 
@@ -197,10 +215,22 @@ void Screensaver::dropSlide(std::size_t slide) {
     if (*image.slide > slide) {
       --*image.slide;
     } else {
-      image.slide.reset();
-      image.picture.drop();
+      image.drop();
     }
   }
+}
+
+void Screensaver::Image::drop() {
+  slide.reset();
+  picture.drop();
+  shown.reset();
+}
+
+/// In two passes, so that none takes long.
+void Screensaver::Image::take(const FrameContext& frame) {
+  if (picture.texture() == nullptr || picture.pending()) return picture.take(frame.renderer);
+  shown = standing(frame, picture);
+  picture.drop();
 }
 
 void Screensaver::followCaption(const FrameContext& frame) {
@@ -273,19 +303,18 @@ void Screensaver::drawWhole(const FrameContext& frame) {
 void Screensaver::drawSlides(const FrameContext& frame) {
   if (slides_.empty() || !clock_.begun()) return;
   const double crossfade = clock_.crossfade(frame.nowMs);
-  if (const auto previous = clock_.previous(frame.nowMs)) drawSlide(frame, *previous, 1 - crossfade);
+  // Laid over it, the one that comes takes a part of the one that goes; at half strength half of that.
+  if (const auto previous = clock_.previous(frame.nowMs)) drawSlide(frame, *previous, 1 - crossfade / 2);
   drawSlide(frame, clock_.current(), crossfade);
   drawCaption(frame, caption_, logo_.texture(), logo_.size(), lastSize_);
 }
 
 void Screensaver::drawSlide(const FrameContext& frame, std::size_t slide, double strength) {
-  Image* image = imageOf(slide);
-  SDL_Texture* texture = image != nullptr ? image->picture.texture() : nullptr;
-  if (texture == nullptr) return;
-  SDL_SetTextureBlendMode(texture, SDL_BLENDMODE_BLEND);
-  SDL_SetTextureAlphaMod(texture, fadedAlpha(strength, slideAlpha));
-  copyTexture(frame.renderer, texture, covering(frame, image->picture.size(), slideScale));
-  SDL_SetTextureAlphaMod(texture, 255);
+  const Image* image = imageOf(slide);
+  if (image == nullptr || !image->shown) return;
+  SDL_SetTextureBlendMode(image->shown.get(), strength < 1 ? SDL_BLENDMODE_BLEND : SDL_BLENDMODE_NONE);
+  SDL_SetTextureAlphaMod(image->shown.get(), fadedAlpha(strength));
+  SDL_RenderCopy(frame.renderer, image->shown.get(), nullptr, nullptr);
 }
 
 /// The backdrop breathes and drifts, so that no picture of it stays on the screen.

@@ -64,6 +64,11 @@ class Screensaver final : public Layer {
   struct Image {
     std::optional<std::size_t> slide;
     BackgroundImage picture;
+    TexturePtr shown;  ///< as it is on the screen, of the window's size
+    SDL_Point window{};
+
+    void drop();
+    void take(const FrameContext& frame);
   };
 
   struct Listing {
