@@ -27,7 +27,8 @@ Display::Display(int x, int y, int width, int height, Orientation orientation, c
       playback_(orientation),
       screen_({x, y, width, height}, playback_.picture()),
       strip_(stored),
-      home_(stored) {}
+      home_(stored),
+      saver_(stored.notes) {}
 
 Display::~Display() {
   themePlayer_.reset();
@@ -174,10 +175,9 @@ void Display::startScreensaver() {
       rooms, [&](const auto& room) { return room != current && isSeries(room) != isSeries(current); });
   if (other == rooms.end())
     other = std::ranges::find_if(rooms, [&](const auto& room) { return room != current; });
-  Screensaver::Source source{{current}, {}};
+  Screensaver::Source source{{current}, strip_.posters().titles()};
   if (other != rooms.end()) source.folders.push_back(*other);
-  for (const Poster& poster : posters().list())
-    source.posters.push_back({poster.key.raw, poster.path.string()});
+  if (rooms.empty()) source.folders.push_back(isSeries(current) ? mediaRoot() / "movies" : tvRoot());
   saver_.start(std::move(source), clock_.ticksMs());
   for (const std::filesystem::path& room : rooms) {
     if (const auto kind = knownKind(room))

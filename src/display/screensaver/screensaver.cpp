@@ -243,7 +243,9 @@ void Screensaver::followCaption(const FrameContext& frame) {
     captionShowing_.reset();
   }
   if (std::exchange(captionShowing_, clock_.startedAt()) != clock_.startedAt()) {
-    captionJob_.start([slide](JobSide<Caption>& side) { side.post(captionFor(slide, side.stop())); });
+    captionJob_.start([slide, notes = &notes_](JobSide<Caption>& side) {
+      side.post(captionFor(slide, *notes, side.stop()));
+    });
   }
   if (auto caption = captionJob_.take()) {
     caption_ = std::move(*caption);

@@ -24,6 +24,9 @@ namespace tavek {
 /// drifts. It fades in over whatever is on the screen, and any key only makes it fade out.
 class Screensaver final : public Layer {
  public:
+  /// The notes outlive all jobs.
+  explicit Screensaver(MediaNotes& notes) : notes_(notes) {}
+
   bool owns(FocusName focus) const override { return focus == FocusName::Screensaver; }
   Meaning key(const KeyPress&, const FocusFacts&, Uint64) override { return Handled(); }
   Meaning move(Direction, const FocusFacts&, Uint64) override { return Handled(); }
@@ -90,6 +93,7 @@ class Screensaver final : public Layer {
   void drawMusic(const FrameContext& frame);
   bool moves(Uint64 nowMs) const;
 
+  MediaNotes& notes_;
   bool active_ = false;
   SaverFade fade_;
   Uint64 lastActivityAt_ = 0;
