@@ -1,7 +1,6 @@
 #include "library/poster_listing.h"
 
 #include <algorithm>
-#include <compare>
 #include <cstdint>
 #include <exception>
 #include <iostream>
@@ -9,6 +8,7 @@
 #include <limits>
 #include <map>
 #include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <utility>
 
@@ -121,7 +121,6 @@ struct Rank {
   std::int32_t folder = -1;
   std::int32_t sequence = 0;
   std::size_t place = 0;  ///< by name
-  auto operator<=>(const Rank&) const = default;
 };
 
 /// Puts the tiles of candidates that are sorted by name in the orders of their folders.
@@ -143,7 +142,8 @@ void sortByOrders(std::vector<ListedPoster>& posters, const std::vector<PosterCa
     rank.place = i;
     ranks.push_back(rank);
   }
-  std::ranges::sort(ranks);
+  std::ranges::sort(ranks, {},
+                    [](const Rank& rank) { return std::tuple(rank.folder, rank.sequence, rank.place); });
   std::vector<ListedPoster> sorted;
   sorted.reserve(posters.size());
   for (const Rank& rank : ranks) sorted.push_back(std::move(posters[rank.place]));
