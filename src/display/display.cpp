@@ -27,7 +27,8 @@ Display::Display(int x, int y, int width, int height, Orientation orientation, c
       playback_(orientation),
       screen_({x, y, width, height}, playback_.picture()),
       strip_(stored),
-      home_(stored) {}
+      home_(stored),
+      saver_(stored.notes) {}
 
 Display::~Display() {
   themePlayer_.reset();
@@ -91,8 +92,8 @@ void Display::alignWithItem(const std::filesystem::path& path) {
 }
 
 void Display::setVideoPlaying(bool playing) {
-  saver_.touch(clock_.ticksMs());
-  playback_.setVideoPlaying(playing);
+  // The songs of an album follow each other by themselves.
+  if (playback_.setVideoPlaying(playing) && !playback_.audioItem()) saver_.touch(clock_.ticksMs());
   if (!playing) return;
   home_.endFadeIn();
   strip_.forgetPendingFolder();
@@ -100,8 +101,7 @@ void Display::setVideoPlaying(bool playing) {
 }
 
 void Display::setVideoPaused(bool paused) {
-  saver_.touch(clock_.ticksMs());
-  playback_.setVideoPaused(paused, clock_.ticksMs());
+  if (playback_.setVideoPaused(paused, clock_.ticksMs())) saver_.touch(clock_.ticksMs());
 }
 
 void Display::showSeekBar() {
@@ -175,11 +175,14 @@ void Display::startScreensaver() {
       rooms, [&](const auto& room) { return room != current && isSeries(room) != isSeries(current); });
   if (other == rooms.end())
     other = std::ranges::find_if(rooms, [&](const auto& room) { return room != current; });
-  Screensaver::Source source{{current}, {}};
+  Screensaver::Source source{{current}, strip_.posters().titles()};
   if (other != rooms.end()) source.folders.push_back(*other);
-  for (const Poster& poster : posters().list())
-    source.posters.push_back({poster.key.raw, poster.path.string()});
+  if (rooms.empty()) source.folders.push_back(isSeries(current) ? mediaRoot() / "movies" : tvRoot());
   saver_.start(std::move(source), clock_.ticksMs());
+  for (const std::filesystem::path& room : rooms) {
+    if (const auto kind = knownKind(room))
+      requestScans(idleScans_, scanRequests_, room, *kind, clock_.ticksMs());
+  }
   stored_.settings.holdWrites(true);
 }
 

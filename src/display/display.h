@@ -17,6 +17,7 @@
 #include "display/music/music_screen.h"
 #include "display/playback/playback_screen.h"
 #include "display/screen.h"
+#include "display/screensaver/idle_scans.h"
 #include "display/screensaver/screensaver.h"
 #include "display/status_lines.h"
 #include "display/strip/strip.h"
@@ -125,6 +126,8 @@ class Display {
   std::filesystem::path currentFolder() const { return home_.room(); }
   /// Once after each opening of the home screen over a running item, and once after its closing.
   bool takePauseToggle() { return home_.takePauseToggle(); }
+  /// Who is asked for new art while nobody is there.
+  void setScanRequests(ScanRequests requests) { scanRequests_ = std::move(requests); }
 
  private:
   // Input: display_input.cpp.
@@ -162,6 +165,8 @@ class Display {
   Home home_;
   MusicScreen music_;
   Screensaver saver_;
+  IdleScans idleScans_;
+  ScanRequests scanRequests_;
   /// The screens in the order in which they are drawn, over the picture.
   const std::array<Layer*, 4> layers_{&home_, &playback_, &strip_, &music_};
   StatusLines statusLines_;

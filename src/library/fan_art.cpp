@@ -21,8 +21,18 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view suffix = ".fanart";
 
+/// "some film 1982" for "some film (1982)" too: the fan art of a folder has the folder's brackets, and its
+/// film may have none.
+std::string plainTitle(std::string_view title) {
+  std::string plain = trim(title);
+  const std::size_t open = plain.rfind('(');
+  if (open == std::string::npos || open == 0 || !plain.ends_with(')')) return plain;
+  const std::string year = trim(std::string_view(plain).substr(open + 1, plain.size() - open - 2));
+  return isYear(year) ? trim(std::string_view(plain).substr(0, open)) + ' ' + year : plain;
+}
+
 std::string keyOf(std::string_view name, std::string_view folderName) {
-  return trim(titleWithYear(foldCase(name), trim(foldCase(folderName))));
+  return plainTitle(titleWithYear(foldCase(name), trim(foldCase(folderName))));
 }
 
 std::string nameFrom(std::string_view stem, std::string_view folderName) {
@@ -81,7 +91,7 @@ std::vector<Slide> byPosters(std::vector<Found::Candidate>& slides, const std::v
   std::vector<std::pair<std::string, std::string>> order;  // by the file's name, the title
   for (const PosterTitle& poster : posters) {
     const fs::path path(poster.path);
-    std::string title = trim(poster.title);
+    std::string title = plainTitle(poster.title);
     if (title.empty()) title = foldCase(path.stem().string());
     order.emplace_back(foldCase(path.filename().string()), std::move(title));
   }

@@ -136,7 +136,8 @@ void Viewing::serveCode(NavCode code) {
   if (state_ == ItemState::Ending || state_ == ItemState::Paused) return;
   if (code == NavCode::Wake) {
     display_.stopTheme();
-    display_.showSeekBar();
+    // It would take the place of the strip, and the key that wakes changes nothing.
+    if (!display_.stripShown()) display_.showSeekBar();
   }
   if (code == NavCode::Snapshot && !runs(state_)) takeSnapshot();
 }

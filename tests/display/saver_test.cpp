@@ -6,6 +6,7 @@
 
 #include "base/process_flags.h"
 #include "display/display.h"
+#include "display/screensaver/idle_scans.h"
 #include "display/screensaver/saver_rules.h"
 #include "state/state_store.h"
 #include "support/media_root.h"
@@ -70,6 +71,34 @@ TEST(SaverRules, TitlesAndBadges) {
   for (const auto& [width, height, badge] : badges) EXPECT_EQ(resolutionBadge(width, height), badge) << width;
 }
 
+TEST(IdleScans, AskOnceAndThenOnceAnHour) {
+  std::vector<std::string> asked;
+  const ScanRequests requests{[&](const auto& room) { asked.push_back("tmdb " + room.string()); },
+                              [&](const auto& room) { asked.push_back("tv " + room.string()); }};
+  IdleScans scans;
+  const struct {
+    const char* room;
+    MediaKind kind;
+    Uint64 at;
+    std::vector<std::string> asked;
+  } steps[] = {
+      {"/m/films", MediaKind::Movies, 1000, {"tmdb /m/films", "tmdb /m/films"}},
+      {"/m/x/../films", MediaKind::Movies, 3'600'999, {}},
+      {"/m/films", MediaKind::Movies, 500, {}},
+      {"/m/films", MediaKind::Movies, 3'601'000, {"tmdb /m/films"}},
+      {"/m/shows", MediaKind::Series, 2000, {"tv /m/shows", "tv /m/shows"}},
+      {"/m/Kids", MediaKind::Series, 2000, {"tmdb /m/Kids", "tmdb /m/Kids"}},
+      {"/m/songs", MediaKind::Music, 2000, {}},
+      {"/m/clips", MediaKind::Videos, 2000, {}},
+  };
+  for (const auto& step : steps) {
+    asked.clear();
+    requestScans(scans, requests, step.room, step.kind, step.at);
+    EXPECT_EQ(asked, step.asked) << step.room << " at " << step.at;
+  }
+  requestScans(scans, {}, "/m/more", MediaKind::Movies, 2000);
+}
+
 class SaverTest : public testing::Test {
  protected:
   SaverTest() { test::writeText(film, "x"); }
@@ -122,15 +151,32 @@ TEST_F(SaverTest, AKeyOnlyWakes) {
     pass(milliseconds(2000));
     EXPECT_EQ(display.currentFocus() == FocusName::Screensaver, state.comes) << state.what;
     if (!state.comes) continue;
+    pass(milliseconds(250));
     EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None) << "a key that was held before";
     EXPECT_EQ(key(SDLK_RIGHT), NavCode::Wake) << state.what;
     EXPECT_EQ(key(SDLK_RIGHT, true, true), NavCode::None) << state.what;
     EXPECT_EQ(key(SDLK_RIGHT, false), NavCode::None) << state.what;
     EXPECT_EQ(display.currentFocus(), before) << state.what;
+    EXPECT_EQ(key(SDLK_RETURN), NavCode::Wake) << "it still fades over " << state.what;
     pass(milliseconds(600));
+    EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None) << state.what;
+    EXPECT_EQ(key(SDLK_RETURN, false), NavCode::None) << state.what;
+    EXPECT_EQ(display.currentFocus(), before) << state.what;
     display.hideStrip();
     pass(milliseconds(300));
   }
+}
+
+TEST_F(SaverTest, SongsThatFollowEachOtherKeepNobodyAwake) {
+  display.leaveHome();
+  display.alignWithItem(test::library.path() / "music/a.mp3");
+  display.setVideoPlaying(true);
+  pass(milliseconds(10));
+  pass(milliseconds(200'000));
+  display.setVideoPlaying(false);
+  display.setVideoPlaying(true);
+  pass(milliseconds(100'000));
+  EXPECT_EQ(display.currentFocus(), FocusName::Screensaver);
 }
 
 TEST_F(SaverTest, SlidesStandAtHalfStrengthUntilTheyVanish) {
@@ -151,6 +197,16 @@ TEST_F(SaverTest, SlidesStandAtHalfStrengthUntilTheyVanish) {
   };
   for (int i = 0; i < 2000 && middle() != 0x800000; ++i, SDL_Delay(1)) pass(milliseconds(10));
   EXPECT_EQ(middle(), 0x800000U);
+  std::filesystem::remove_all(film.parent_path());
+  pass(milliseconds(600));
+  pass(milliseconds(60'000));
+  for (int i = 0; i < 2000 && middle() != 0; ++i, SDL_Delay(1)) pass(milliseconds(10));
+  EXPECT_EQ(middle(), 0U) << "its file is gone";
+  std::filesystem::remove(test::library.path() / "movies/Broken/fanart.png");
+  IMG_SavePNG(red.get(), (test::library.path() / "movies/Broken/fanart.png").c_str());
+  pass(milliseconds(60'000));
+  for (int i = 0; i < 2000 && middle() != 0x800000; ++i, SDL_Delay(1)) pass(milliseconds(10));
+  EXPECT_EQ(middle(), 0x800000U) << "new art is found";
 }
 
 }  // namespace

@@ -23,7 +23,7 @@ TEST(FanArt, IsThatOfWhatIsThere) {
   const test::TempFolder folder;
   const fs::path movies = folder.path() / "movies";
   for (const char* file :
-       {"B (1982)/B (1982).mkv", "B (1982)/fanart.jpg", "A/A.mkv", "A/A.fanart.PNG", "A/poster.jpg", "C.mkv",
+       {"B (1982)/B.mkv", "B (1982)/fanart.jpg", "A/A.mkv", "A/A.fanart.PNG", "A/poster.jpg", "C.mkv",
         "C.FanArt.jpeg", "Gone/fanart.jpg", "Gone.fanart.jpg", "A/.fanart.jpg", "A/fanart.webp",
         "D/fanart.jpg/x", "Брат 2/Брат 2.mkv", "Брат 2/fanart.jpg"})
     test::writeText(movies / file, "x");

@@ -36,6 +36,14 @@ FrameSize sizeOf(const fs::path& video, const Flag& stop) {
   return {};
 }
 
+/// Each film is opened once in the program's life.
+FrameSize notedSize(const fs::path& video, MediaNotes& notes, const Flag& stop) {
+  if (const auto noted = notes.frameSize(video.string())) return *noted;
+  const FrameSize size = sizeOf(video, stop);
+  if (size.width > 0) notes.setFrameSize(video.string(), size.width, size.height);
+  return size;
+}
+
 /// Bold for as long as it lives, since the font is everybody's.
 class BoldScope {
  public:
@@ -148,9 +156,10 @@ class CaptionPainter {
 
 }  // namespace
 
-Caption captionFor(const Slide& slide, const Flag& stop) {
+Caption captionFor(const Slide& slide, MediaNotes& notes, const Flag& stop) {
   Caption caption;
-  if (seriesRootOf(slide.path)) return caption;
+  caption.slideGone = !isUsableFile(slide.path);
+  if (caption.slideGone || seriesRootOf(slide.path)) return caption;
   caption.shown = true;
   TitleYear name = splitTitleYear(slide.name);
   caption.title = std::move(name.title);
@@ -160,7 +169,7 @@ Caption captionFor(const Slide& slide, const Flag& stop) {
   auto overview = readOverview(folder / "metadata.json");
   if (const auto video = videoOfSlide(slide, stop)) {
     caption.video = video->string();
-    caption.videoSize = sizeOf(*video, stop);
+    caption.videoSize = notedSize(*video, notes, stop);
     if (!overview) overview = readOverview(video->parent_path() / "metadata.json");
   }
   caption.overview = overview.value_or("");

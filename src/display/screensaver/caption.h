@@ -16,7 +16,8 @@ namespace tavek {
 
 /// What is written over a slide.
 struct Caption {
-  bool shown = false;  ///< a series has none
+  bool slideGone = false;  ///< its file is not there any more
+  bool shown = false;      ///< a series has none
   std::string title;
   std::string year;
   std::string overview;
@@ -25,8 +26,9 @@ struct Caption {
   FrameSize videoSize;  ///< 0 if unknown
 };
 
-/// Reads the film's folder, and opens the film for its size. Any thread but the main one.
-Caption captionFor(const Slide& slide, const Flag& stop);
+/// Reads the film's folder, and opens the film for its size unless that is noted. Any thread but the main
+/// one.
+Caption captionFor(const Slide& slide, MediaNotes& notes, const Flag& stop);
 
 /// The texts at full strength, with the logo, if there is a picture of it, in the title's place. Without a
 /// size of its own the film's badge is that of `lastSize`.

@@ -44,6 +44,8 @@ class SlideClock {
   /// The first slide, or the next one, can be shown.
   void begin(Uint64 nowMs);
   bool begun() const { return startedAt_.has_value(); }
+  /// Tells one showing of a slide from the next; none before the first.
+  std::optional<Uint64> startedAt() const { return startedAt_; }
   /// The minute is over.
   bool due(Uint64 nowMs) const { return startedAt_ && nowMs >= *startedAt_ + slideMs; }
   void next(std::size_t count, Uint64 nowMs);

@@ -21,6 +21,9 @@ constexpr double slideScale = 1.01;
 /// What lay over a window must not stay on it.
 constexpr Uint64 redrawMs = 1000;
 
+/// A room without fan art may get some while nobody is there.
+constexpr Uint64 lookAgainMs = 60'000;
+
 SDL_Point slideArea(const FrameContext& frame) {
   return {static_cast<int>(std::ceil(frame.width * slideScale)),
           static_cast<int>(std::ceil(frame.height * slideScale))};
@@ -37,6 +40,22 @@ SDL_Rect covering(const FrameContext& frame, SDL_Point size, double factor, doub
           (frame.height - height) / 2 + static_cast<int>(dy), width, height};
 }
 
+/// A slide as it stands: over the whole window, at half strength. So each frame of it is a plain copy, at a
+/// fifth of the work where there is no graphics chip.
+TexturePtr standing(const FrameContext& frame, const BackgroundImage& picture) {
+  TexturePtr shown(SDL_CreateTexture(frame.renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_TARGET,
+                                     frame.width, frame.height));
+  SDL_Texture* before = SDL_GetRenderTarget(frame.renderer);
+  if (!shown || SDL_SetRenderTarget(frame.renderer, shown.get()) != 0) return {};
+  setDrawColour(frame.renderer, theme::black);
+  SDL_RenderClear(frame.renderer);
+  SDL_SetTextureBlendMode(picture.texture(), SDL_BLENDMODE_BLEND);
+  SDL_SetTextureAlphaMod(picture.texture(), slideAlpha);
+  copyTexture(frame.renderer, picture.texture(), covering(frame, picture.size(), slideScale));
+  SDL_SetRenderTarget(frame.renderer, before);
+  return shown;
+}
+
 }  // namespace
 
 // --- When it comes and goes ---
@@ -50,30 +69,50 @@ void Screensaver::start(Source source, Uint64 nowMs) {
   fade_.start(true, nowMs);
   if (std::exchange(active_, true)) return;
   reset();
-  listing_.start([source = std::move(source)](JobSide<std::vector<Slide>>& side) {
-    for (const std::filesystem::path& folder : source.folders) {
-      std::vector<Slide> slides = listSlides(folder, source.posters, side.stop());
+  source_ = std::move(source);
+  listedAt_ = nowMs;
+  list(source_.folders);
+}
+
+void Screensaver::list(std::vector<std::filesystem::path> folders) {
+  listing_.start([folders = std::move(folders), posters = source_.posters](JobSide<Listing>& side) {
+    for (std::size_t i = 0; i < folders.size(); ++i) {
+      std::vector<Slide> slides = listSlides(folders[i], posters, side.stop());
       if (side.stop()) return;
-      if (!slides.empty()) return side.post(std::move(slides));
+      if (slides.empty()) continue;
+      return side.post(
+          {std::move(slides), {folders.begin() + static_cast<std::ptrdiff_t>(i) + 1, folders.end()}});
     }
   });
 }
 
+void Screensaver::takeListing(Uint64 nowMs) {
+  if (auto listing = listing_.take()) {
+    slides_ = std::move(listing->slides);
+    foldersLeft_ = std::move(listing->foldersLeft);
+    clock_.reset();
+  }
+  if (!slides_.empty() || listing_.running() || listing_.waiting() > 0) return;
+  if (!foldersLeft_.empty()) return list(std::exchange(foldersLeft_, {}));
+  if (nowMs < listedAt_ + lookAgainMs) return;
+  listedAt_ = nowMs;
+  list(source_.folders);
+}
+
 bool Screensaver::wakes(const SDL_Event& event, Uint64 nowMs) {
-  if (!active_ || event.type != SDL_KEYDOWN || event.key.repeat != 0) return false;
-  wakingKey_ = event.key.keysym.sym;
+  if (!shown() || event.type != SDL_KEYDOWN || event.key.repeat != 0) return false;
+  keysDown_.insert(event.key.keysym.sym);
   end(nowMs);
   return true;
 }
 
 bool Screensaver::swallows(const SDL_Event& event) {
   if (event.type == SDL_QUIT) return false;
-  if (active_) return true;
   const bool key = event.type == SDL_KEYDOWN || event.type == SDL_KEYUP;
-  if (!key || event.key.keysym.sym != wakingKey_) return false;
+  if (!key || !keysDown_.contains(event.key.keysym.sym)) return shown();
   const bool again = event.type == SDL_KEYDOWN && event.key.repeat != 0;
-  if (!again) wakingKey_ = SDLK_UNKNOWN;
-  return again || event.type == SDL_KEYUP;
+  if (!again) keysDown_.erase(event.key.keysym.sym);
+  return again || event.type == SDL_KEYUP || shown();
 }
 
 void Screensaver::end(Uint64 nowMs) {
@@ -84,11 +123,11 @@ void Screensaver::end(Uint64 nowMs) {
 
 void Screensaver::reset() {
   listing_.leave();
+  foldersLeft_.clear();
   slides_.clear();
   clock_.reset();
   for (Image& image : images_) {
-    image.slide.reset();
-    image.picture.drop();
+    image.drop();
   }
   captionJob_.leave();
   captionKey_.clear();
@@ -108,13 +147,13 @@ bool Screensaver::follow(const FrameContext& frame, MusicArt art, bool song, Fra
   art_ = std::move(art);
   lastSize_ = lastSize;
   if (!active_) return false;
-  if (auto slides = listing_.take()) slides_ = std::move(*slides);
   if (song_) {
     if (!art_.albumArt.empty()) {
       albumArt_.want({art_.albumArt, {}, 0}, {frame.width / 5, frame.height / 5}, Fit::Inside);
     }
     albumArt_.take(frame.renderer);
   } else {
+    takeListing(frame.nowMs);
     turnPages(frame);
   }
   return fade_.full();
@@ -122,7 +161,7 @@ bool Screensaver::follow(const FrameContext& frame, MusicArt art, bool song, Fra
 
 /// The present slide, once it is there; the next one a minute later, once that is.
 void Screensaver::turnPages(const FrameContext& frame) {
-  for (Image& image : images_) image.picture.take(frame.renderer);
+  for (Image& image : images_) image.take(frame);
   if (slides_.empty()) return;
   const std::size_t current = clock_.current();
   const std::size_t next = (current + 1) % slides_.size();
@@ -131,12 +170,13 @@ void Screensaver::turnPages(const FrameContext& frame) {
   // One that has vanished, or cannot be decoded, is no slide.
   for (const std::size_t slide : {next, current}) {
     Image* image = imageOf(slide);
-    if (image == nullptr || image->picture.pending() || image->picture.texture() != nullptr) continue;
+    if (image == nullptr || image->picture.pending() || image->picture.texture() != nullptr || image->shown)
+      continue;
     return dropSlide(slide);
   }
   const auto ready = [&](std::size_t slide) {
     const Image* image = imageOf(slide);
-    return image != nullptr && image->picture.texture() != nullptr;
+    return image != nullptr && image->shown != nullptr;
   };
   if (!clock_.begun() && ready(current)) clock_.begin(frame.nowMs);
   if (clock_.due(frame.nowMs) && ready(next)) clock_.next(slides_.size(), frame.nowMs);
@@ -152,9 +192,11 @@ void Screensaver::want(const FrameContext& frame, std::size_t slide) {
       return !other.slide || (*other.slide != clock_.current() && other.slide != previous);
     });
     if (image == images_.end()) return;
-    image->picture.drop();
+    image->drop();
     image->slide = slide;
   }
+  if (image->shown && image->window.x == frame.width && image->window.y == frame.height) return;
+  image->window = {frame.width, frame.height};
   image->picture.want({slides_[slide].path, {}, 0}, slideArea(frame), Fit::Cover);
 }
 
@@ -167,15 +209,28 @@ void Screensaver::dropSlide(std::size_t slide) {
   std::cout << "Display: screensaver fanart render failed: " << slides_[slide].path.string() << std::endl;
   slides_.erase(slides_.begin() + static_cast<std::ptrdiff_t>(slide));
   clock_.erase(slide, slides_.size());
+  drawn_ = false;
   for (Image& image : images_) {
     if (!image.slide || *image.slide < slide) continue;
     if (*image.slide > slide) {
       --*image.slide;
     } else {
-      image.slide.reset();
-      image.picture.drop();
+      image.drop();
     }
   }
+}
+
+void Screensaver::Image::drop() {
+  slide.reset();
+  picture.drop();
+  shown.reset();
+}
+
+/// In two passes, so that none takes long.
+void Screensaver::Image::take(const FrameContext& frame) {
+  if (picture.texture() == nullptr || picture.pending()) return picture.take(frame.renderer);
+  shown = standing(frame, picture);
+  picture.drop();
 }
 
 void Screensaver::followCaption(const FrameContext& frame) {
@@ -185,11 +240,21 @@ void Screensaver::followCaption(const FrameContext& frame) {
     captionKey_ = slide.path;
     caption_ = {};
     logo_.drop();
-    captionJob_.start([slide](JobSide<Caption>& side) { side.post(captionFor(slide, side.stop())); });
+    captionShowing_.reset();
+  }
+  if (std::exchange(captionShowing_, clock_.startedAt()) != clock_.startedAt()) {
+    captionJob_.start([slide, notes = &notes_](JobSide<Caption>& side) {
+      side.post(captionFor(slide, *notes, side.stop()));
+    });
   }
   if (auto caption = captionJob_.take()) {
     caption_ = std::move(*caption);
     drawn_ = false;
+  }
+  if (caption_.slideGone) {
+    caption_ = {};
+    captionKey_.clear();
+    return dropSlide(clock_.current());
   }
   const SDL_Texture* before = logo_.texture();
   if (caption_.logo) logo_.want(*caption_.logo, captionLogoArea(frame.width, frame.height), Fit::Inside);
@@ -240,19 +305,18 @@ void Screensaver::drawWhole(const FrameContext& frame) {
 void Screensaver::drawSlides(const FrameContext& frame) {
   if (slides_.empty() || !clock_.begun()) return;
   const double crossfade = clock_.crossfade(frame.nowMs);
-  if (const auto previous = clock_.previous(frame.nowMs)) drawSlide(frame, *previous, 1 - crossfade);
+  // Laid over it, the one that comes takes a part of the one that goes; at half strength half of that.
+  if (const auto previous = clock_.previous(frame.nowMs)) drawSlide(frame, *previous, 1 - crossfade / 2);
   drawSlide(frame, clock_.current(), crossfade);
   drawCaption(frame, caption_, logo_.texture(), logo_.size(), lastSize_);
 }
 
 void Screensaver::drawSlide(const FrameContext& frame, std::size_t slide, double strength) {
-  Image* image = imageOf(slide);
-  SDL_Texture* texture = image != nullptr ? image->picture.texture() : nullptr;
-  if (texture == nullptr) return;
-  SDL_SetTextureBlendMode(texture, SDL_BLENDMODE_BLEND);
-  SDL_SetTextureAlphaMod(texture, fadedAlpha(strength, slideAlpha));
-  copyTexture(frame.renderer, texture, covering(frame, image->picture.size(), slideScale));
-  SDL_SetTextureAlphaMod(texture, 255);
+  const Image* image = imageOf(slide);
+  if (image == nullptr || !image->shown) return;
+  SDL_SetTextureBlendMode(image->shown.get(), strength < 1 ? SDL_BLENDMODE_BLEND : SDL_BLENDMODE_NONE);
+  SDL_SetTextureAlphaMod(image->shown.get(), fadedAlpha(strength));
+  SDL_RenderCopy(frame.renderer, image->shown.get(), nullptr, nullptr);
 }
 
 /// The backdrop breathes and drifts, so that no picture of it stays on the screen.

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include <SDL.h>
@@ -23,6 +24,9 @@ namespace tavek {
 /// drifts. It fades in over whatever is on the screen, and any key only makes it fade out.
 class Screensaver final : public Layer {
  public:
+  /// The notes outlive all jobs.
+  explicit Screensaver(MediaNotes& notes) : notes_(notes) {}
+
   bool owns(FocusName focus) const override { return focus == FocusName::Screensaver; }
   Meaning key(const KeyPress&, const FocusFacts&, Uint64) override { return Handled(); }
   Meaning move(Direction, const FocusFacts&, Uint64) override { return Handled(); }
@@ -63,9 +67,21 @@ class Screensaver final : public Layer {
   struct Image {
     std::optional<std::size_t> slide;
     BackgroundImage picture;
+    TexturePtr shown;  ///< as it is on the screen, of the window's size
+    SDL_Point window{};
+
+    void drop();
+    void take(const FrameContext& frame);
+  };
+
+  struct Listing {
+    std::vector<Slide> slides;
+    std::vector<std::filesystem::path> foldersLeft;
   };
 
   void reset();
+  void list(std::vector<std::filesystem::path> folders);
+  void takeListing(Uint64 nowMs);
   void turnPages(const FrameContext& frame);
   void want(const FrameContext& frame, std::size_t slide);
   Image* imageOf(std::size_t slide);
@@ -77,17 +93,22 @@ class Screensaver final : public Layer {
   void drawMusic(const FrameContext& frame);
   bool moves(Uint64 nowMs) const;
 
+  MediaNotes& notes_;
   bool active_ = false;
   SaverFade fade_;
   Uint64 lastActivityAt_ = 0;
-  SDL_Keycode wakingKey_ = SDLK_UNKNOWN;  ///< it is still down
+  std::set<SDL_Keycode> keysDown_;  ///< that went down while it was shown
 
-  BackgroundJob<std::vector<Slide>> listing_;
+  Source source_;
+  BackgroundJob<Listing> listing_;
+  Uint64 listedAt_ = 0;
+  std::vector<std::filesystem::path> foldersLeft_;  ///< where to look when no slide of the list is any good
   std::vector<Slide> slides_;
   SlideClock clock_;
   std::array<Image, kept> images_;
   BackgroundJob<Caption> captionJob_;
   std::filesystem::path captionKey_;
+  std::optional<Uint64> captionShowing_;  ///< of the slide
   Caption caption_;
   BackgroundImage logo_;
   FrameSize lastSize_;

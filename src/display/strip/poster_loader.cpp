@@ -120,6 +120,11 @@ std::optional<PendingPoster> PosterLoader::takePending() {
   return first;
 }
 
+const std::deque<PendingPoster>& PosterLoader::pending() {
+  collect();
+  return backlog_.pendingPosters;
+}
+
 std::size_t PosterLoader::pendingCount() {
   collect();
   return backlog_.pendingPosters.size();

@@ -42,6 +42,8 @@ class PosterLoader {
 
   std::optional<PendingPoster> takePending();
   std::size_t pendingCount();
+  /// Stays valid until the next call.
+  const std::deque<PendingPoster>& pending();
   std::size_t posterTotal();
   /// Nothing more comes.
   bool finished() const { return !job_.running(); }

@@ -193,6 +193,14 @@ bool Posters::meetsGoal(const Poster& poster) {
   return true;
 }
 
+std::vector<PosterTitle> Posters::titles() {
+  std::vector<PosterTitle> titles;
+  for (const Poster& poster : page_.posters) titles.push_back({poster.key.raw, poster.path.string()});
+  for (const PendingPoster& pending : loader_.pending())
+    titles.push_back({pending.poster.key.raw, pending.poster.path});
+  return titles;
+}
+
 bool Posters::seriesRoom() const {
   return seriesRootOf(page_.folder).has_value();
 }

@@ -10,6 +10,7 @@
 
 #include "display/strip/poster_loader.h"
 #include "display/toolkit/sdl_handles.h"
+#include "library/fan_art.h"
 #include "library/match_key.h"
 #include "state/stored_users.h"
 
@@ -45,6 +46,8 @@ class Posters {
 
   const std::filesystem::path& openFolder() const { return page_.folder; }
   const std::vector<Poster>& list() const { return page_.posters; }
+  /// Of all posters that are loaded, also of those that no texture was made of yet.
+  std::vector<PosterTitle> titles();
   bool posterListComplete() const { return loader_.finished(); }
   /// The first screenful is in.
   bool postersReady() const { return page_.ready; }
