@@ -161,7 +161,7 @@ void WebServer::accept(const std::stop_token& stop) {
     if (socket < 0) continue;
     const int on = 1;
     ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    std::erase_if(connections_, [](const auto& connection) { return connection->ended; });
+    std::erase_if(connections_, [](const auto& connection) { return bool(connection->ended); });
     Connection& made = *connections_.emplace_back(std::make_unique<Connection>(socket));
     made.thread = std::jthread([this, &made, number](const std::stop_token& own) {
       serve(made.socket.get(), number, own);
