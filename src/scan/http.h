@@ -32,9 +32,9 @@ struct HttpLimits {
   std::chrono::milliseconds leastWait{1000}, longestWait{30000};
 };
 
-/// One family of web services. Credentials go to the origin (scheme, host and port) of `apiBase` and no other.
-/// A base that is plain http was given by a test: only its origin may be asked without https, or have an address
-/// that is not public.
+/// One family of web services. Credentials go to the origin (scheme, host and port) of `apiBase` and no
+/// other. A base that is plain http was given by a test: only its origin may be asked without https, or have
+/// an address that is not public.
 struct WebService {
   std::string_view tag;        ///< how its log lines begin: "[TMDB] "
   const bool* consoleEnabled;  ///< whether they are written
@@ -47,8 +47,9 @@ WebService tmdbService();
 WebService fanartService();
 WebService tvdbService();
 
-/// One scan's connection to one service, kept alive; of one thread. No failure is ever thrown: what comes back is
-/// empty or false, and there is a line in the log. Keys and whatever else stands in a query are in no line.
+/// One scan's connection to one service, kept alive; of one thread. No failure is ever thrown: what comes
+/// back is empty or false, and there is a line in the log. Keys and whatever else stands in a query are in no
+/// line.
 class HttpSession {
  public:
   /// `stop` ends a transfer or a wait within a tenth of a second.
@@ -61,9 +62,10 @@ class HttpSession {
   std::string httpGet(const ScanClient& client, const std::string& url);
   /// The JSON answer to a JSON text, asked once.
   std::string httpPost(const std::string& url, const std::string& json);
-  /// Makes this file, of at most 32 MiB; while it comes it is `.<name>.part`. What stands there is never replaced
-  /// and, if nothing does after a failure, nothing is left.
-  bool httpDownload(const ScanClient& client, const std::string& url, const std::filesystem::path& path, FileKind kind);
+  /// Makes this file, of at most 32 MiB; while it comes it is `.<name>.part`. What stands there is never
+  /// replaced and, if nothing does after a failure, nothing is left.
+  bool httpDownload(const ScanClient& client, const std::string& url, const std::filesystem::path& path,
+                    FileKind kind);
 
   /// The service refused the key, or three requests in a row did not get through: nothing more is asked.
   bool ended() const;
@@ -82,8 +84,8 @@ std::string urlEncode(std::string_view text);
 
 /// False if the folders or the file could not be made; see replaceFile.
 bool writeTextFile(const std::filesystem::path& path, std::string_view text);
-/// Clears the way for a file by removing an empty one. True if nothing stands there afterwards: what has bytes, a
-/// folder and a link are left.
+/// Clears the way for a file by removing an empty one. True if nothing stands there afterwards: what has
+/// bytes, a folder and a link are left.
 bool removeIfPresent(const std::filesystem::path& path);
 
 }  // namespace tavek

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-/// What the scans tell the screen: one status line, and the folders that have changed. There is one of it in the
-/// process; any thread may call, and nothing here waits for a disk or the net.
+/// What the scans tell the screen: one status line, and the folders that have changed. There is one of it in
+/// the process; any thread may call, and nothing here waits for a disk or the net.
 namespace tavek {
 
 void setScanStatus(std::string_view text);

@@ -76,7 +76,8 @@ WebRequest parseHead(std::string_view head) {
 }
 
 std::string headOf(const WebReply& reply) {
-  std::string head = "HTTP/1.1 " + std::to_string(reply.status) + " -\r\nContent-Type: " + reply.type + "\r\n";
+  std::string head =
+      "HTTP/1.1 " + std::to_string(reply.status) + " -\r\nContent-Type: " + reply.type + "\r\n";
   for (const auto& [name, value] : reply.headers) head.append(name).append(": ").append(value).append("\r\n");
   // Without a length the body ends with the connection: here never.
   if (!reply.endless) head += "Content-Length: " + std::to_string(reply.body.size()) + "\r\n";

@@ -19,24 +19,24 @@ namespace tavek::rig {
 /// What one connection sends for one request. All in bytes and seconds.
 struct WebReply {
   int status = 200;
-  std::string body;
+  std::string body = {};
   std::string type = "application/json";
   /// Further lines of the head: {"Retry-After", "1"}, {"Location", "/there"}.
-  std::map<std::string, std::string> headers;
+  std::map<std::string, std::string> headers = {};
   /// Before the first byte.
   double delay = 0;
   /// The head promises the whole body, and after so many bytes of it the connection is closed...
-  std::optional<std::size_t> cutAfter;
+  std::optional<std::size_t> cutAfter = {};
   /// ...or so: nothing comes any more, and the connection stays.
-  std::optional<std::size_t> stallAfter;
+  std::optional<std::size_t> stallAfter = {};
   /// The body again and again.
   bool endless = false;
   /// Sent as it is, instead of all the above but the delay; then the connection is closed.
-  std::string raw;
+  std::string raw = {};
 };
 
 struct WebRequest {
-  std::string method, target;  ///< "GET", "/3/search/movie?query=Heat"
+  std::string method, target;                  ///< "GET", "/3/search/movie?query=Heat"
   std::map<std::string, std::string> headers;  ///< names in lower case
   std::string body;
   double at = 0;               ///< seconds of `now()`
@@ -60,10 +60,12 @@ class WebServer {
 
   /// "http://127.0.0.1:40123"
   const std::string& base() const { return base_; }
-  /// From now on the reply to this path with its query, or, if none such is told, to this path with any query.
-  /// Of several replies each is given once, the last one for ever.
+  /// From now on the reply to this path with its query, or, if none such is told, to this path with any
+  /// query. Of several replies each is given once, the last one for ever.
   void reply(const std::string& target, WebReply reply) { reply_(target, {std::move(reply)}); }
-  void replies(const std::string& target, std::vector<WebReply> replies) { reply_(target, std::move(replies)); }
+  void replies(const std::string& target, std::vector<WebReply> replies) {
+    reply_(target, std::move(replies));
+  }
   /// The reply to all else; 404 with a JSON body before it is told. Called by the connections' threads.
   void otherwise(Answer answer);
   /// Forgets what it was told and asked.
