@@ -202,7 +202,7 @@ WebAnswer HttpSession::Work::ask(const Request& request, const WebAddress& addre
   if (request.client && !request.client->bearerToken.empty() && isApi(address))
     question.headers = {"Authorization: Bearer " + request.client->bearerToken, "Accept: application/json"};
   ++requests_;
-  const WebAnswer answer = connection_.ask(question);
+  WebAnswer answer = connection_.ask(question);
   nextStart_ = start + answer.sentAfter + service_.limits.pace;
   return answer;
 }

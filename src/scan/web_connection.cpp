@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <sys/socket.h>
+#include <tuple>
 #include <unistd.h>
 
 #include "scan/curl_handles.h"
@@ -15,7 +16,7 @@ constexpr std::size_t longestHead = 256U << 10;
 
 /// What libcurl's callbacks know of the exchange.
 struct Exchange {
-  CURL* handle;
+  CURL* handle = nullptr;
   const WebQuestion& question;
   std::size_t headBytes = 0;
   std::size_t bodyBytes = 0;
@@ -94,7 +95,7 @@ CurlList listOf(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) {
     curl_slist* longer = curl_slist_append(list.get(), line.c_str());
     if (!longer) break;
-    list.release();
+    std::ignore = list.release();
     list.reset(longer);
   }
   return list;

@@ -298,13 +298,15 @@ TEST_F(Http, AStopEndsWhateverWaits) {
     stop_ = false;
     HttpSession session(service(patient), stop_);
     double stopped = 0;
-    const std::jthread stopper([&] {
+    std::jthread stopper([&] {
       rig::let(0.1);
       stopped = rig::now();
       stop_ = true;
     });
     EXPECT_FALSE(session.httpDownload(client_, api_.base() + path, goal(), FileKind::Jpeg));
-    EXPECT_LT(rig::now() - stopped, 0.2) << path;
+    const double returned = rig::now();
+    stopper.join();
+    EXPECT_LT(returned - stopped, 0.2) << path;
     EXPECT_EQ(session.requests(), 1U) << path;
     EXPECT_FALSE(session.ended()) << path;
     EXPECT_EQ(standing(), "") << path;
