@@ -192,9 +192,9 @@ WebAnswer HttpSession::Work::askPolitely(const Request& request, const WebAddres
 
 WebAnswer HttpSession::Work::ask(const Request& request, const WebAddress& address, Time deadline) {
   if (!waitUntil(nextStart_)) return {.fault = WebFault::Stopped};
-  nextStart_ = now() + service_.limits.pace;
+  const Time start = now();
   WebQuestion question{.url = address.url, .posted = request.posted, .longestBody = request.longestBody};
-  question.whole = std::max(1ms, std::chrono::duration_cast<std::chrono::milliseconds>(deadline - now()));
+  question.whole = std::max(1ms, std::chrono::duration_cast<std::chrono::milliseconds>(deadline - start));
   question.connect = service_.limits.connect;
   question.publicOnly = !isOwn(address);
   question.take = request.take;
@@ -202,7 +202,9 @@ WebAnswer HttpSession::Work::ask(const Request& request, const WebAddress& addre
   if (request.client && !request.client->bearerToken.empty() && isApi(address))
     question.headers = {"Authorization: Bearer " + request.client->bearerToken, "Accept: application/json"};
   ++requests_;
-  return connection_.ask(question);
+  WebAnswer answer = connection_.ask(question);
+  nextStart_ = start + answer.sentAfter + service_.limits.pace;
+  return answer;
 }
 
 HttpSession::HttpSession(WebService service, const Flag& stop)

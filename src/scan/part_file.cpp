@@ -1,6 +1,6 @@
 #include "scan/part_file.h"
 
-#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -11,6 +11,7 @@ namespace tavek {
 namespace {
 
 constexpr std::size_t headSize = 16;
+constexpr std::array broughtNames = {"poster.jpg", "fanart.jpg", "clearlogo.png", "theme.mp3"};
 
 bool isJpeg(std::string_view head) {
   return head.starts_with("\xff\xd8\xff");
@@ -30,6 +31,10 @@ bool isMp3(std::string_view head) {
 
 std::filesystem::path partOf(const std::filesystem::path& goal) {
   return goal.parent_path() / ("." + goal.filename().string() + ".part");
+}
+
+void removeLeftParts(const std::filesystem::path& folder) {
+  for (const char* name : broughtNames) ::unlink(partOf(folder / name).c_str());
 }
 
 PartFile::PartFile(std::filesystem::path goal) : goal_(std::move(goal)), part_(partOf(goal_)) {

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <sys/socket.h>
+#include <tuple>
 #include <unistd.h>
 
 #include "scan/curl_handles.h"
@@ -15,7 +16,7 @@ constexpr std::size_t longestHead = 256U << 10;
 
 /// What libcurl's callbacks know of the exchange.
 struct Exchange {
-  CURL* handle;
+  CURL* handle = nullptr;
   const WebQuestion& question;
   std::size_t headBytes = 0;
   std::size_t bodyBytes = 0;
@@ -94,7 +95,7 @@ CurlList listOf(const std::vector<std::string>& lines) {
   for (const std::string& line : lines) {
     curl_slist* longer = curl_slist_append(list.get(), line.c_str());
     if (!longer) break;
-    list.release();
+    std::ignore = list.release();
     list.reset(longer);
   }
   return list;
@@ -128,7 +129,7 @@ const char* errorOf(WebFault fault, CURLcode code) {
   return curl_easy_strerror(code);
 }
 
-void readHead(CURL* handle, WebAnswer& answer) {
+void readFacts(CURL* handle, WebAnswer& answer) {
   answer.status = statusOf(handle);
   const char* redirect = nullptr;
   if (curl_easy_getinfo(handle, CURLINFO_REDIRECT_URL, &redirect) == CURLE_OK && redirect)
@@ -136,6 +137,9 @@ void readHead(CURL* handle, WebAnswer& answer) {
   curl_off_t seconds = 0;
   if (curl_easy_getinfo(handle, CURLINFO_RETRY_AFTER, &seconds) == CURLE_OK)
     answer.retryAfter = std::chrono::seconds(seconds);
+  curl_off_t sentAfter = 0;
+  if (curl_easy_getinfo(handle, CURLINFO_PRETRANSFER_TIME_T, &sentAfter) == CURLE_OK)
+    answer.sentAfter = std::chrono::microseconds(sentAfter);
 }
 
 }  // namespace
@@ -172,7 +176,7 @@ WebAnswer WebConnection::ask(const WebQuestion& question) {
   const std::optional<CURLcode> code = carryOut(handles_->multi.get(), stop_);
   answer.fault = code ? faultOf(*code, exchange) : WebFault::Stopped;
   answer.error = code ? errorOf(answer.fault, *code) : "stopped";
-  readHead(handle, answer);
+  readFacts(handle, answer);
   curl_multi_remove_handle(handles_->multi.get(), handle);
   return answer;
 }

@@ -37,10 +37,11 @@ enum class WebFault {
 
 struct WebAnswer {
   WebFault fault = WebFault::Transport;
-  long status = 0;                     ///< 0 if none came
-  std::string redirect = {};           ///< the absolute URL of where it leads; empty if it does not
-  std::chrono::seconds retryAfter{0};  ///< 0 if it does not say
-  const char* error = "";              ///< of a fault
+  long status = 0;                         ///< 0 if none came
+  std::string redirect = {};               ///< the absolute URL of where it leads; empty if it does not
+  std::chrono::seconds retryAfter{0};      ///< 0 if it does not say
+  std::chrono::microseconds sentAfter{0};  ///< from the call to the request, which a new connection delays
+  const char* error = "";                  ///< of a fault
 };
 
 /// libcurl is there; it is made so at the first call, of any thread.

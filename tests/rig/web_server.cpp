@@ -200,7 +200,7 @@ WebReply WebServer::replyTo(const WebRequest& request) {
     for (const std::string& target : {request.target, request.path()}) {
       const auto found = script->replies.find(target);
       if (found == script->replies.end() || found->second.empty()) continue;
-      const WebReply next = found->second.front();
+      WebReply next = found->second.front();
       if (found->second.size() > 1) found->second.erase(found->second.begin());
       return next;
     }
