@@ -7,6 +7,7 @@
 #include <iostream>
 #include <optional>
 #include <thread>
+#include <utility>
 
 #include "base/file_write.h"
 #include "base/paths.h"
@@ -94,7 +95,8 @@ class HttpSession::Work {
   std::optional<WebAddress> api_, files_;
   Time nextStart_{};
   std::size_t requests_ = 0;
-  int failures_ = 0;  // requests in a row that did not get through
+  int failures_ = 0;     // requests in a row that did not get through
+  bool mayWait_ = true;  // once for each call
   bool ended_ = false;
   bool netGone_ = false;
 };
@@ -109,6 +111,7 @@ bool HttpSession::Work::waitUntil(Time time) const {
 }
 
 bool HttpSession::Work::carryOut(const Request& request) {
+  mayWait_ = true;
   for (int left = request.posted ? 1 : service_.limits.attempts; left > 0; --left) {
     if (ended_ || stop_ || !request.begin()) return false;
     const Ending ending = attempt(request);
@@ -180,7 +183,8 @@ std::optional<WebAddress> HttpSession::Work::next(const Request& request, const 
 /// A busy service says when to come again; its wait does not count as time of the request.
 WebAnswer HttpSession::Work::askPolitely(const Request& request, const WebAddress& address, Time& deadline) {
   WebAnswer answer = ask(request, address, deadline);
-  if (answer.fault != WebFault::None || (answer.status != 429 && answer.status != 503)) return answer;
+  const bool busy = answer.fault == WebFault::None && (answer.status == 429 || answer.status == 503);
+  if (!busy || !std::exchange(mayWait_, false)) return answer;
   const HttpLimits& limits = service_.limits;
   const auto wanted = std::chrono::duration_cast<std::chrono::milliseconds>(
       std::min<std::chrono::seconds>(answer.retryAfter, 24h));
