@@ -208,19 +208,25 @@ std::optional<EpisodeRef> findEpisodeMark(std::string_view stem) {
 
 std::size_t episodeMarkCount(std::string_view stem) {
   const std::string lower = toLower(stem);
-  auto mark = findMark(lower);
-  std::size_t count = 0;
-  while (mark) {
-    ++count;
+  // What was not found once is not behind that either.
+  bool tags = true;
+  bool crosses = true;
+  const auto findNext = [&](const EpisodeRef& mark) {
+    auto next = tags ? findTag(lower, mark.end) : std::nullopt;
+    tags = next.has_value();
+    if (!next && crosses) crosses = (next = findCross(lower, mark.end)).has_value();
+    return next;
+  };
+  const auto first = findMark(lower);
+  if (!first) return 0;
+  // Tags go before crosses, so there may be one of these before it.
+  const auto earlier = findCross(std::string_view(lower).substr(0, first->start), 0);
+  std::size_t count = earlier && earlier->episode != first->episode ? 1 : 0;
+  for (auto mark = first; mark; ++count) {
     auto next = findContinuation(lower, *mark);
-    if (!next) next = findTag(lower, mark->end);
-    if (!next) next = findCross(lower, mark->end);
+    if (!next) next = findNext(*mark);
     // "S01E07 - Episode 07" tells of one.
-    while (next && next->episode == mark->episode) {
-      mark = next;
-      next = findTag(lower, mark->end);
-      if (!next) next = findCross(lower, mark->end);
-    }
+    while (next && next->episode == mark->episode) next = findNext(*next);
     mark = next;
   }
   return count;

@@ -94,8 +94,8 @@ std::string_view shortened(std::string_view text, std::size_t maxBytes) {
     return (static_cast<unsigned char>(text[at]) & 0xC0) == 0x80;
   };
   // Bytes that are no UTF-8 may all look like that.
-  constexpr std::size_t longestCharacter = 4;
-  while (end > 0 && end + longestCharacter > maxBytes && continues(end)) --end;
+  constexpr std::size_t mostContinued = 3;
+  while (end > 0 && end + mostContinued > maxBytes && continues(end)) --end;
   return text.substr(0, end);
 }
 
@@ -134,13 +134,13 @@ std::vector<ParsedName> searchNames(std::string_view stem) {
       names.push_back(std::move(name));
   };
   const std::string text = spaced(stem);
-  const std::size_t first = firstYear(text);
   add(parseTitleAndYear(stem));
-  if (const std::size_t last = lastLoneYear(text); last != npos) {
-    add({titleBefore(text, last), yearAt(text, last)});
-  }
+  const std::size_t first = firstYear(text);
+  const std::size_t last = lastLoneYear(text);
+  if (last != npos) add({titleBefore(text, last), yearAt(text, last)});
   // A number that begins the name may be the title, or its first word, with no year behind it.
-  if (first == npos || titleBefore(text, first).empty()) add({stripReleaseTags(text), {}});
+  const bool onlyAtStart = (last == npos || last == first) && titleBefore(text, first).empty();
+  if (first == npos || onlyAtStart) add({stripReleaseTags(text), {}});
   return names;
 }
 
