@@ -265,9 +265,11 @@ std::string episodeTag(std::int32_t season, std::int32_t episode) {
   return "S" + twoDigits(season) + "E" + twoDigits(episode);
 }
 
-std::optional<std::string> episodeStem(std::string_view stem, std::string_view seasonFolder,
-                                       std::string_view seriesTitle,
-                                       std::optional<std::string_view> tableTitle) {
+namespace {
+
+std::optional<std::string> stemOnce(std::string_view stem, std::string_view seasonFolder,
+                                    std::string_view seriesTitle,
+                                    std::optional<std::string_view> tableTitle) {
   const auto season = seasonNumberOf(seasonFolder);
   const auto mark = findEpisodeMark(stem);
   if (!season || !mark || episodeMarkCount(stem) != 1) return {};
@@ -280,6 +282,23 @@ std::optional<std::string> episodeStem(std::string_view stem, std::string_view s
   if (!fromTable && !given) title = stripReleaseTags(title);
   if (title.empty()) title = "Episode " + twoDigits(mark->episode);
   return start + fileTitle(title, longestMediaName - start.size());
+}
+
+}  // namespace
+
+std::optional<std::string> episodeStem(std::string_view stem, std::string_view seasonFolder,
+                                       std::string_view seriesTitle,
+                                       std::optional<std::string_view> tableTitle) {
+  auto wanted = stemOnce(stem, seasonFolder, seriesTitle, tableTitle);
+  if (tableTitle && !tableTitle->empty()) return wanted;
+  // The next scan must leave the name as it is, though what was cut may bring another tag to light.
+  constexpr int mostPasses = 5;
+  for (int pass = 0; wanted && pass < mostPasses; ++pass) {
+    auto again = stemOnce(*wanted, seasonFolder, seriesTitle, {});
+    if (!again || again == wanted) return wanted;
+    wanted = std::move(again);
+  }
+  return {};
 }
 
 }  // namespace tavek

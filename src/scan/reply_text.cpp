@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <ranges>
 
 #include "base/text.h"
 
@@ -33,7 +32,7 @@ std::size_t insideList(const std::string& body, std::string_view key) {
 }
 
 const std::string* valueOf(const std::vector<JsonMember>& members, std::string_view key) {
-  const auto last = std::ranges::find(members | std::views::reverse, key, &JsonMember::key);
+  const auto last = std::ranges::find(members.rbegin(), members.rend(), key, &JsonMember::key);
   return last != members.rend() ? &last->value : nullptr;
 }
 

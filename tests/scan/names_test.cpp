@@ -159,6 +159,7 @@ TEST(EpisodeStems, AreMadeOfNumberAndTitle) {
       {"S01E02.Title.h.264", "Season 1", {}, "S01E02 - Title"},
       {"S01E02.Title.H 265-x", "Season 1", {}, "S01E02 - Title"},
       {"S01E02.Title.(HDR10+).x", "Season 1", {}, "S01E02 - Title"},
+      {"S01E02 Title*h264", "Season 1", {}, "S01E02 - Title"},
       {"S01E02 WEB", "Season 1", "", "S01E02 - Episode 02"},
       {"S01E02 Пилот", "Season 1", {}, "S01E02 - Пилот"},
       {"S01E02", "Season 1", "My Show", "S01E02 - Episode 02"},
