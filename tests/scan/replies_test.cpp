@@ -1,5 +1,7 @@
 #include "scan/replies.h"
 
+#include <chrono>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -168,6 +170,24 @@ TEST(Tokens, MayStandInAHeader) {
   for (const char* bad : {"", R"({"token":""})", R"({"token":"a\r\nb"})", R"({"token":"a)"}) {
     EXPECT_EQ(readToken(bad), std::nullopt) << bad;
   }
+}
+
+TEST(Replies, TakeTimeInProportionToTheirLength) {
+  const auto start = std::chrono::steady_clock::now();
+  for (const std::string part : {"{", "[", "\"results\":[{", "{\"id\":1},", "\"data\" ", "tvdb", "<id> 12",
+                                 "{\"a\":", "\"links\":{", "\\\"", "\"name\":\"a\","}) {
+    for (const char* before : {"", "{\"results\":[", "{\"data\":[", "{\"x\":\""}) {
+      std::string body = before;
+      while (body.size() < 4'000'000) body += part;
+      readCandidates(body, SearchKind::Film);
+      readEpisodePage(body, 0);
+      pickSeasonArt(body, "data", ".jpg", 1);
+      readIds(body);
+      readTvdbId(body);
+      findJsonString(body, "name");
+    }
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(120));
 }
 
 }  // namespace
