@@ -49,15 +49,19 @@ class RenameLog {
   bool markSettled(std::int64_t time);
   /// The renames of this time up to here are taken back.
   bool markUndone(std::int64_t time);
-  /// Keeps others from appending for as long as the descriptor lives. None if somebody else does so.
-  std::optional<Descriptor> lock();
+  /// Keeps others from appending for as long as this lives. False if there is no log, or somebody else has
+  /// it.
+  bool hold();
   /// A film was moved out of this folder, so what lies in it was left there on purpose.
   bool wasLeft(const std::filesystem::path& folder);
+  void noteLeft(const std::filesystem::path& folder);
 
  private:
-  bool write(const std::string& lines, bool wait);
+  bool write(const std::string& lines);
+  std::set<std::string>& left();
 
   const std::filesystem::path room_;
+  Descriptor held_;
   std::optional<std::set<std::string>> left_;  ///< read when it is first asked for
 };
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <filesystem>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -26,7 +24,7 @@ bool areParts(std::string_view a, std::string_view b);
 /// subtitle, a note, or a picture. Empty if it is none of these.
 std::string_view companionEnding(std::string_view name, std::string_view stem);
 
-/// A folder's name and a stem tell one title, whatever their years and case.
-bool haveOneTitle(std::string_view folderName, std::string_view stem);
+/// Two stems tell one title, whatever their years, their case, and what follows the year.
+bool haveOneTitle(std::string_view a, std::string_view b);
 
 }  // namespace tavek
