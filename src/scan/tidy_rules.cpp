@@ -48,6 +48,7 @@ constexpr std::array subtitleExtensions{".ass"sv,  ".idx"sv,  ".lrc"sv, ".mpl2"s
                                         ".sup"sv,  ".ttml"sv, ".txt"sv, ".vtt"sv};
 constexpr std::array pictureExtensions{".bmp"sv, ".gif"sv, ".jpeg"sv, ".jpg"sv,
                                        ".png"sv, ".tbn"sv, ".webp"sv};
+constexpr std::array soundExtensions{".ac3"sv, ".dts"sv, ".eac3"sv, ".mka"sv, ".mks"sv, ".thd"sv};
 constexpr auto noteExtension = ".nfo"sv;
 
 constexpr std::array subtitleWords{"cc"sv,       "commentary"sv, "default"sv,   "forced"sv,  "foreign"sv,
@@ -167,6 +168,14 @@ bool isBonus(std::string_view stem) {
   return separator != std::string_view::npos && isAmong(bonusWords, toLower(stem.substr(separator + 1)));
 }
 
+bool isSoundTrack(const std::filesystem::path& name) {
+  return isAmong(soundExtensions, lowerExtension(name));
+}
+
+bool mayBeKin(std::string_view name, std::string_view stem) {
+  return !name.empty() && !stem.empty() && toLower(name.substr(0, 1)) == toLower(stem.substr(0, 1));
+}
+
 bool areParts(std::string_view a, std::string_view b) {
   const Part first = partOf(a);
   const Part second = partOf(b);
@@ -181,7 +190,8 @@ std::string_view companionEnding(std::string_view name, std::string_view stem) {
   const std::string extension = toLower(ending.substr(dot));
   const std::string_view middle = ending.substr(0, dot);
   const bool belongs = (extension == noteExtension && middle.empty()) ||
-                       (isAmong(subtitleExtensions, extension) && isOfWords(middle, ".-_", isSubtitleWord)) ||
+                       ((isAmong(subtitleExtensions, extension) || isAmong(soundExtensions, extension)) &&
+                        isOfWords(middle, ".-_", isSubtitleWord)) ||
                        (isAmong(pictureExtensions, extension) && isOfWords(middle, ".-", isPictureWord));
   return belongs ? ending : std::string_view();
 }
