@@ -97,10 +97,10 @@ bool isChosen(const FolderContent& content, const fs::path& video, bool onlyName
   const std::string own = video.filename().string();
   const std::string stem = video.stem().string();
   return std::ranges::none_of(content.files, [&](const std::string& file) {
-    if (file == own || (onlyNamesakes && !mayBeKin(file, stem)) || !isFilmName(file)) return false;
-    const std::string other = stemOf(file);
-    if (areParts(stem, other)) return true;
-    return (!onlyNamesakes || other == stem) && goesBefore(video.parent_path() / file, video);
+    const std::string_view other = std::string_view(file).substr(0, file.rfind('.'));
+    const bool part = areParts(stem, other);
+    if (file == own || !(part || !onlyNamesakes || other == stem) || !isFilmName(file)) return false;
+    return part || goesBefore(video.parent_path() / file, video);
   });
 }
 

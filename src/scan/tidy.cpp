@@ -22,16 +22,20 @@ constexpr std::array filmRooms{"kids"sv, "movie"sv, "movies"sv};
 constexpr std::array seriesRooms{"series"sv, "tv"sv};
 constexpr std::size_t longestFileName = 255;
 
+/// Without a slash at its end, so that it is equal to the folder of what lies in it.
+fs::path plainRoom(const fs::path& room) {
+  return room.has_filename() ? room : room.parent_path();
+}
+
 template <typename Rooms>
 bool isNamedAmong(const Rooms& rooms, const fs::path& room) {
-  const fs::path name = room.has_filename() ? room.filename() : room.parent_path().filename();
-  return std::ranges::find(rooms, toLower(name.string())) != rooms.end();
+  return std::ranges::find(rooms, toLower(plainRoom(room).filename().string())) != rooms.end();
 }
 
 /// One video and the name that it is to get.
 struct Wish {
   const TidyContext& context;
-  const fs::path& room;
+  fs::path room;
   const fs::path& video;
   const std::string& stem;
   std::string nameWith(const std::string& ending) const { return stem + ending; }
@@ -65,12 +69,6 @@ bool mayBeFilm(const Wish& wish) {
   };
   return std::ranges::none_of(folders, isOther) && !isExtrasFolder(wish.stem) &&
          !parseSeasonEpisode(wish.video.stem().string());
-}
-
-/// A film there would be hard to tell from this one.
-bool holdsFilm(const fs::path& folder) {
-  return std::ranges::any_of(contentOf(folder).files,
-                             [](const std::string& file) { return isFilmName(file); });
 }
 
 bool isNameTaken(const Wish& wish, const FolderContent& there, const fs::path& folder) {
@@ -122,15 +120,13 @@ fs::path renameOwnFolder(const Wish& wish, const FolderContent& content) {
 fs::path moveOut(const Wish& wish, const FolderContent& content) {
   const fs::path goal = wish.room / wish.stem;
   const FolderContent there = contentOf(goal);
-  if (holdsFilm(goal) || isNameTaken(wish, there, goal)) return wish.video;
-  std::error_code error;
-  if (isTaken(goal) && !isReallyInside(wish.room, goal)) return wish.video;
-  fs::create_directory(goal, error);
-  if (error) {
-    wish.tell("failed to create directory " + goal.string());
+  if (isNameTaken(wish, there, goal)) return wish.video;
+  // Another film there would be hard to tell from this one.
+  if (std::ranges::any_of(there.files, [](const std::string& file) { return isFilmName(file); }))
     return wish.video;
-  }
+  if (isTaken(goal) && !isReallyInside(wish.room, goal)) return wish.video;
   TidyMoves moves(wish.context, wish.room);
+  moves.makeFirst(goal);
   addFiles(wish, content, goal, moves);
   const bool moved = moves.run();
   if (moved && wish.folder() != wish.room) logOf(wish.context, wish.room).noteLeft(wish.folder());
@@ -216,14 +212,14 @@ void settleRenames(const TidyContext& context, const fs::path& room) {
 
 fs::path tidyFilm(const TidyContext& context, const fs::path& room, const fs::path& video,
                   const std::string& wantedStem) {
-  const Wish wish{context, room, video, wantedStem};
-  if (video == room / wantedStem / wish.name() || !mayBeRenamed(wish) || !mayBeFilm(wish)) return video;
+  const Wish wish{context, plainRoom(room), video, wantedStem};
+  if (video == wish.room / wantedStem / wish.name() || !mayBeRenamed(wish) || !mayBeFilm(wish)) return video;
   return tidy(wish);
 }
 
 fs::path renameEpisodeTo(const TidyContext& context, const fs::path& room, const fs::path& video,
                          const std::string& wantedStem) {
-  const Wish wish{context, room, video, wantedStem};
+  const Wish wish{context, plainRoom(room), video, wantedStem};
   if (video.stem() == wantedStem || !mayBeRenamed(wish)) return video;
   const FolderContent content = contentOf(wish.folder());
   if (!isChosen(content, video, true)) return video;

@@ -1,10 +1,12 @@
 #include "scan/tidy_moves.h"
 
 #include <ranges>
+#include <system_error>
 #include <unistd.h>
 
 #include "base/file_write.h"
 #include "library/file_types.h"
+#include "scan/film_folder.h"
 
 namespace tavek {
 namespace {
@@ -52,7 +54,7 @@ bool TidyMoves::run() {
     tell("failed to write " + (room_ / renameLogName).string());
     return false;
   }
-  if (!moveFiles()) return false;
+  if (!makeFolder() || !moveFiles()) return false;
   for (const auto& [old, now] : folders_) {
     folderMoved_ = renameNoReplace(old, now);
     if (folderMoved_)
@@ -61,6 +63,14 @@ bool TidyMoves::run() {
       tell("failed to rename " + old.string() + " -> " + now.string());
   }
   return true;
+}
+
+bool TidyMoves::makeFolder() const {
+  if (made_.empty() || isTaken(made_)) return true;
+  std::error_code error;
+  if (fs::create_directory(made_, error)) return true;
+  tell("failed to create directory " + made_.string());
+  return false;
 }
 
 bool TidyMoves::moveFiles() {

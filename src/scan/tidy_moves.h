@@ -19,6 +19,9 @@ class TidyMoves {
   /// A folder with all that lies in it. Nothing may be added behind it.
   void addFolder(const std::filesystem::path& old, const std::filesystem::path& now);
 
+  /// Is made before the files are moved, if it is not there.
+  void makeFirst(const std::filesystem::path& folder) { made_ = folder; }
+
   /// False, with everything where it was, if the log does not take them or the last of the files cannot be
   /// moved. Others that cannot be moved stay. A folder that cannot be moved leaves the files renamed in it.
   bool run();
@@ -30,12 +33,14 @@ class TidyMoves {
     std::filesystem::path now;
   };
   LoggedRename logged(const Move& move, bool back = false) const;
+  bool makeFolder() const;
   bool moveFiles();
   void moveBack(const std::vector<Move>& done);
   void tell(const std::string& line) const;
 
   const TidyContext& context_;
   const std::filesystem::path& room_;
+  std::filesystem::path made_;
   std::vector<Move> files_;
   std::vector<Move> folders_;
   bool folderMoved_ = false;

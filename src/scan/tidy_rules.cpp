@@ -37,10 +37,12 @@ constexpr std::array extrasFolders{"behind the scenes"sv,
                                    "trailer"sv,
                                    "trailers"sv};
 constexpr std::array discFolders{"audio_ts"sv, "bdmv"sv, "certificate"sv, "hvdvd_ts"sv, "video_ts"sv};
-/// Behind a "-", a "." or a "_".
-constexpr std::array bonusWords{
-    "behindthescenes"sv, "bonus"sv,     "clip"sv,  "deleted"sv, "deletedscene"sv, "extra"sv, "extras"sv,
-    "featurette"sv,      "interview"sv, "other"sv, "sample"sv,  "scene"sv,        "short"sv, "trailer"sv};
+/// Behind a "-", since films end in such words, too.
+constexpr std::array bonusWords{"behindthescenes"sv, "bonus"sv, "clip"sv,   "deleted"sv,
+                                "deletedscene"sv,    "extra"sv, "extras"sv, "featurette"sv,
+                                "interview"sv,       "other"sv, "scene"sv,  "short"sv};
+/// Behind any separator.
+constexpr std::array surelyBonusWords{"sample"sv, "trailer"sv};
 constexpr std::array partWords{"cd"sv, "disc"sv, "disk"sv, "dvd"sv, "part"sv, "pt"sv};
 
 constexpr std::array subtitleExtensions{".ass"sv,  ".idx"sv,  ".lrc"sv, ".mpl2"sv, ".pjs"sv,
@@ -164,19 +166,20 @@ bool isDiscFolder(std::string_view name) {
 
 bool isBonus(std::string_view stem) {
   if (isExtra(stem)) return true;
-  const std::size_t separator = stem.find_last_of("-._");
-  return separator != std::string_view::npos && isAmong(bonusWords, toLower(stem.substr(separator + 1)));
+  const std::size_t separator = stem.find_last_of("-._ ");
+  if (separator == std::string_view::npos) return false;
+  const std::string last = toLower(stem.substr(separator + 1));
+  return isAmong(surelyBonusWords, last) || (stem[separator] == '-' && isAmong(bonusWords, last));
 }
 
 bool isSoundTrack(const std::filesystem::path& name) {
   return isAmong(soundExtensions, lowerExtension(name));
 }
 
-bool mayBeKin(std::string_view name, std::string_view stem) {
-  return !name.empty() && !stem.empty() && toLower(name.substr(0, 1)) == toLower(stem.substr(0, 1));
-}
-
 bool areParts(std::string_view a, std::string_view b) {
+  // Most names differ early, and a room may hold thousands.
+  const auto [inA, inB] = std::ranges::mismatch(a, b);
+  if ((inA == a.end() || !isAsciiDigit(*inA)) && (inB == b.end() || !isAsciiDigit(*inB))) return false;
   const Part first = partOf(a);
   const Part second = partOf(b);
   return first.found && second.found && first.rest == second.rest && a != b;

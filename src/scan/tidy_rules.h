@@ -22,9 +22,6 @@ bool isDiscFolder(std::string_view name);
 /// One stem is another part of the film that the other one is of: "Film CD1" and "Film CD2".
 bool areParts(std::string_view a, std::string_view b);
 
-/// A test at little cost that a file with the stem, or a part of the same film, never fails.
-bool mayBeKin(std::string_view name, std::string_view stem);
-
 /// What of a file's name follows the stem of the video that it belongs to, ".en.srt" or "-thumb.jpg": a
 /// subtitle, a note, or a picture. Empty if it is none of these.
 std::string_view companionEnding(std::string_view name, std::string_view stem);

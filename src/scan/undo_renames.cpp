@@ -31,7 +31,6 @@ class Undo {
       ++report_.undone;
       report_.lines.push_back(rename.now + " -> " + rename.old);
     }
-    removeEmpty(room_, now.parent_path());
   }
   /// Something stood in the way that may be gone the next time.
   bool failed() const { return failed_; }
@@ -63,6 +62,7 @@ class Undo {
   }
 
   void follow(const fs::path& now, const fs::path& old) {
+    removeEmpty(room_, now.parent_path());
     std::error_code ignored;
     if (fs::is_directory(old, ignored))
       stored_.users.renameFolder(now, old);
