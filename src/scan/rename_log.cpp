@@ -144,10 +144,12 @@ RenameHistory readRenames(const fs::path& room) {
 bool RenameLog::append(const std::vector<LoggedRename>& renames) {
   std::string lines;
   for (const LoggedRename& rename : renames) lines += lineOf(rename);
+  for (const LoggedRename& rename : renames) known().vacated.insert(rename.old);
   return write(lines);
 }
 
 bool RenameLog::markSettled(std::int64_t time) {
+  known_.reset();
   return write(markOf(settledKey, time));
 }
 
@@ -175,23 +177,33 @@ bool RenameLog::write(const std::string& lines) {
   return false;
 }
 
-std::set<std::string>& RenameLog::left() {
-  if (left_) return *left_;
-  left_.emplace();
-  for (const LoggedRename& rename : readRenames(room_).renames) {
+RenameLog::Known& RenameLog::known() {
+  if (known_) return *known_;
+  known_.emplace();
+  const RenameHistory history = readRenames(room_);
+  for (std::size_t i = 0; i < history.renames.size(); ++i) {
+    const LoggedRename& rename = history.renames[i];
     const fs::path from = fs::path(rename.old).parent_path();
     const bool movedOut = from != fs::path(rename.now).parent_path() && isVideoFile(rename.now);
-    if (movedOut && !isThere(room_ / rename.old)) left_->insert((room_ / from).string());
+    if (movedOut && !isThere(room_ / rename.old)) known_->left.insert((room_ / from).string());
+    if (i >= history.settled) known_->vacated.insert(rename.old);
   }
-  return *left_;
+  return *known_;
 }
 
 bool RenameLog::wasLeft(const fs::path& folder) {
-  return left().contains(folder.string());
+  return known().left.contains(folder.string());
 }
 
 void RenameLog::noteLeft(const fs::path& folder) {
-  left().insert(folder.string());
+  known().left.insert(folder.string());
+}
+
+bool RenameLog::wasVacated(const fs::path& path) {
+  for (fs::path at = path.lexically_relative(room_); !at.empty(); at = at.parent_path()) {
+    if (known().vacated.contains(at.string())) return true;
+  }
+  return false;
 }
 
 }  // namespace tavek

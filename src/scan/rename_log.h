@@ -55,14 +55,21 @@ class RenameLog {
   /// A film was moved out of this folder, so what lies in it was left there on purpose.
   bool wasLeft(const std::filesystem::path& folder);
   void noteLeft(const std::filesystem::path& folder);
+  /// A rename that is not settled yet has made this name free, or one on the way to it. Taken by another file
+  /// now, nobody could tell after a crash which of the two is meant.
+  bool wasVacated(const std::filesystem::path& path);
 
  private:
+  struct Known {
+    std::set<std::string> left;
+    std::set<std::string> vacated;
+  };
   bool write(const std::string& lines);
-  std::set<std::string>& left();
+  Known& known();
 
   const std::filesystem::path room_;
   Descriptor held_;
-  std::optional<std::set<std::string>> left_;  ///< read when it is first asked for
+  std::optional<Known> known_;  ///< read when it is first asked for
 };
 
 }  // namespace tavek

@@ -76,7 +76,8 @@ bool isNameTaken(const Wish& wish, const FolderContent& there, const fs::path& f
     const fs::path name = file;
     return folder / name != wish.video && name.stem() == wish.stem && isFilmName(name);
   });
-  const bool taken = hasNamesake || isTaken(folder / wish.name());
+  const bool taken = hasNamesake || isTaken(folder / wish.name()) ||
+                     logOf(wish.context, wish.room).wasVacated(folder / wish.name());
   if (taken) wish.tell("skip rename (target exists): " + (folder / wish.name()).string());
   return taken;
 }
