@@ -157,13 +157,15 @@ fs::path tidy(const Wish& wish) {
 /// Where a renamed media file is after the renames of its folders that followed.
 class Afterwards {
  public:
-  explicit Afterwards(const RenameHistory& history) {
+  Afterwards(const fs::path& room, const RenameHistory& history) : room_(room) {
     for (std::size_t i = history.settled; i < history.renames.size(); ++i) {
       if (!isVideoFile(history.renames[i].now))
         folders_[history.renames[i].old] = {i, history.renames[i].now};
     }
   }
   fs::path of(const fs::path& path, std::size_t index) const {
+    // The crash may have come before the folder's turn.
+    if (isTaken(room_ / path)) return path;
     for (fs::path folder = path.parent_path(); !folder.empty(); folder = folder.parent_path()) {
       const auto renamed = folders_.find(folder.string());
       if (renamed != folders_.end() && renamed->second.index > index)
@@ -177,6 +179,7 @@ class Afterwards {
     std::size_t index;
     fs::path now;
   };
+  const fs::path& room_;
   std::map<std::string, Renamed> folders_;
 };
 
@@ -193,7 +196,7 @@ bool isTidiedSeriesRoom(const fs::path& room) {
 void settleRenames(const TidyContext& context, const fs::path& room) {
   const RenameHistory history = readRenames(room);
   if (history.settled == history.renames.size()) return;
-  const Afterwards afterwards(history);
+  const Afterwards afterwards(room, history);
   {
     const auto still = context.stored.playback.pauseWrites();
     for (std::size_t i = history.settled; i < history.renames.size(); ++i) {
