@@ -104,7 +104,7 @@ fs::path renameInFolder(const Wish& wish, const FolderContent& content) {
 fs::path renameOwnFolder(const Wish& wish, const FolderContent& content) {
   const fs::path goal = wish.room / wish.stem;
   const bool named = wish.video.stem() == wish.stem;
-  if (isTaken(goal) ||
+  if (isTaken(goal) || logOf(wish.context, wish.room).wasVacated(goal) ||
       anyBelow(wish.folder(), [&](const fs::path& file) { return isBusy(wish.context, file); }))
     return wish.video;
   if (!named && isNameTaken(wish, content, wish.folder())) return wish.video;
