@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <string_view>
 #include <system_error>
 
@@ -21,6 +22,7 @@ using namespace std::string_view_literals;
 constexpr std::array filmRooms{"kids"sv, "movie"sv, "movies"sv};
 constexpr std::array seriesRooms{"series"sv, "tv"sv};
 constexpr std::size_t longestFileName = 255;
+constexpr std::chrono::seconds longestSave{10};
 
 /// Without a slash at its end, so that it is equal to the folder of what lies in it.
 fs::path plainRoom(const fs::path& room) {
@@ -183,6 +185,20 @@ class Afterwards {
   std::map<std::string, Renamed> folders_;
 };
 
+void tellAgain(StoredUsers& users, const fs::path& room, const RenameHistory& history) {
+  const Afterwards afterwards(room, history);
+  for (std::size_t i = history.settled; i < history.renames.size(); ++i) {
+    const auto& [time, oldName, newName] = history.renames[i];
+    const fs::path last = room / afterwards.of(newName, i);
+    if (isTaken(room / oldName) || !isReallyInside(room, last)) continue;
+    std::error_code ignored;
+    if (fs::is_directory(last, ignored))
+      users.renameFolder(room / oldName, room / newName);
+    else if (isVideoFile(newName))
+      users.renameMedia((room / oldName).string(), (room / newName).string());
+  }
+}
+
 }  // namespace
 
 bool isTidiedFilmRoom(const fs::path& room) {
@@ -193,25 +209,13 @@ bool isTidiedSeriesRoom(const fs::path& room) {
   return isNamedAmong(seriesRooms, room);
 }
 
-void settleRenames(const TidyContext& context, const fs::path& room) {
+void settleRenames(const TidyContext& context, const fs::path& given) {
+  const fs::path room = plainRoom(given);
   const RenameHistory history = readRenames(room);
   if (history.settled == history.renames.size()) return;
-  const Afterwards afterwards(room, history);
-  {
-    const auto still = context.stored.playback.pauseWrites();
-    for (std::size_t i = history.settled; i < history.renames.size(); ++i) {
-      const fs::path old = room / history.renames[i].old;
-      const fs::path now = room / history.renames[i].now;
-      const fs::path last = room / afterwards.of(history.renames[i].now, i);
-      if (isTaken(old) || !isReallyInside(room, last)) continue;
-      std::error_code ignored;
-      if (fs::is_directory(last, ignored))
-        context.stored.users.renameFolder(old, now);
-      else if (isVideoFile(now))
-        context.stored.users.renameMedia(old.string(), now.string());
-    }
-  }
-  logOf(context, room).markSettled(context.scanTime);
+  // Those of this scan were told when they were done.
+  if (!context.logs.contains(room)) tellAgain(context.stored.users, room, history);
+  if (context.stored.playback.flush(longestSave)) logOf(context, room).markSettled(context.scanTime);
 }
 
 fs::path tidyFilm(const TidyContext& context, const fs::path& room, const fs::path& video,

@@ -30,8 +30,9 @@ struct TidyContext {
 bool isTidiedFilmRoom(const std::filesystem::path& room);
 bool isTidiedSeriesRoom(const std::filesystem::path& room);
 
-/// To be called once for each room before the first rename of a scan: lets what is remembered follow those
-/// renames that a crash or a power cut has kept from being saved.
+/// To be called for each room before the first rename of a scan: lets what is remembered follow those renames
+/// that a crash or a power cut has kept from being saved. And once more at the end of the scan, when it only
+/// waits until all is saved, so that the next scan has nothing to do.
 void settleRenames(const TidyContext& context, const std::filesystem::path& room);
 
 /// Gives a film the name and a folder of the same name directly in its room; a folder that is the film's own

@@ -1,5 +1,6 @@
 #include "scan/undo_renames.h"
 
+#include <chrono>
 #include <ranges>
 #include <system_error>
 
@@ -13,6 +14,8 @@ namespace tavek {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::chrono::seconds longestSave{10};
 
 /// Takes renames back, one after the other.
 class Undo {
@@ -90,14 +93,16 @@ UndoReport undoRenames(const fs::path& room, Stored stored, const Flag& stop) {
   const RenameHistory history = readRenames(room);
   if (history.renames.empty()) return report;
   const std::int64_t time = history.renames.back().time;
-  const auto still = stored.playback.pauseWrites();
   Undo undo(room, stored, report);
-  for (const LoggedRename& rename : history.renames | std::views::reverse) {
-    if (stop) return report;
-    if (rename.time == time) undo.take(rename);
+  {
+    const auto still = stored.playback.pauseWrites();
+    for (const LoggedRename& rename : history.renames | std::views::reverse) {
+      if (stop) return report;
+      if (rename.time == time) undo.take(rename);
+    }
   }
-  // What could not be moved is tried again by the next undo.
-  if (!undo.failed()) log.markUndone(time);
+  // What could not be moved, or saved, is tried again by the next undo.
+  if (!undo.failed() && stored.playback.flush(longestSave)) log.markUndone(time);
   return report;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
@@ -35,6 +36,8 @@ class FolderPlayback {
 
   /// To be held by who renames media, until all of it is told: nothing is written beside the media meanwhile.
   std::unique_lock<std::mutex> pauseWrites() { return files_.pause(); }
+  /// StateStore's, for a worker that has to know that what it told is saved.
+  bool flush(std::chrono::milliseconds limit) { return saves_.flush(limit); }
 
  private:
   PlaybackFiles::View look(const std::string& media);
