@@ -87,6 +87,12 @@ int runStored(LaunchOptions& options) {
   return play(options, state);
 }
 
+int afterThreads(int status) {
+  // What hangs in a dead disk can't be joined, and must not be torn down under its feet.
+  if (!joinLeftThreads(std::chrono::milliseconds(100))) std::_Exit(status);
+  return status;
+}
+
 }  // namespace
 
 int runProgram(int argc, const char* const* argv) {
@@ -94,6 +100,7 @@ int runProgram(int argc, const char* const* argv) {
   av_log_set_level(AV_LOG_ERROR);
   ParsedLine line = readCommandLine(argc, argv);
   if (line.exitStatus) return *line.exitStatus;
+  if (line.options.undoRoom) return afterThreads(undoRenamesOf(*line.options.undoRoom));
   if (line.options.videoDriver) forceDriver(*line.options.videoDriver);
   if (stopSignalled) return EXIT_SUCCESS;
   // A debug start forgets the shared state, so its file goes before it is read.
@@ -101,10 +108,7 @@ int runProgram(int argc, const char* const* argv) {
   if (debugEnabled) std::filesystem::remove(stateFile(), ignored);
   tmdbConsoleEnabled = fanartConsoleEnabled = debugEnabled;
 
-  const int status = runStored(line.options);
-  // What hangs in a dead disk can't be joined, and must not be torn down under its feet.
-  if (!joinLeftThreads(std::chrono::milliseconds(100))) std::_Exit(status);
-  return status;
+  return afterThreads(runStored(line.options));
 }
 
 }  // namespace tavek
