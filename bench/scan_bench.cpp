@@ -110,7 +110,7 @@ void measureNew(const rig::WebServer& server, const TidyContext& context) {
   const fs::path room = mediaRoot() / "kids";
   fs::remove_all(room);
   for (int i = 0; i < newFilms; ++i)
-    put(room / ("film " + std::to_string(i) + " 1999.mkv"), std::to_string(i));
+    put(room / ("Film " + std::to_string(i) + " 1999.mkv"), std::to_string(i));
   const std::size_t before = server.requests().size();
   const double time = seconds([&] { PosterScanner("key", "", room).scan(room, context); });
   std::printf("| new films | %.1f a second, goal >= 5 | %.1f requests each |\n", newFilms / time,

@@ -53,15 +53,14 @@ std::vector<fs::path> filmsOf(const fs::path& room, const Flag& stop) {
   return films;
 }
 
-/// What a film may be called: by its file, or by a folder of its own, which tells more if it tells the year.
+/// What a film may be called: by its file, or by a folder of its own. That of a folder counts only with its
+/// year: many a folder of home videos has the name of some film.
 std::vector<ParsedName> readingsOf(const fs::path& video, bool ownFolder) {
   std::vector<ParsedName> readings = searchNames(video.stem().string());
   if (!ownFolder) return readings;
   std::vector<ParsedName> ofFolder = searchNames(video.parent_path().filename().string());
-  const auto tellsYear = [](const std::vector<ParsedName>& names) {
-    return !names.empty() && names.front().year;
-  };
-  if (tellsYear(ofFolder) && !tellsYear(readings)) readings.swap(ofFolder);
+  std::erase_if(ofFolder, [](const ParsedName& name) { return !name.year; });
+  if (!ofFolder.empty() && (readings.empty() || !readings.front().year)) readings.swap(ofFolder);
   for (ParsedName& name : ofFolder) {
     if (std::ranges::find(readings, name) == readings.end()) readings.push_back(std::move(name));
   }
@@ -159,6 +158,8 @@ void FilmScan::scanFilm(const fs::path& room, const fs::path& video) {
   if (!match) match = search(film);
   if (!match) return;
   film = tidied(film, *match);
+  // One that was started meanwhile gets all that it is to have in its new place, later.
+  if (tidy_.busy && tidy_.busy(film.video)) return;
   fetch(film, match->film);
 }
 

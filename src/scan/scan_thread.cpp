@@ -7,6 +7,7 @@
 #include <iostream>
 #include <map>
 #include <optional>
+#include <set>
 #include <system_error>
 #include <utility>
 
@@ -29,7 +30,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum class Asked { StartUp, Tmdb, TvArt };
+enum class Asked { StartUp, Tmdb, TvArt, Skipped /*what played meanwhile*/ };
 
 struct Request {
   Asked what;
@@ -115,6 +116,9 @@ class ScanThread::Work {
         case Asked::TvArt:
           scanSeries();
           break;
+        case Asked::Skipped:
+          scanSkipped();
+          break;
       }
     }
   }
@@ -122,13 +126,20 @@ class ScanThread::Work {
  private:
   static std::int64_t now() { return static_cast<std::int64_t>(std::time(nullptr)); }
 
-  /// An item that plays is skipped, and so is what it would take along.
-  bool busy(const fs::path& path) const {
+  /// An item that plays is skipped, and so is what it would take along; until it has ended.
+  bool busy(const fs::path& path) {
     const fs::path inUse = *shared_.inUse.hold();
-    return !inUse.empty() && (inUse == path || isInside(inUse, path));
+    const bool skipped = !inUse.empty() && (inUse == path || isInside(inUse, path));
+    if (const auto room = skipped ? roomRootOf(path) : std::nullopt) skipped_.insert(*room);
+    return skipped;
   }
 
-  TidyContext context() const {
+  void scanSkipped() {
+    for (const fs::path& room : std::exchange(skipped_, {}))
+      classifyFolder(room, stop_) == MediaKind::Series ? runSeries() : runFilms(room);
+  }
+
+  TidyContext context() {
     return {.stored = stored_,
             .stop = stop_,
             .busy = [this](const fs::path& path) { return busy(path); },
@@ -198,6 +209,7 @@ class ScanThread::Work {
   std::optional<PosterScanner> posters_;
   std::optional<TvArtScanner> tvArt_;
   std::map<fs::path, std::int64_t> scannedAt_;  ///< in this run of the program
+  std::set<fs::path> skipped_;                  ///< rooms with something that played
 };
 
 ScanThread::ScanThread(const Stored& stored, ForcedScans forced) : shared_(std::make_shared<Shared>()) {
@@ -226,6 +238,7 @@ void ScanThread::tvArtScanRequest(const fs::path& /*root*/) {
 void ScanThread::setItemInUse(const fs::path& item) {
   std::error_code ignored;
   *shared_->inUse.hold() = item.empty() ? item : fs::absolute(item, ignored).lexically_normal();
+  if (item.empty()) shared_->ask({Asked::Skipped, {}});
 }
 
 }  // namespace tavek
