@@ -188,7 +188,7 @@ std::optional<FilmScan::Match> FilmScan::search(const Film& film) {
       return Match{*sure, true};
     }
     if (!guess) {
-      if (auto candidate = chooseCandidate(found, name.year)) guess = Match{std::move(*candidate), false};
+      if (!found.empty()) guess = Match{chooseCandidate(found, name.year), false};
     }
   }
   if (!guess) log("poster not found for " + quotedTitle(film.video.stem().string()));
@@ -207,10 +207,10 @@ FilmScan::Film FilmScan::tidied(const Film& film, const Match& match) {
 
 void FilmScan::fetch(const Film& film, const MovieCandidate& match) {
   const std::string id = match.id ? std::to_string(*match.id) : "";
-  fetchImage(film, "poster", film.posterMissing ? film.poster : fs::path(), "w342", match.posterPath,
-             FileKind::Image);
+  fetchImage(film, "poster", film.posterMissing ? film.poster : fs::path(), "w342",
+             match.posterPath.value_or(""), FileKind::Image);
   fetchImage(film, "fanart", film.fanartMissing ? film.fanart : fs::path(), "w1280",
-             match.backdropPath.empty() ? match.posterPath : match.backdropPath, FileKind::Image);
+             match.backdropPath ? *match.backdropPath : match.posterPath.value_or(""), FileKind::Image);
   if (!match.id) return;
   if (film.logoMissing && !tidy_.stop) {
     fetchImage(film, "clearlogo", film.logo, "original", firstLogo(tmdb_.filmImages(*match.id)).value_or(""),
@@ -220,7 +220,7 @@ void FilmScan::fetch(const Film& film, const MovieCandidate& match) {
   const MediaNotes& notes = tidy_.stored.notes;
   if (film.ownFolder || notes.scanNoteA(film.video.string()) || tidy_.stop) return;
   FilmIds ids = readIds(tmdb_.filmWithoutLanguage(*match.id));
-  ids.tmdb = match.id;
+  ids.tmdbId = match.id;
   noteIds(film.video, ids);
 }
 
@@ -253,15 +253,15 @@ void FilmScan::fetchMetadata(const Film& film, std::int32_t id) {
     log("wrote metadata " + film.metadata.string());
   }
   FilmIds ids = readIds(body);
-  ids.tmdb = id;
+  ids.tmdbId = id;
   noteIds(film.video, ids);
 }
 
 void FilmScan::noteIds(const fs::path& video, const FilmIds& ids) {
   MediaNotes& notes = tidy_.stored.notes;
   const std::string path = video.string();
-  if (ids.tmdb && !notes.scanNoteB(path)) notes.setScanNoteB(path, std::to_string(*ids.tmdb));
-  if (!ids.imdb.empty() && !notes.scanNoteA(path)) notes.setScanNoteA(path, ids.imdb);
+  if (ids.tmdbId && !notes.scanNoteB(path)) notes.setScanNoteB(path, std::to_string(*ids.tmdbId));
+  if (ids.imdbId && !notes.scanNoteA(path)) notes.setScanNoteA(path, *ids.imdbId);
 }
 
 }  // namespace tavek

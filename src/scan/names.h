@@ -6,7 +6,8 @@
 #include <string_view>
 #include <vector>
 
-/// What the names of films tell, and what a film may be called. Any bytes; plain rules on texts.
+/// What the name of a film tells, and the name that a film gets. Plain rules: any bytes may be passed, each
+/// takes a time in proportion to their number, and every thread may call.
 namespace tavek {
 
 struct ParsedName {
@@ -15,22 +16,23 @@ struct ParsedName {
   bool operator==(const ParsedName&) const = default;
 };
 
-/// The title before the first number from 1900 to 2099, and that as the year; all of the name without one, or
-/// with nothing before it.
+/// The first number that looks like a year, 1900 to 2099, and what stands before it; the whole text where
+/// nothing does.
 ParsedName parseTitleAndYear(std::string_view name);
-/// What else a name can mean, the likeliest first: "1917.2019" is the film 1917 of 2019, and "2012" has a
-/// number for a title.
+/// The readings under which a film is looked for, one after the other until a match is plausible: that of
+/// parseTitleAndYear first, which mistakes numbers in titles for years, then likelier ones for such names.
 std::vector<ParsedName> searchNames(std::string_view stem);
 
-/// A text that may be part of a file's name: without characters that some file system refuses, without
-/// control characters, never hidden, cut at a whole character after so many bytes; "video" if nothing is
-/// left.
-std::string fitForFileName(std::string_view text, std::size_t mostBytes);
-/// "Alien (1979)"; 180 bytes at most.
+/// The longest name that a file or folder gets, in bytes and without its extension.
+inline constexpr std::size_t longestMediaName = 180;
+/// A title as part of a file's name: without what a path or another system takes for its own, never
+/// beginning with a dot, without control characters, of at most this many bytes; "video" for nothing.
+std::string fileTitle(std::string_view title, std::size_t maxBytes = longestMediaName);
+/// "Alien (1979)": the name of a film's folder and, with the extension, of its file.
 std::string buildMediaName(std::string_view title, std::optional<std::int32_t> year);
 
-/// Surely the same film: one title, but for a leading article, accents and what stands between its letters,
-/// and years at most one apart.
+/// Whether a service's film is the wanted one for sure enough to rename a file after it: one title, leading
+/// article aside, and years at most one apart as far as both are known.
 bool plausibleMatch(const ParsedName& wanted, std::string_view title, std::optional<std::int32_t> year);
 
 }  // namespace tavek

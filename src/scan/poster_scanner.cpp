@@ -10,16 +10,21 @@
 
 namespace tavek {
 
-std::string scanLabelOf(const std::filesystem::path& root) {
+namespace {
+
+/// What the status line calls a scan of this root.
+std::string shownRoot(const std::filesystem::path& root) {
   const std::string name = root == mediaRoot() ? "" : root.filename().string();
   const std::string lower = toLower(name);
   if (lower.empty() || lower == "movies") return "movies";
   return lower == "series" || lower == "tv" ? "tv" : name;
 }
 
+}  // namespace
+
 ScanResult PosterScanner::scan(const std::filesystem::path& root, const TidyContext& context) const {
   const std::filesystem::path& walked = root.empty() ? root_ : root;
-  const ScanActivity activity("[TMDB] Scanning " + scanLabelOf(walked));
+  const ScanActivity activity("[TMDB] Scanning " + shownRoot(walked));
   std::error_code ignored;
   if (!std::filesystem::exists(walked, ignored)) {
     if (tmdbConsoleEnabled)

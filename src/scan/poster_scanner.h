@@ -29,7 +29,4 @@ class PosterScanner {
   const std::filesystem::path root_;
 };
 
-/// What the status line calls a scan of this root.
-std::string scanLabelOf(const std::filesystem::path& root);
-
 }  // namespace tavek

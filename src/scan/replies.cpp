@@ -1,256 +1,258 @@
 #include "scan/replies.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
+#include <functional>
 
 #include "base/text.h"
-#include "state/json_read.h"
+#include "scan/reply_text.h"
 
 namespace tavek {
 namespace {
 
-constexpr std::size_t mostItems = 10'000;
+using namespace std::string_view_literals;
+using Members = std::vector<JsonMember>;
 
-/// An object of a text, by its own members and not those of objects within.
-class Object {
- public:
-  explicit Object(const std::string& text) : members_(readMembers(text)) {}
+constexpr std::size_t npos = std::string_view::npos;
+/// More than any service gives in one list.
+constexpr std::size_t mostEntries = 2000;
 
-  const std::string* value(std::string_view key) const {
-    const auto found = std::ranges::find(members_, key, &JsonMember::key);
-    return found != members_.end() ? &found->value : nullptr;
-  }
-  const std::vector<JsonMember>& members() const { return members_; }
-
- private:
-  std::vector<JsonMember> members_;
-};
-
-std::optional<std::string> stringOf(const std::string* value) {
-  std::size_t start = 0;
-  return value != nullptr ? parseString(*value, start) : std::nullopt;
+bool isPlainLetter(char c) {
+  return isAsciiDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-/// A bare number or one in quotes.
-std::optional<std::int32_t> numberOf(const std::string* value) {
-  if (value == nullptr) return {};
-  const std::string text = stringOf(value).value_or(*value);
-  std::int32_t number = 0;
-  const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
-  return result.ec == std::errc() ? std::optional(number) : std::nullopt;
+/// For what goes into an address or a header.
+bool isPrintable(std::string_view text) {
+  return !text.empty() && std::ranges::all_of(text, [](char c) { return c > ' ' && c < 0x7F; });
 }
 
-std::optional<std::int32_t> idOf(const std::string* value) {
-  const auto number = numberOf(value);
+std::optional<std::int32_t> positive(std::optional<std::int32_t> number) {
   return number && *number > 0 ? number : std::nullopt;
 }
 
-/// The objects of an array.
-std::vector<std::string> objectsOf(const std::string* value) {
-  std::vector<std::string> objects;
-  if (value == nullptr || !value->starts_with('[')) return objects;
-  std::size_t at = 1;
-  while (objects.size() < mostItems && (at = value->find('{', at)) != std::string::npos) {
-    const auto close = matchBrace(*value, at);
-    if (!close) break;
-    objects.push_back(value->substr(at, *close - at + 1));
-    at = *close + 1;
-  }
-  return objects;
-}
-
-/// Only what cannot lead anywhere else than to the image host.
-std::string imagePathOf(const std::string* value) {
-  std::string path = stringOf(value).value_or("");
-  const auto plain = [](char c) {
-    return isAsciiDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
-           std::string_view("._/-").find(c) != std::string_view::npos;
-  };
-  const bool good = path.size() > 1 && path.size() < 256 && path.starts_with('/') &&
-                    !path.starts_with("//") && std::ranges::all_of(path, plain) &&
-                    path.find("..") == std::string::npos;
-  return good ? path : "";
+std::optional<std::string> pathMember(const Members& members, std::string_view key) {
+  const auto path = stringMember(members, key);
+  return path ? imagePath(*path) : std::nullopt;
 }
 
 /// The year that a date begins with.
-std::optional<std::int32_t> yearOf(const std::string* date) {
-  const std::string text = stringOf(date).value_or("").substr(0, 4);
-  if (text.size() < 4 || !std::ranges::all_of(text, isAsciiDigit)) return {};
-  return numberOf(&text);
+std::optional<std::int32_t> yearOf(std::string_view date) {
+  constexpr std::size_t length = 4;
+  const std::string_view digits = date.substr(0, length);
+  if (digits.size() < length || !std::ranges::all_of(digits, isAsciiDigit)) return {};
+  std::int32_t year = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), year);
+  return year;
 }
 
-MovieCandidate candidateOf(const Object& object, SearchKind kind) {
+MovieCandidate candidateOf(const Members& members, SearchKind kind) {
   const bool film = kind == SearchKind::Film;
-  MovieCandidate candidate{.id = idOf(object.value("id")),
-                           .title = stringOf(object.value(film ? "title" : "name")),
-                           .year = yearOf(object.value(film ? "release_date" : "first_air_date")),
-                           .posterPath = imagePathOf(object.value("poster_path")),
-                           .backdropPath = imagePathOf(object.value("backdrop_path"))};
-  if (candidate.title && trim(*candidate.title).empty()) candidate.title.reset();
-  return candidate;
+  const auto date = stringMember(members, film ? "release_date" : "first_air_date");
+  return {positive(numberMember(members, "id")), stringMember(members, film ? "title" : "name"),
+          yearOf(date.value_or("")), pathMember(members, "poster_path"),
+          pathMember(members, "backdrop_path")};
 }
 
-bool endsWith(const std::string& text, std::string_view ending) {
-  return toLower(text).ends_with(ending);
-}
-
-/// The first picture of a list that fits.
-template <typename Fits>
-std::optional<std::string> firstArt(const std::string& body, std::string_view list, std::string_view ending,
-                                    Fits fits) {
-  for (const std::string& text : objectsOf(Object(body).value(list))) {
-    const Object art(text);
-    const std::string url = stringOf(art.value("url")).value_or("");
-    if (!url.empty() && endsWith(url, ending) && stringOf(art.value("lang")) == "en" && fits(art)) return url;
-  }
-  return {};
-}
-
-/// At least three digits, wherever the first such run stands behind a place with nothing but other bytes.
-std::string digitsBehind(std::string_view text, std::size_t at) {
-  while (at < text.size() && !isAsciiDigit(text[at])) ++at;
+/// The digits from the place on; empty for fewer than an id has.
+std::string_view idAt(std::string_view text, std::size_t at) {
+  constexpr std::size_t fewest = 3;
   std::size_t end = at;
   while (end < text.size() && isAsciiDigit(text[end])) ++end;
-  return end - at >= 3 ? std::string(text.substr(at, end - at)) : "";
+  return end - at < fewest ? std::string_view() : text.substr(at, end - at);
 }
 
-/// The digits between two marks of a note.
-std::string digitsWithin(const std::string& text, const std::string& tag) {
-  for (std::size_t at = 0; (at = text.find("<" + tag + ">", at)) != std::string::npos; ++at) {
-    const std::size_t from = at + tag.size() + 2;
-    const std::size_t end = text.find("</" + tag + ">", from);
-    if (end == std::string::npos) break;
-    const std::string inside = trim(std::string_view(text).substr(from, end - from));
-    if (inside.size() >= 3 && std::ranges::all_of(inside, isAsciiDigit)) return inside;
+/// The first digits behind the word, if they are long enough; else those behind the word's next place.
+std::string_view idBehindWord(std::string_view lower, std::string_view word) {
+  for (std::size_t at = lower.find(word); at != npos; at = lower.find(word, at)) {
+    at = lower.find_first_of("0123456789", at + word.size());
+    if (at == npos) break;
+    if (const auto id = idAt(lower, at); !id.empty()) return id;
   }
   return {};
 }
 
-/// A link names the page as its "page=".
-std::optional<std::int32_t> pageOf(const std::string* next) {
-  const auto link = stringOf(next);
-  if (!link) return numberOf(next);
-  const std::size_t at = link->find("page=");
-  const std::string number = at != std::string::npos ? link->substr(at + 5) : *link;
-  return numberOf(&number);
+/// Digits with nothing but white space up to both tags.
+std::string_view idBetween(std::string_view lower, std::string_view open, std::string_view close) {
+  constexpr auto space = " \t\n\v\f\r"sv;
+  for (std::size_t at = lower.find(open); at != npos; at = lower.find(open, at)) {
+    at = std::min(lower.find_first_not_of(space, at + open.size()), lower.size());
+    const auto id = idAt(lower, at);
+    const std::size_t end = std::min(lower.find_first_not_of(space, at + id.size()), lower.size());
+    if (!id.empty() && lower.substr(end).starts_with(close)) return id;
+  }
+  return {};
 }
 
-/// Of several keys the last one in the text.
-const std::string* lastOf(const Object& object, std::string_view first, std::string_view second) {
-  const std::string* found = nullptr;
-  for (const JsonMember& member : object.members()) {
-    const bool wanted = member.key == first || member.key == second;
-    if (wanted && member.value != "null") found = &member.value;
+/// Zeros at the start say nothing.
+std::string shownNumber(std::string_view digits) {
+  digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
+  return std::string(digits);
+}
+
+/// The address in an entry of a list of art, if it is English and ends so.
+std::optional<std::string> artUrl(const Members& members, std::string_view suffix) {
+  auto url = stringMember(members, "url");
+  if (!url || !isPrintable(*url) || stringMember(members, "lang") != "en") return {};
+  return toLower(*url).ends_with(toLower(suffix)) ? url : std::nullopt;
+}
+
+bool isOfSeason(const Members& members, std::int32_t season) {
+  const auto text = stringMember(members, "season");
+  if (!text) return numberMember(members, "season") == season;
+  return shownNumber(trim(*text)) == std::to_string(season);
+}
+
+std::optional<std::string> firstArt(const std::string& body, std::string_view key, std::string_view suffix,
+                                    const std::function<bool(const Members&)>& fits) {
+  for (const std::string& object : listObjects(body, key, mostEntries)) {
+    const Members members = readMembers(object);
+    auto url = artUrl(members, suffix);
+    if (url && fits(members)) return url;
   }
-  return found;
+  return {};
+}
+
+template <typename Read>
+auto firstOf(Read read, const Members& members, std::initializer_list<std::string_view> keys)
+    -> decltype(read(members, std::string_view())) {
+  for (const std::string_view key : keys) {
+    if (auto value = read(members, key)) return value;
+  }
+  return {};
+}
+
+/// The last of the title's keys that holds something, in the order of the entry.
+std::string episodeTitle(const Members& members) {
+  std::string title;
+  for (const JsonMember& member : members) {
+    if (member.key != "name" && member.key != "episodeName") continue;
+    std::size_t start = 0;
+    if (auto text = parseString(member.value, start); text && !text->empty()) title = std::move(*text);
+  }
+  return title;
+}
+
+/// The number behind "next", be it bare or in a link.
+std::optional<std::int32_t> nextPage(const std::string& body) {
+  const std::string links = readObject(body, "links").value_or(body);
+  const std::size_t at = findValue(links, "next").value_or(links.size());
+  std::string_view value = std::string_view(links).substr(at);
+  if (value.starts_with('"')) {
+    value = value.substr(0, value.find('"', 1));
+    constexpr auto argument = "page="sv;
+    const std::size_t page = value.rfind(argument);
+    if (page == npos) return {};
+    value.remove_prefix(page + argument.size());
+  }
+  std::int32_t number = 0;
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
+  return error == std::errc() ? std::optional(number) : std::nullopt;
 }
 
 }  // namespace
 
 std::vector<MovieCandidate> readCandidates(const std::string& body, SearchKind kind) {
   std::vector<MovieCandidate> candidates;
-  for (const std::string& text : objectsOf(Object(body).value("results"))) {
-    MovieCandidate candidate = candidateOf(Object(text), kind);
+  for (const std::string& object : listObjects(body, "results", mostEntries)) {
+    MovieCandidate candidate = candidateOf(readMembers(object), kind);
     if (candidate.id || candidate.title || candidate.year) candidates.push_back(std::move(candidate));
   }
   return candidates;
 }
 
-std::optional<MovieCandidate> chooseCandidate(const std::vector<MovieCandidate>& candidates,
-                                              std::optional<std::int32_t> year) {
-  if (candidates.empty()) return {};
-  const auto ofYear = std::ranges::find(candidates, year, &MovieCandidate::year);
-  return year && ofYear != candidates.end() ? *ofYear : candidates.front();
-}
-
 MovieCandidate readDetails(const std::string& body) {
-  return candidateOf(Object(body), SearchKind::Film);
+  return candidateOf(readMembers(body), SearchKind::Film);
 }
 
-FilmIds readIds(const std::string& details) {
-  const Object film(details);
-  FilmIds ids{.tmdb = idOf(film.value("id")), .imdb = stringOf(film.value("imdb_id")).value_or("")};
-  const bool good = ids.imdb.starts_with("tt") && ids.imdb.size() > 2 &&
-                    std::ranges::all_of(std::string_view(ids.imdb).substr(2), isAsciiDigit);
-  if (!good) ids.imdb.clear();
-  return ids;
+MovieCandidate chooseCandidate(const std::vector<MovieCandidate>& candidates,
+                               std::optional<std::int32_t> year) {
+  if (candidates.empty()) return {};
+  const auto same = std::ranges::find(candidates, year, &MovieCandidate::year);
+  return year && same != candidates.end() ? *same : candidates.front();
 }
 
-std::optional<std::string> firstLogo(const std::string& images) {
-  for (const std::string& text : objectsOf(Object(images).value("logos"))) {
-    std::string path = imagePathOf(Object(text).value("file_path"));
-    if (endsWith(path, ".png")) return path;
+std::optional<std::string> imagePath(std::string_view path) {
+  const auto allowed = [](char c) { return isPlainLetter(c) || "._/-"sv.find(c) != npos; };
+  constexpr std::size_t longest = 200;
+  if (!path.starts_with('/') || path.size() < 2 || path.size() > longest) return {};
+  if (!std::ranges::all_of(path, allowed) || path.find("..") != npos) return {};
+  return std::string(path);
+}
+
+std::optional<std::string> firstLogo(const std::string& body) {
+  for (const std::string& object : listObjects(body, "logos", mostEntries)) {
+    auto path = pathMember(readMembers(object), "file_path");
+    if (path && !toLower(*path).ends_with(".svg")) return path;
   }
   return {};
 }
 
-std::optional<std::int32_t> readTvdbNumber(const std::string& ids) {
-  return idOf(Object(ids).value("tvdb_id"));
+FilmIds readIds(const std::string& metadata) {
+  return {positive(numberMember(readMembers(metadata), "id")), readImdbId(metadata)};
+}
+
+std::optional<std::string> readImdbId(const std::string& body) {
+  constexpr std::size_t longest = 20;
+  auto id = stringMember(readMembers(body), "imdb_id");
+  const bool fits = id && !id->empty() && id->size() <= longest && std::ranges::all_of(*id, isPlainLetter);
+  return fits ? id : std::nullopt;
+}
+
+std::optional<std::int32_t> readTvdbNumber(const std::string& body) {
+  return positive(numberMember(readMembers(body), "tvdb_id"));
 }
 
 std::optional<std::string> readTvdbId(std::string_view text) {
-  const std::string whole = toLower(trim(text));
-  if (!whole.empty() && std::ranges::all_of(whole, isAsciiDigit)) return whole;
+  constexpr std::size_t longest = 18;
+  const std::string lower = toLower(trim(text));
   std::string id;
-  for (std::size_t at = 0; id.empty() && (at = whole.find("tvdb", at)) != std::string::npos; ++at)
-    id = digitsBehind(whole, at + 4);
-  if (id.empty()) id = digitsWithin(whole, "id");
-  return id.empty() ? std::nullopt : std::optional(id);
+  if (std::ranges::all_of(lower, isAsciiDigit)) {
+    id = lower;
+  } else {
+    // All other forms of the name hold its word, with no digit up to the number.
+    id = idBehindWord(lower, "tvdb");
+    if (id.empty()) id = idBetween(lower, "<id>", "</id>");
+  }
+  return !id.empty() && id.size() <= longest ? std::optional(id) : std::nullopt;
 }
 
 std::optional<std::string> readSeriesName(const std::string& body) {
-  return stringOf(Object(body).value("name"));
+  const std::string name = trim(readString(body, "name").value_or(""));
+  return !name.empty() ? std::optional(name) : std::nullopt;
 }
 
-std::optional<std::string> pickArt(const std::string& body, std::string_view list, std::string_view ending) {
-  return firstArt(body, list, ending, [](const Object&) { return true; });
+std::optional<std::string> pickArt(const std::string& body, std::string_view key, std::string_view suffix) {
+  return firstArt(body, key, suffix, [](const Members&) { return true; });
 }
 
-std::optional<std::string> pickSeasonArt(const std::string& body, std::string_view list,
-                                         std::string_view ending, std::int32_t season) {
-  return firstArt(body, list, ending, [&](const Object& art) {
-    const std::string* value = art.value("season");
-    const std::string text = value != nullptr ? trim(stringOf(value).value_or(*value)) : "";
-    return !text.empty() && std::ranges::all_of(text, isAsciiDigit) && numberOf(&text) == season;
-  });
-}
-
-EpisodePage readEpisodePage(const std::string& body) {
-  EpisodePage page;
-  const Object answer(body);
-  // The list lies in the data, or is them.
-  const std::string* data = answer.value("data");
-  const Object inner(data != nullptr ? *data : "");
-  const std::string* list = answer.value("episodes");
-  if (list == nullptr) list = inner.value("episodes");
-  if (list == nullptr) list = data;
-  for (const std::string& text : objectsOf(list)) {
-    const Object episode(text);
-    const auto season = numberOf(lastOf(episode, "seasonNumber", "season"));
-    const auto number = numberOf(lastOf(episode, "number", "episodeNumber"));
-    std::string title = stringOf(lastOf(episode, "name", "episodeName")).value_or("");
-    if (season && number && !title.empty())
-      page.titles.insert_or_assign({*season, *number}, std::move(title));
-  }
-  const std::string* links = answer.value("links");
-  const std::string* next = links != nullptr ? nullptr : answer.value("next");
-  const Object around(links != nullptr ? *links : "");
-  if (links != nullptr) next = around.value("next");
-  page.next = pageOf(next);
-  if (page.next && *page.next < 0) page.next.reset();
-  return page;
+std::optional<std::string> pickSeasonArt(const std::string& body, std::string_view key,
+                                         std::string_view suffix, std::int32_t season) {
+  return firstArt(body, key, suffix, [&](const Members& members) { return isOfSeason(members, season); });
 }
 
 std::optional<std::string> readToken(const std::string& body) {
-  const Object answer(body);
-  auto token = stringOf(answer.value("token"));
-  const std::string* data = answer.value("data");
-  if (!token && data != nullptr) token = stringOf(Object(*data).value("token"));
-  // It becomes part of a head.
-  const bool good =
-      token && !token->empty() && std::ranges::all_of(*token, [](char c) { return c > ' ' && c < 0x7f; });
-  return good ? token : std::nullopt;
+  auto token = readString(body, "token");
+  return token && isPrintable(*token) ? token : std::nullopt;
+}
+
+std::size_t EpisodeHash::operator()(const SeasonAndEpisode& pair) const {
+  constexpr std::uint64_t factor = 1315423911;
+  return static_cast<std::uint64_t>(pair.second) + static_cast<std::uint64_t>(pair.first) * factor;
+}
+
+EpisodePage readEpisodePage(const std::string& body, std::int32_t page) {
+  EpisodePage result;
+  const std::string_view key = hasList(body, "episodes") ? "episodes" : "data";
+  for (const std::string& object : listObjects(body, key, mostEntries)) {
+    const Members members = readMembers(object);
+    const auto season = firstOf(numberMember, members, {"seasonNumber", "season"});
+    const auto episode = firstOf(numberMember, members, {"number", "episodeNumber"});
+    std::string title = episodeTitle(members);
+    if (season && episode && !title.empty()) result.entries[{*season, *episode}] = std::move(title);
+  }
+  const auto next = nextPage(body);
+  if (next && *next > page) result.next = next;
+  return result;
 }
 
 }  // namespace tavek

@@ -5,28 +5,57 @@
 namespace tavek {
 namespace {
 
-constexpr std::int64_t day = 86'400;
+constexpr std::int64_t day = 86400;
+
+/// Less than a day ago, by a clock that works; what lies ahead says nothing.
+bool isRecent(std::int64_t now, std::optional<std::int64_t> last) {
+  return now >= 1 && last && *last <= now && *last > now - day;
+}
+
+/// The scans of the start wait for a clock that works, unless there was none before.
+bool isStartDue(std::int64_t now, std::optional<std::int64_t> last) {
+  return !last || (now > 0 && !isRecent(now, last));
+}
+
+std::string skippedLine(std::string_view label) {
+  const std::string name = label.empty() ? "" : " for " + std::string(label);
+  return "scan skipped" + name + " (last run under 24h)";
+}
 
 }  // namespace
 
-bool isDayOld(std::optional<std::int64_t> at, std::int64_t now) {
-  return !at || now < 1 || *at > now || now - *at >= day;
+std::string scanLabelOf(std::string_view folderName) {
+  return toLower(folderName);
 }
 
-ScanVerdict tmdbScanDue(const ScanRecord& last, std::string_view room, std::optional<std::int64_t> scannedAt,
-                        bool force, std::int64_t now) {
-  if (force) return {true, "scan forced by --tmdb-scan"};
-  const bool sameRoom = last.label && toLower(*last.label) == room;
-  const bool recent = sameRoom ? !isDayOld(last.at, now) : !isDayOld(scannedAt, now);
-  if (!recent) return {true, ""};
-  const std::string of = room.empty() ? "" : " for " + std::string(room);
-  return {false, "scan skipped" + of + " (last run under 24h)"};
+ScanDecision tmdbScanDue(std::int64_t now, const TmdbScanRecord& record, std::string_view folder,
+                         bool force) {
+  if (force) return {true, true, "scan forced by --tmdb-scan"};
+  if (record.label && toLower(*record.label) == folder && isRecent(now, record.last))
+    return {false, false, skippedLine(*record.label)};
+  if (isRecent(now, record.inRun)) return {false, false, skippedLine(folder)};
+  return {true};
 }
 
-ScanVerdict fanartScanDue(const ScanRecord& last, bool force, std::int64_t now) {
-  if (force) return {true, "scan forced by --fanart-scan"};
-  if (isDayOld(last.at, now)) return {true, ""};
-  return {false, "scan skipped (last run under 24h)"};
+ScanDecision fanartScanDue(std::int64_t now, std::optional<std::int64_t> last, bool force) {
+  if (force) return {true, true, "scan forced by --fanart-scan"};
+  if (isRecent(now, last)) return {false, false, skippedLine("")};
+  return {true};
+}
+
+std::string_view lineWhileRunning(bool force) {
+  return force ? "scan already running; force queued" : "";
+}
+
+ScanDecision tmdbStartScanDue(std::int64_t now, std::optional<std::int64_t> last, std::string_view folder) {
+  if (!isStartDue(now, last)) return {};
+  const std::string label = folder.empty() ? "movies" : std::string(folder);
+  return {true, false, "startup scan: running TMDB before loading " + label};
+}
+
+ScanDecision fanartStartScanDue(std::int64_t now, std::optional<std::int64_t> last) {
+  if (!isStartDue(now, last)) return {};
+  return {true, false, "startup scan: running FANART before loading tv"};
 }
 
 }  // namespace tavek

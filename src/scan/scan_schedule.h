@@ -5,26 +5,37 @@
 #include <string>
 #include <string_view>
 
-/// When a scan is due, on plain values. All times are seconds since 1970; one before 1 is none.
+/// When a scan is due: once a day for each service. Times are seconds since 1970; a clock that fails gives
+/// less than 1, and a record from the future counts as none.
 namespace tavek {
 
-/// What is kept of the last scan of a service.
-struct ScanRecord {
-  std::optional<std::int64_t> at;
-  std::optional<std::string> label;  ///< the room's lower-cased name; fan art has none
-};
-
-struct ScanVerdict {
+struct ScanDecision {
   bool run = false;
-  std::string line;  ///< for the log; may be empty
+  bool forced = false;    ///< the flag that forced it is used up
+  std::string line = {};  ///< for the log; may be empty
+  bool operator==(const ScanDecision&) const = default;
 };
 
-/// A day has passed since then. A record from the future counts as none.
-bool isDayOld(std::optional<std::int64_t> at, std::int64_t now);
+/// What the last scans have left behind.
+struct TmdbScanRecord {
+  std::optional<std::int64_t> last;   ///< of any room, as it is stored
+  std::optional<std::string> label;   ///< which room that was
+  std::optional<std::int64_t> inRun;  ///< when the asked room was last scanned in this run
+};
 
-/// Of a room that is about to be shown. `scannedAt` is when this run of the program scanned it last.
-ScanVerdict tmdbScanDue(const ScanRecord& last, std::string_view room, std::optional<std::int64_t> scannedAt,
-                        bool force, std::int64_t now);
-ScanVerdict fanartScanDue(const ScanRecord& last, bool force, std::int64_t now);
+/// The label of a room, from the name of its folder.
+std::string scanLabelOf(std::string_view folderName);
+
+/// Whether a room that is about to be shown is scanned; `folder` is its label. Another room than the last one
+/// is, unless that was done in this run already.
+ScanDecision tmdbScanDue(std::int64_t now, const TmdbScanRecord& record, std::string_view folder, bool force);
+/// The same for the art of series, for all rooms at once.
+ScanDecision fanartScanDue(std::int64_t now, std::optional<std::int64_t> last, bool force);
+/// What a request says while a scan runs; empty for nothing.
+std::string_view lineWhileRunning(bool force);
+
+/// The scans of the start, which no flag forces.
+ScanDecision tmdbStartScanDue(std::int64_t now, std::optional<std::int64_t> last, std::string_view folder);
+ScanDecision fanartStartScanDue(std::int64_t now, std::optional<std::int64_t> last);
 
 }  // namespace tavek

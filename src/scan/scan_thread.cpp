@@ -15,7 +15,6 @@
 #include "base/guarded.h"
 #include "base/paths.h"
 #include "base/process_flags.h"
-#include "base/text.h"
 #include "library/media_list.h"
 #include "library/media_paths.h"
 #include "scan/credentials.h"
@@ -37,10 +36,6 @@ struct Request {
   fs::path folder;
   bool operator==(const Request&) const = default;
 };
-
-std::string roomNameOf(const fs::path& folder) {
-  return toLower(folder.filename().string());
-}
 
 void logTmdb(const std::string& line) {
   if (tmdbConsoleEnabled && !line.empty()) console::logTmdb(line);
@@ -88,13 +83,13 @@ class ScanThread::Work {
  public:
   Work(const Stored& stored, ForcedScans forced, Shared& shared, const Flag& stop)
       : stored_(stored), forced_(forced), shared_(shared), stop_(stop) {
-    Credentials keys = readCredentials();
-    if (keys.tmdbKey.empty() && keys.tmdbToken.empty()) {
+    Credentials keys = loadCredentials();
+    if (!keys.hasTmdb()) {
       logTmdb("Disabled (credentials not found)");
     } else {
       posters_.emplace(keys.tmdbKey, keys.tmdbToken, mediaRoot());
     }
-    if (keys.fanartKey.empty()) {
+    if (!keys.hasFanart()) {
       logFanart("Disabled (credentials not found)");
     } else {
       tvArt_.emplace(TvArtKeys{keys.fanartKey, keys.fanartClientKey, keys.tmdbKey, keys.tmdbToken,
@@ -154,45 +149,47 @@ class ScanThread::Work {
       return;
     }
     clearScanStatusIf("Waiting for media");
-    const bool films = classifyFolder(folder, stop_) == MediaKind::Movies;
-    const std::string name = roomNameOf(folder);
-    if (films && posters_ && isDayOld(stored_.settings.tmdbScanEpoch(), now())) {
-      logTmdb("startup scan: running TMDB before loading " + (name.empty() ? "movies" : name));
-      runFilms(folder);
+    const MediaKind kind = classifyFolder(folder, stop_);
+    if (posters_ && kind == MediaKind::Movies) {
+      const ScanDecision due =
+          tmdbStartScanDue(now(), stored_.settings.tmdbScanEpoch(), scanLabelOf(folder.filename().string()));
+      logTmdb(due.line);
+      if (due.run) runFilms(folder);
     }
-    const bool series = classifyFolder(folder, stop_) == MediaKind::Series && name != "kids";
-    if (series && tvArt_ && isDayOld(stored_.settings.fanartScanEpoch(), now())) {
-      logFanart("startup scan: running FANART before loading tv");
-      runSeries();
+    if (tvArt_ && kind == MediaKind::Series) {
+      const ScanDecision due = fanartStartScanDue(now(), stored_.settings.fanartScanEpoch());
+      logFanart(due.line);
+      if (due.run) runSeries();
     }
   }
 
   void scanFilms(const fs::path& folder) {
     if (!posters_) return;
-    const ScanRecord last{stored_.settings.tmdbScanEpoch(), stored_.settings.tmdbScanLabel()};
     const auto scanned = scannedAt_.find(folder);
-    const auto scannedAt = scanned != scannedAt_.end() ? std::optional(scanned->second) : std::nullopt;
-    const ScanVerdict verdict =
-        tmdbScanDue(last, roomNameOf(folder), scannedAt, std::exchange(forced_.tmdb, false), now());
-    logTmdb(verdict.line);
-    if (verdict.run) runFilms(folder);
+    const TmdbScanRecord record{stored_.settings.tmdbScanEpoch(), stored_.settings.tmdbScanLabel(),
+                                scanned != scannedAt_.end() ? std::optional(scanned->second) : std::nullopt};
+    const ScanDecision due = tmdbScanDue(now(), record, scanLabelOf(folder.filename().string()),
+                                         std::exchange(forced_.tmdb, false));
+    logTmdb(due.line);
+    if (due.run) runFilms(folder);
   }
 
   void scanSeries() {
     if (!tvArt_) return;
-    const ScanVerdict verdict =
-        fanartScanDue({stored_.settings.fanartScanEpoch(), {}}, std::exchange(forced_.fanart, false), now());
-    logFanart(verdict.line);
-    if (verdict.run) runSeries();
+    const ScanDecision due =
+        fanartScanDue(now(), stored_.settings.fanartScanEpoch(), std::exchange(forced_.fanart, false));
+    logFanart(due.line);
+    if (due.run) runSeries();
   }
 
   /// A scan that found no connection has not been.
   void runFilms(const fs::path& folder) {
-    const ScanRecord before{stored_.settings.tmdbScanEpoch(), stored_.settings.tmdbScanLabel()};
-    stored_.settings.setTmdbScan(now(), roomNameOf(folder));
+    const auto before = stored_.settings.tmdbScanEpoch();
+    const auto label = stored_.settings.tmdbScanLabel();
+    stored_.settings.setTmdbScan(now(), scanLabelOf(folder.filename().string()));
     scannedAt_[folder] = now();
     if (posters_->scan(folder, context()) != ScanResult::NetGone) return;
-    stored_.settings.setTmdbScan(before.at.value_or(0), before.label.value_or(""));
+    stored_.settings.setTmdbScan(before.value_or(0), label.value_or(""));
     scannedAt_.erase(folder);
   }
 

@@ -11,7 +11,7 @@
 #include "library/folder_walk.h"
 #include "library/media_paths.h"
 #include "scan/art_files.h"
-#include "scan/episode_names.h"
+#include "scan/episode_stem.h"
 #include "scan/film_folder.h"
 #include "scan/names.h"
 #include "scan/scan_status.h"
@@ -46,28 +46,16 @@ void log(const std::string& line) {
   if (fanartConsoleEnabled) console::logFanart(line);
 }
 
-/// Where an episode stands in its series, by its folder and its name.
-struct Place {
-  std::int32_t season = 0;
-  EpisodeRef ref;
-  std::string mark;  ///< "S01E02"
+std::optional<std::string> wantedStem(const fs::path& video, const std::string& seriesTitle,
+                                      std::optional<std::string_view> title) {
+  return episodeStem(video.stem().string(), video.parent_path().filename().string(), seriesTitle, title);
+}
 
-  /// It has a title that only a better one may replace: what was cut from a name once must not be cut again.
-  bool isNamed(const std::string& stem) const {
-    return stem.starts_with(mark + " - ") && stem.size() > mark.size() + 3;
-  }
-  bool hasPlaceholder(const std::string& stem) const {
-    return stem == mark + " - Episode " + mark.substr(mark.find('E') + 1);
-  }
-};
-
-/// None for a file that is left as it is: not in a season's folder, without a mark, or with several.
-std::optional<Place> placeOf(const fs::path& video) {
-  const std::string stem = video.stem().string();
-  const auto season = seasonNumberOf(video.parent_path().filename().string());
-  const auto ref = season && !hasSeveralMarks(stem) ? findEpisodeMark(stem) : std::nullopt;
-  if (!ref) return {};
-  return Place{*season, *ref, episodeMark(*season, ref->episode)};
+/// A name that was given for want of a title.
+bool hasPlaceholder(const std::string& stem) {
+  const auto mark = findEpisodeMark(stem);
+  const std::string number = mark ? std::to_string(mark->episode) : "";
+  return stem.ends_with(" - Episode " + number) || stem.ends_with(" - Episode 0" + number);
 }
 
 }  // namespace
@@ -117,8 +105,8 @@ bool SeriesScan::complete(const SeriesGroup& group) const {
   if (!art || !isTidiedSeriesRoom(group.room)) return art;
   return std::ranges::all_of(group.videos, [&](const fs::path& video) {
     const std::string stem = video.stem().string();
-    const auto place = placeOf(video);
-    return !place || (place->isNamed(stem) && !(tvdb_.hasKey() && place->hasPlaceholder(stem)));
+    const auto wanted = wantedStem(video, group.folder.filename().string(), {});
+    return !wanted || (*wanted == stem && !(tvdb_.hasKey() && hasPlaceholder(stem)));
   });
 }
 
@@ -134,7 +122,7 @@ void SeriesScan::scanSeries(const SeriesGroup& group) {
   // What the service does not know has its names all the same; without a connection all is left for later.
   if (art.empty()) log("fanart fetch failed for tvdb=" + id);
   if (art.empty() && !fanart_.answered()) return;
-  const std::string title = trim(readSeriesName(art).value_or(name));
+  const std::string title = readSeriesName(art).value_or(name);
   if (tvdb_.hasKey()) {
     const EpisodeTable table = tvdb_.fetchEpisodeTable(id);
     renameSeriesEpisodes(group, title, &table);
@@ -154,9 +142,9 @@ std::string SeriesScan::tvdbIdOf(const SeriesGroup& group, const std::string& na
   if (!tmdb_.hasCredentials() || tidy_.stop || tmdb_.ended()) return {};
   const ParsedName parsed = parseTitleAndYear(name);
   if (parsed.title.empty()) return {};
-  const auto series = chooseCandidate(tmdb_.searchSeries(parsed), parsed.year);
-  if (!series || !series->id) return {};
-  const auto number = tmdb_.tvdbNumberOf(*series->id);
+  const MovieCandidate series = chooseCandidate(tmdb_.searchSeries(parsed), parsed.year);
+  if (!series.id) return {};
+  const auto number = tmdb_.tvdbNumberOf(*series.id);
   if (!number) return {};
   if (known.found == FileFound::Missing) writeTextFile(file, std::to_string(*number));
   return std::to_string(*number);
@@ -180,18 +168,19 @@ void SeriesScan::renameSeriesEpisodes(const SeriesGroup& group, const std::strin
 void SeriesScan::renameEpisode(const fs::path& room, const fs::path& video, const std::string& seriesTitle,
                                const EpisodeTable* table) {
   const std::string stem = video.stem().string();
-  const auto place = placeOf(video);
-  if (!place || (tidy_.busy && tidy_.busy(video))) return;
+  const auto season = seasonNumberOf(video.parent_path().filename().string());
+  const auto mark = season ? findEpisodeMark(stem) : std::nullopt;
+  if (!mark || (tidy_.busy && tidy_.busy(video))) return;
   std::optional<std::string_view> title;
   if (table != nullptr) {
-    const auto entry = table->find({place->season, place->ref.episode});
+    const auto entry = table->find({*season, mark->episode});
     if (entry != table->end() && !entry->second.empty()) title = entry->second;
-    if (!title) log("missing tvdb episode title for " + place->mark + " in " + seriesTitle);
+    if (!title)
+      log("missing tvdb episode title for " + episodeTag(*season, mark->episode) + " in " + seriesTitle);
   }
-  if (!title && place->isNamed(stem)) return;
-  const std::string wanted = episodeStem(stem, place->season, place->ref, seriesTitle, title);
-  if (wanted == stem) return;
-  const fs::path now = renameEpisodeTo(tidy_, room, video, wanted);
+  const auto wanted = wantedStem(video, seriesTitle, title);
+  if (!wanted || *wanted == stem) return;
+  const fs::path now = renameEpisodeTo(tidy_, room, video, *wanted);
   if (now == video) return;
   log("renamed episode " + video.string() + " -> " + now.string());
   changed_ = true;

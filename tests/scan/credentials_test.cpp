@@ -1,0 +1,186 @@
+#include "scan/credentials.h"
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+#include "base/process_flags.h"
+#include "scan/scan_schedule.h"
+#include "support/temp_folder.h"
+
+namespace tavek {
+namespace {
+
+namespace fs = std::filesystem;
+using test::readText;
+using test::writeText;
+
+class CredentialFiles : public testing::Test {
+ protected:
+  test::TempFolder temp;
+  ConfigFolders folders{temp.path() / "current", temp.path() / "home", temp.path() / "program",
+                        temp.path() / "etc"};
+};
+
+TEST_F(CredentialFiles, AreLookedForEverywhereBeforeOneIsMade) {
+  const fs::path inOrder[] = {folders.system, folders.program, folders.home, folders.current};
+  for (const fs::path& folder : inOrder) {
+    writeText(folder / ".tmdb.json", "{}");
+    EXPECT_EQ(findConfigFile(".tmdb.json", folders), folder / ".tmdb.json");
+  }
+  const fs::path stub = folders.home / ".fanart.json";
+  EXPECT_EQ(findConfigFile(".fanart.json", folders), stub);
+  EXPECT_EQ(readText(stub), "{}\n");
+  struct stat status = {};
+  ASSERT_EQ(stat(stub.c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 0777U, 0600U);
+  EXPECT_EQ(findConfigFile(".fanart.json", {}), std::nullopt);
+
+  // Neither a link to nowhere nor what stands there is written to.
+  fs::create_symlink(temp.path() / "nowhere", folders.home / ".link.json");
+  EXPECT_EQ(findConfigFile(".link.json", folders), std::nullopt);
+  EXPECT_FALSE(fs::exists(temp.path() / "nowhere"));
+  writeText(stub, "mine");
+  ensureConfigStub(stub);
+  EXPECT_EQ(readText(stub), "mine");
+}
+
+TEST_F(CredentialFiles, AreReadOnlyIfTheyAreFiles) {
+  fs::create_directories(folders.home);
+  const fs::path pipe = folders.home / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  for (const fs::path& none : {pipe, folders.home, folders.home / "missing", fs::path("/dev/null")}) {
+    EXPECT_EQ(readConfigText(none), std::nullopt) << none;
+  }
+  writeText(folders.home / "lines", "{\"Key\"\n:\n\"a\nb\"}");
+  EXPECT_EQ(readConfigText(folders.home / "lines"), "{\"Key\":\"ab\"}");
+  writeText(folders.home / "long", std::string(100'000, ' ') + R"("Key":"late")");
+  EXPECT_EQ(readConfigText(folders.home / "long")->size(), 65536U);
+}
+
+TEST_F(CredentialFiles, GiveTheirKeysAndKeepThemOutOfTheLog) {
+  writeText(folders.current / ".tmdb.json",
+            R"({"Key" : "abc", "ReadAccessToken":"tok", "TvdbKey":"tv", "TvdbPin":"pin"})");
+  writeText(folders.system / ".fanart.json", R"({"api_key":"fan", "TVDBKey":"tv2"})");
+  tmdbConsoleEnabled = fanartConsoleEnabled = true;
+  testing::internal::CaptureStdout();
+  const Credentials both = loadCredentials(folders);
+  const std::string log = testing::internal::GetCapturedStdout();
+  tmdbConsoleEnabled = fanartConsoleEnabled = false;
+  EXPECT_EQ(both.tmdbKey + both.tmdbToken + both.fanartKey + both.tvdbKey + both.tvdbPin, "abctokfantv2pin");
+  EXPECT_NE(log.find("config loaded from " + (folders.current / ".tmdb.json").string()), std::string::npos);
+  EXPECT_NE(log.find("fanart config loaded from " + (folders.system / ".fanart.json").string()),
+            std::string::npos);
+  for (const char* key : {"\"abc\"", "tok", "tv2", "pin"}) EXPECT_EQ(log.find(key), std::string::npos) << key;
+
+  writeText(folders.current / ".tmdb.json", R"({"FanartKey":"mine"})");
+  const Credentials first = loadCredentials(folders);
+  EXPECT_EQ(first.fanartKey, "mine");
+  EXPECT_EQ(first.tvdbKey, "");
+  EXPECT_FALSE(first.hasTmdb());
+}
+
+TEST(CredentialKeys, AreReadInTheirOrder) {
+  const struct {
+    const char* text;
+    std::optional<std::string> key;
+  } values[] = {
+      {R"({"Key" : "abc"})", "abc"}, {R"({"Key":""})", {}},
+      {R"({"Key":"a)", {}},          {R"({"Key")", {}},
+      {R"({"key":"a"})", {}},        {R"({"Key":5,"Other":"x"})", "Other"},
+      {R"({"Key":"a\"b"})", "a\\"},  {"{\"Key\":\"a\rb\"}", {}},
+      {"{\"Key\":\"a\x7F\"}", {}},
+  };
+  for (const auto& [text, key] : values) EXPECT_EQ(readConfigString(text, "Key"), key) << text;
+
+  const struct {
+    const char* text;
+    std::string fanart;
+  } rows[] = {
+      {R"({"Key":"5","APIKey":"4","ApiKey":"3","client_key":"c","ClientKey":"d"})", "3 c  "},
+      {R"({"FanartKey":"8","Key":"5","FanartClientKey":"9","clientKey":"7"})", "5 7  "},
+      {R"({"api_key":"1","ApiKey":"3","TvdbKey":"a","tvdb_key":"b","TVDBKey":"c"})", "1  c "},
+      {R"({"FanartKey":"8","tvdb_pin":"p","TVDBPin":"q","tvdb_key":"k"})", "8  k q"},
+  };
+  for (const auto& [text, fanart] : rows) {
+    Credentials read;
+    readFanartConfig(text, read);
+    EXPECT_EQ(read.fanartKey + " " + read.fanartClientKey + " " + read.tvdbKey + " " + read.tvdbPin, fanart);
+  }
+}
+
+constexpr std::int64_t now = 1'000'000;
+using Time = std::optional<std::int64_t>;
+
+TEST(ScanSchedule, ScansARoomOnceADay) {
+  const struct {
+    std::int64_t at;
+    TmdbScanRecord record;
+    const char* folder;
+    bool force;
+    ScanDecision decision;
+  } rows[] = {
+      {now,
+       {now - 86399, "movies", {}},
+       "movies",
+       false,
+       {false, false, "scan skipped for movies (last run under 24h)"}},
+      {now, {now - 86400, "movies", {}}, "movies", false, {true}},
+      {now,
+       {now - 5, "Movies", {}},
+       "movies",
+       false,
+       {false, false, "scan skipped for Movies (last run under 24h)"}},
+      {now, {now - 5, "", {}}, "", false, {false, false, "scan skipped (last run under 24h)"}},
+      {now, {now - 5, "movies", {}}, "movies", true, {true, true, "scan forced by --tmdb-scan"}},
+      {now, {now + 5, "movies", {}}, "movies", false, {true}},
+      {now, {{}, "movies", {}}, "movies", false, {true}},
+      {0, {0, "movies", {}}, "movies", false, {true}},
+      {now, {now - 5, {}, {}}, "movies", false, {true}},
+      {now, {now - 5, "movies", {}}, "kids", false, {true}},
+      {now,
+       {now - 5, "kids", now - 3600},
+       "movies",
+       false,
+       {false, false, "scan skipped for movies (last run under 24h)"}},
+      {now, {now - 5, "kids", now - 86400}, "movies", false, {true}},
+      {now, {now - 5, "kids", now - 5}, "movies", true, {true, true, "scan forced by --tmdb-scan"}},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(tmdbScanDue(row.at, row.record, row.folder, row.force), row.decision)
+        << row.folder << " " << row.at - row.record.last.value_or(0);
+  }
+}
+
+TEST(ScanSchedule, ScansTheArtOfSeriesAndAtTheStartOnceADay) {
+  const struct {
+    std::int64_t at;
+    Time last;
+    bool request, start;
+  } rows[] = {
+      {now, {}, true, true},
+      {now, now - 86399, false, false},
+      {now, now - 86400, true, true},
+      {now, now + 1, true, true},
+      {now, now, false, false},
+      {0, {}, true, true},
+      {0, 5, true, false},
+      {-1, -7, true, false},
+      {now, INT64_MIN, true, true},
+      {now, INT64_MAX, true, true},
+      {INT64_MAX, INT64_MIN, true, true},
+  };
+  for (const auto& [at, last, request, start] : rows) {
+    const ScanDecision due = fanartScanDue(at, last, false);
+    EXPECT_EQ(due.run, request) << at;
+    EXPECT_EQ(due.line, request ? "" : "scan skipped (last run under 24h)");
+    EXPECT_EQ(fanartStartScanDue(at, last).run, start) << at;
+    EXPECT_EQ(tmdbStartScanDue(at, last, "kids").line,
+              start ? "startup scan: running TMDB before loading kids" : "");
+  }
+  EXPECT_EQ(fanartScanDue(now, now, true), (ScanDecision{true, true, "scan forced by --fanart-scan"}));
+  EXPECT_EQ(tmdbStartScanDue(now, {}, "").line, "startup scan: running TMDB before loading movies");
+}
+
+}  // namespace
+}  // namespace tavek

@@ -1,0 +1,174 @@
+#include "scan/replies.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "scan/reply_text.h"
+
+namespace tavek {
+namespace {
+
+TEST(ReplyText, IsSearchedForValues) {
+  const struct {
+    const char* body;
+    std::optional<std::string> value;
+  } strings[] = {
+      {R"({"name":"a\u00e9"})", "aé"},
+      {R"({"name":"\ud83d\ude00"})", "\xF0\x9F\x98\x80"},
+      {R"({"name":"\n\"\\\/\u12\q"})", "\n\"\\/12"},
+      {R"({"name":null,"next":"a"})", "next"},
+      {R"({"name":"never ends)", {}},
+      {R"({"name" :"a"})", {}},
+      {"", {}},
+  };
+  for (const auto& [body, value] : strings) EXPECT_EQ(findJsonString(body, "name"), value) << body;
+
+  EXPECT_EQ(findRawString(R"("path":"/a\u00e9.jpg","b")", R"("path":")"), R"(/a\u00e9.jpg)");
+  EXPECT_EQ(findRawString(R"("path":"")", R"("path":")"), std::nullopt);
+  EXPECT_EQ(findRawString(R"("path":"/a)", R"("path":")"), std::nullopt);
+  const struct {
+    const char* body;
+    std::optional<std::int32_t> value;
+  } numbers[] = {{R"("id": 12,)", 12}, {R"("id":0)", {}},           {R"("id":-3)", {}}, {R"("id":null)", {}},
+                 {R"("id":)", {}},     {R"("id":99999999999)", {}}, {R"("ids":5)", {}}, {R"("id":+7x)", 7}};
+  for (const auto& [body, value] : numbers) EXPECT_EQ(findJsonInt(body, R"("id":)"), value) << body;
+}
+
+TEST(Search, GivesAllResultsAndTheOneOfTheYear) {
+  const std::string body = R"({"page":1,"results":[
+    {"adult":false,"genre_ids":[1,2],"id":11,"original_title":"No","title":"A 6\" \"nail\" }","overview":"{[",
+     "release_date":"2019-05-01","poster_path":"/p1.jpg","backdrop_path":null},
+    {"adult":true,"video":false},
+    {"id":12,"title":null,"release_date":"","poster_path":"/../p2.jpg","backdrop_path":"/b2.jpg"},
+    {"belongs":{"id":5,"title":"Other"},"id":"13","title":"B","release_date":"1999-01-01"}],
+    "other":[{"id":99}]})";
+  const std::vector<MovieCandidate> all = readCandidates(body, SearchKind::Film);
+  const MovieCandidate first{11, "A 6\" \"nail\" }", 2019, "/p1.jpg", {}};
+  const MovieCandidate last{13, "B", 1999, {}, {}};
+  EXPECT_THAT(all, testing::ElementsAre(first, MovieCandidate{12, {}, {}, {}, "/b2.jpg"}, last));
+  EXPECT_EQ(chooseCandidate(all, 1999), last);
+  EXPECT_EQ(chooseCandidate(all, 1980), first);
+  EXPECT_EQ(chooseCandidate(all, {}), first);
+  EXPECT_EQ(chooseCandidate({}, 1999), MovieCandidate{});
+
+  EXPECT_THAT(readCandidates(R"({"results":[{"id":3,"name":"S","title":"T","first_air_date":"2001-02"}]})",
+                             SearchKind::Series),
+              testing::ElementsAre(MovieCandidate{3, "S", 2001, {}, {}}));
+  for (const char* none : {"", "<html>", R"({"status_code":7})", R"({"results":null,"a":[{"id":1}]})",
+                           R"({"results":[{"id":1)", R"({"results":[{"id":0}]})"}) {
+    EXPECT_THAT(readCandidates(none, SearchKind::Film), testing::IsEmpty()) << none;
+  }
+}
+
+TEST(Ids, AreThoseOfTheThingItself) {
+  EXPECT_EQ(readIds(R"({"belongs_to_collection":{"id":5,"imdb_id":"tt5"},"genres":[{"id":6}],"id":603,
+                        "imdb_id":"tt0133093"})"),
+            (FilmIds{603, "tt0133093"}));
+  EXPECT_EQ(readIds(R"({"genres":[{"id":6,"imdb_id":"tt5"}],"imdb_id":null})"), FilmIds{});
+  EXPECT_EQ(readIds(R"({"id":-1,"imdb_id":"tt/../1"})"), FilmIds{});
+  EXPECT_EQ(readTvdbNumber(R"({"id":1,"tvdb_id": 121361})"), 121361);
+  EXPECT_EQ(readTvdbNumber(R"({"id":1,"tvdb_id":null,"x":7})"), std::nullopt);
+
+  const struct {
+    const char* text;
+    std::optional<std::string> id;
+  } rows[] = {
+      {"121361\n", "121361"},
+      {" 12 ", "12"},
+      {"<tvshow><id>81189</id>", "81189"},
+      {"<ID> \n81189\n</Id>", "81189"},
+      {"<id>12</id><id>345</id>", "345"},
+      {"<id>81189", {}},
+      {"tvdb: 12", {}},
+      {"tvdb: 12 TheTVDB=3456", "3456"},
+      {"{\"tvdb_id\" : \"789\"}", "789"},
+      {"<tvdbid> 456 </tvdbid><id>123</id>", "456"},
+      {"imdb 12345", {}},
+      {"9999999999999999999", {}},
+      {"", {}},
+  };
+  for (const auto& [text, id] : rows) EXPECT_EQ(readTvdbId(text), id) << text;
+}
+
+TEST(Art, IsEnglishOfItsKindAndSeason) {
+  const std::string body = R"({"name":" Show \u00e9 ","tvdb_id":"1","tvposter":[
+      {"id":"1","url":"https://a/00.jpg","lang":"00","likes":"9"},{"url":"https://a/en.png","lang":"en"},
+      {"url":"","lang":"en"},{"url":"https://a/e n.jpg","lang":"en"},
+      {"lang":"en","likes":[1,{"url":"https://a/in.jpg"}],"url":"https://a/EN.JPG"},
+      {"url":"https://a/late.jpg","lang":"en"}],
+    "tvtheme":[{"url":"https://a/theme","lang":"en"}], "clearlogo":{"a":[{"url":"https://a/l.png","lang":"en"}]},
+    "seasonposter":[{"url":"https://a/all.jpg","lang":"en","season":"all"},
+      {"url":"https://a/0.jpg","lang":"en","season":"0"},{"url":"https://a/3de.jpg","lang":"de","season":"3"},
+      {"url":"https://a/3.jpg","lang":"en","season":" 03 "},{"url":"https://a/12.jpg","lang":"en","season":12},
+      {"url":"https://a/4.jpg","lang":"en","season":4},{"url":"https://a/13.jpg","lang":"en"}]})";
+  EXPECT_EQ(readSeriesName(body), "Show é");
+  EXPECT_EQ(pickArt(body, "tvposter", ".jpg"), "https://a/EN.JPG");
+  EXPECT_EQ(pickArt(body, "tvtheme", ".mp3"), std::nullopt);
+  EXPECT_EQ(pickArt(body, "tvtheme", ""), "https://a/theme");
+  EXPECT_EQ(pickArt(body, "clearlogo", ".png"), std::nullopt);
+  EXPECT_TRUE(hasList(body, "tvtheme"));
+  EXPECT_FALSE(hasList(body, "clearlogo"));
+  const struct {
+    std::int32_t season;
+    std::optional<std::string> url;
+  } seasons[] = {{3, "https://a/3.jpg"}, {4, "https://a/4.jpg"}, {12, "https://a/12.jpg"}, {1, {}}, {13, {}}};
+  for (const auto& [season, url] : seasons) {
+    EXPECT_EQ(pickSeasonArt(body, "seasonposter", ".jpg", season), url) << season;
+  }
+}
+
+TEST(Pictures, HavePlainPaths) {
+  for (const char* good : {"/a.jpg", "/t/A-b_9.png"}) EXPECT_EQ(imagePath(good), good);
+  for (const char* bad : {"", "/", "a.jpg", "/../a.jpg", "/a..jpg", "/a b.jpg", "/a?b.jpg", "/a\n.jpg",
+                          "/é.jpg", "/a@b.jpg", "/a%2e.jpg"}) {
+    EXPECT_EQ(imagePath(bad), std::nullopt) << bad;
+  }
+  EXPECT_EQ(firstLogo(R"({"backdrops":[{"file_path":"/b.png"}],"logos":[{"file_path":"/a.svg"},
+                          {"file_path":null},{"file_path":"/l.png"}]})"),
+            "/l.png");
+  EXPECT_EQ(firstLogo(R"({"logos":[],"posters":[{"file_path":"/p.jpg"}]})"), std::nullopt);
+}
+
+TEST(Episodes, ComeInPages) {
+  const EpisodePage page =
+      readEpisodePage(R"({"status":"success","data":{"series":{"name":"Show","episodes":null},
+      "episodes":[{"id":1,"name":"One","seasonNumber":1,"number":1,"nameTranslations":["eng"],"x":{"number":9}},
+        {"name":"Old","seasonNumber":1,"number":2},{"name":"Two","episodeName":"2nd","season":"1",
+         "episodeNumber":"2"},{"name":null,"seasonNumber":1,"number":3},{"name":"No","number":4},
+        {"name":"Special","seasonNumber":0,"number":1}]},
+      "links":{"prev":null,"self":"https://x/?page=0","next":"https://x/default?page=1","total_items":6}})",
+                      0);
+  EXPECT_EQ(page.entries, (EpisodeTable{{{1, 1}, "One"}, {{1, 2}, "2nd"}, {{0, 1}, "Special"}}));
+  EXPECT_EQ(page.next, 1);
+  EXPECT_EQ(EpisodeHash()({2, 5}), 2630847827U);
+
+  EXPECT_EQ(
+      readEpisodePage(R"({"data":[{"name":"A","season":2,"number":7}],"next": 3})", 2).entries.at({2, 7}),
+      "A");
+  const struct {
+    const char* body;
+    std::int32_t page;
+    std::optional<std::int32_t> next;
+  } rows[] = {
+      {R"({"links":{"next": 3}})", 2, 3},
+      {R"({"next":3})", 3, {}},
+      {R"({"next":-1})", 0, {}},
+      {R"({"links":{"next":null}})", 0, {}},
+      {R"({"links":{"next":"https://x/?page=4&language=eng"}})", 3, 4},
+      {R"({"links":{"next":"https://x/?page=99999999999"}})", 3, {}},
+      {R"({"links":{"next":"https://x/"}})", 3, {}},
+      {R"({"data":[]})", 0, {}},
+      {R"({"links":null})", 0, {}},
+  };
+  for (const auto& [body, number, next] : rows) EXPECT_EQ(readEpisodePage(body, number).next, next) << body;
+}
+
+TEST(Tokens, MayStandInAHeader) {
+  EXPECT_EQ(readToken(R"({"status":"success","data":{"token":"a.b-c"}})"), "a.b-c");
+  for (const char* bad : {"", R"({"token":""})", R"({"token":"a\r\nb"})", R"({"token":"a)"}) {
+    EXPECT_EQ(readToken(bad), std::nullopt) << bad;
+  }
+}
+
+}  // namespace
+}  // namespace tavek
