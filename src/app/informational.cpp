@@ -1,9 +1,12 @@
 #include "app/informational.h"
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 #include <string_view>
+#include <system_error>
 
 #include <SDL.h>
 
@@ -13,7 +16,11 @@ extern "C" {
 
 #include "app/build_info.h"
 #include "base/console.h"
+#include "base/paths.h"
+#include "base/process_flags.h"
 #include "library/file_types.h"
+#include "scan/undo_renames.h"
+#include "state/state_store.h"
 
 namespace tavek {
 namespace {
@@ -98,6 +105,16 @@ int listDrivers() {
   return EXIT_SUCCESS;
 }
 
+/// Of a room's name, or of any path that leads to it. What is remembered knows the media by the library's
+/// path.
+std::filesystem::path roomFolderOf(const std::filesystem::path& given) {
+  std::filesystem::path folder = std::filesystem::absolute(given).lexically_normal();
+  if (!folder.has_filename()) folder = folder.parent_path();
+  std::filesystem::path room = mediaRoot() / folder.filename();
+  std::error_code ignored;
+  return !given.has_parent_path() || std::filesystem::equivalent(folder, room, ignored) ? room : folder;
+}
+
 }  // namespace
 
 void printHelp(std::ostream& out) {
@@ -174,6 +191,21 @@ int giveAnswer(Answer answer) {
     case Answer::Drivers:
       return listDrivers();
   }
+  return EXIT_SUCCESS;
+}
+
+int undoRenamesOf(const std::string& room) {
+  const std::filesystem::path folder = roomFolderOf(room);
+  StateStore state(stateFile());
+  const UndoReport report = undoRenames(folder, state.parts(), quitRequested);
+  if (!report.found) {
+    std::cerr << "Nothing was renamed in " << folder.string() << endl;
+    return EXIT_FAILURE;
+  }
+  for (const std::string& line : report.lines) std::cout << line << endl;
+  std::cout << report.undone << " taken back, " << report.skipped << " skipped" << endl;
+  // There is no hurry, and what is remembered must not stay behind.
+  if (!state.flush(std::chrono::seconds(30))) std::cerr << "Positions and marks could not be saved" << endl;
   return EXIT_SUCCESS;
 }
 

@@ -18,6 +18,10 @@ enum class Answer { None, Help, Git, Extensions, Codecs, Drivers };
 /// Prints the answer on the standard streams; returns the exit status.
 int giveAnswer(Answer answer);
 
+/// Takes the last renames of a room back, which is named as it is below the library or by its path, and tells
+/// what became of each. Returns the exit status: 1 for a room in which nothing was ever renamed.
+int undoRenamesOf(const std::string& room);
+
 /// The decoders of one media type: how many, and the names of the first 20.
 struct DecoderGroup {
   int count = 0;

@@ -102,17 +102,25 @@ std::string setDriver(LaunchOptions& options, const std::string& value) {
   return {};
 }
 
+std::string setUndoRoom(LaunchOptions& options, const std::string& value) {
+  if (value.empty()) return "No room given whose renames are to be undone";
+  options.undoRoom = value;
+  return {};
+}
+
 struct ValueOption {
   std::string_view name;
   std::string (*set)(LaunchOptions&, const std::string&);
 };
 
 constexpr std::string_view driverOption = "--driver";
+constexpr std::string_view undoOption = "--undo-renames";
 constexpr auto valueOptions = std::to_array<ValueOption>({
     {"--orientation", setOrientation},
     {"--language", setLanguage},
     {"--sound", setSound},
     {driverOption, setDriver},
+    {undoOption, setUndoRoom},
 });
 
 void takePath(LaunchOptions& options, const std::string& argument) {
@@ -156,9 +164,12 @@ class ArgumentReader {
     return false;
   }
 
-  /// Without a next argument the option is a bare word like any other.
+  /// Without a next argument the option is a bare word like any other, but for the one that starts nothing.
   bool takeNext(const ValueOption& option) {
-    if (at_ == arguments_.size()) return false;
+    if (at_ == arguments_.size()) {
+      if (option.name == undoOption) result_.error = option.set(result_.options, "");
+      return option.name == undoOption;
+    }
     result_.error = option.set(result_.options, arguments_[at_++]);
     return true;
   }

@@ -33,6 +33,7 @@ struct LaunchOptions {
   bool forceTmdbScan = false;
   bool forceFanartScan = false;
   bool listDrivers = false;
+  std::optional<std::string> undoRoom;  ///< the room whose last renames are to be taken back
   ConsoleSwitches switches;
   std::vector<std::string> dashWords;   ///< left to the second pass
   std::vector<std::string> videoPaths;  ///< what to play, absolute unless the argument was empty

@@ -126,6 +126,11 @@ bool isInside(const fs::path& path, const fs::path& root) {
   return inner.size() == outer.size() || inner[outer.size()] == '/' || inner[outer.size()] == '\\';
 }
 
+std::optional<std::string> inMovedFolder(std::string_view path, std::string_view old, std::string_view now) {
+  if (path.size() <= old.size() || !path.starts_with(old) || path[old.size()] != '/') return {};
+  return std::string(now).append(path.substr(old.size()));
+}
+
 std::optional<fs::path> roomRootOf(const fs::path& path) {
   if (!isInside(path, mediaRoot())) return {};
   const std::vector<fs::path> parts = partsBelow(path, mediaRoot());

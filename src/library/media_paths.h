@@ -30,6 +30,8 @@ std::vector<std::filesystem::path> listRoots(const Flag& stop);
 
 /// True also for the root itself, false for an empty root.
 bool isInside(const std::filesystem::path& path, const std::filesystem::path& root);
+/// Where a path is after its folder `old` has become `now`; none for one that does not lie in it.
+std::optional<std::string> inMovedFolder(std::string_view path, std::string_view old, std::string_view now);
 /// The room that a path lies in; none for the library itself.
 std::optional<std::filesystem::path> roomRootOf(const std::filesystem::path& path);
 /// The same, if that room is known to show series.

@@ -69,6 +69,7 @@ class HttpSession::Work {
 
   bool carryOut(const Request& request);
   bool ended() const { return ended_; }
+  bool answered() const { return answered_; }
   bool netGone() const { return netGone_; }
   std::size_t requests() const { return requests_; }
   void tell(const std::string& text) const;
@@ -98,6 +99,7 @@ class HttpSession::Work {
   int failures_ = 0;     // requests in a row that did not get through
   bool mayWait_ = true;  // once for each call
   bool ended_ = false;
+  bool answered_ = false;
   bool netGone_ = false;
 };
 
@@ -152,6 +154,7 @@ Ending HttpSession::Work::attempt(const Request& request) {
 
 Ending HttpSession::Work::verdict(const Request& request, const WebAddress& address,
                                   const WebAnswer& answer) {
+  answered_ = answer.fault == WebFault::None;
   const bool again = answer.fault == WebFault::Transport || answer.fault == WebFault::Slow;
   if (answer.fault != WebFault::None) return {answer.fault, answer.error, again};
   if (answer.status / 100 != 2) {
@@ -218,6 +221,10 @@ HttpSession::~HttpSession() = default;
 
 bool HttpSession::ended() const {
   return work_->ended();
+}
+
+bool HttpSession::answered() const {
+  return work_->answered();
 }
 
 bool HttpSession::netGone() const {

@@ -69,6 +69,8 @@ class HttpSession {
 
   /// The service refused the key, or three requests in a row did not get through: nothing more is asked.
   bool ended() const;
+  /// The last call came back with an answer, be it a refusal.
+  bool answered() const;
   /// It ended for want of a connection.
   bool netGone() const;
   /// Those that left the machine, with repetitions and redirects.

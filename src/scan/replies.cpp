@@ -45,6 +45,14 @@ std::optional<std::int32_t> yearOf(std::string_view date) {
   return year;
 }
 
+MovieCandidate candidateOf(const Members& members, SearchKind kind) {
+  const bool film = kind == SearchKind::Film;
+  const auto date = stringMember(members, film ? "release_date" : "first_air_date");
+  return {positive(numberMember(members, "id")), stringMember(members, film ? "title" : "name"),
+          yearOf(date.value_or("")), pathMember(members, "poster_path"),
+          pathMember(members, "backdrop_path")};
+}
+
 /// The digits from the place on; empty for fewer than an id has.
 std::string_view idAt(std::string_view text, std::size_t at) {
   constexpr std::size_t fewest = 3;
@@ -144,17 +152,16 @@ std::optional<std::int32_t> nextPage(const std::string& body) {
 }  // namespace
 
 std::vector<MovieCandidate> readCandidates(const std::string& body, SearchKind kind) {
-  const bool film = kind == SearchKind::Film;
   std::vector<MovieCandidate> candidates;
   for (const std::string& object : listObjects(body, "results", mostEntries)) {
-    const Members members = readMembers(object);
-    const auto date = stringMember(members, film ? "release_date" : "first_air_date");
-    MovieCandidate candidate{positive(numberMember(members, "id")),
-                             stringMember(members, film ? "title" : "name"), yearOf(date.value_or("")),
-                             pathMember(members, "poster_path"), pathMember(members, "backdrop_path")};
+    MovieCandidate candidate = candidateOf(readMembers(object), kind);
     if (candidate.id || candidate.title || candidate.year) candidates.push_back(std::move(candidate));
   }
   return candidates;
+}
+
+MovieCandidate readDetails(const std::string& body) {
+  return candidateOf(readMembers(body), SearchKind::Film);
 }
 
 MovieCandidate chooseCandidate(const std::vector<MovieCandidate>& candidates,

@@ -24,6 +24,8 @@ struct MovieCandidate {
 enum class SearchKind { Film, Series };
 /// All results in the order of the reply.
 std::vector<MovieCandidate> readCandidates(const std::string& body, SearchKind kind);
+/// The film of a reply with its details.
+MovieCandidate readDetails(const std::string& body);
 /// The first of this year, else the first of all; an empty one if there is none.
 MovieCandidate chooseCandidate(const std::vector<MovieCandidate>& candidates,
                                std::optional<std::int32_t> year);

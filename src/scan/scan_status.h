@@ -29,6 +29,18 @@ class ScanActivity {
   std::string label_;
 };
 
+/// A message for as long as this lives, unless somebody else sets another one.
+class ScanMessage {
+ public:
+  explicit ScanMessage(std::string text) : text_(std::move(text)) { setScanStatus(text_); }
+  ~ScanMessage() { clearScanStatusIf(text_); }
+  ScanMessage(const ScanMessage&) = delete;
+  ScanMessage& operator=(const ScanMessage&) = delete;
+
+ private:
+  std::string text_;
+};
+
 /// What the status line says: the message, else the label of the one activity; empty for none.
 std::string currentScanStatus();
 

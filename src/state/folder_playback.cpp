@@ -88,4 +88,8 @@ void FolderPlayback::rename(const std::string& old, const std::string& now) {
   change({.media = old, .renamedTo = now});
 }
 
+void FolderPlayback::renameFolder(const fs::path& old, const fs::path& now) {
+  files_.renameFolder(old, now);
+}
+
 }  // namespace tavek

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <filesystem>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -29,6 +32,12 @@ class FolderPlayback {
   void setPosition(const std::string& media, std::int64_t position);
   void setWatched(const std::string& media, bool watched);
   void rename(const std::string& old, const std::string& now);
+  void renameFolder(const std::filesystem::path& old, const std::filesystem::path& now);
+
+  /// To be held by who renames media, until all of it is told: nothing is written beside the media meanwhile.
+  std::unique_lock<std::mutex> pauseWrites() { return files_.pause(); }
+  /// StateStore's, for a worker that has to know that what it told is saved.
+  bool flush(std::chrono::milliseconds limit) { return saves_.flush(limit); }
 
  private:
   PlaybackFiles::View look(const std::string& media);

@@ -1,6 +1,7 @@
 #include "state/media_notes.h"
 
 #include <utility>
+#include <vector>
 
 #include "library/media_paths.h"
 
@@ -32,6 +33,15 @@ template <typename Values>
 void moveEntry(Values& values, const std::string& old, const std::string& now) {
   auto entry = values.extract(old);
   if (entry) values.insert_or_assign(now, std::move(entry.mapped()));
+}
+
+template <typename Values>
+void moveBelow(Values& values, const std::string& old, const std::string& now) {
+  std::vector<std::string> moved;
+  for (const auto& [media, value] : values) {
+    if (inMovedFolder(media, old, now)) moved.push_back(media);
+  }
+  for (const std::string& media : moved) moveEntry(values, media, *inMovedFolder(media, old, now));
 }
 
 }  // namespace
@@ -83,6 +93,15 @@ void MediaNotes::rename(const std::string& old, const std::string& now) {
   moveEntry(notes->audioParamA, old, now);
   moveEntry(notes->audioParamB, old, now);
   moveEntry(notes->frameSizes, old, now);
+}
+
+void MediaNotes::renameFolder(const std::string& old, const std::string& now) {
+  const auto notes = notes_.hold();
+  moveBelow(notes->scanNotesA, old, now);
+  moveBelow(notes->scanNotesB, old, now);
+  moveBelow(notes->audioParamA, old, now);
+  moveBelow(notes->audioParamB, old, now);
+  moveBelow(notes->frameSizes, old, now);
 }
 
 }  // namespace tavek

@@ -32,6 +32,7 @@ class MediaNotes {
 
   /// The notes follow a media file to its new path.
   void rename(const std::string& old, const std::string& now);
+  void renameFolder(const std::string& old, const std::string& now);
 
  private:
   template <typename Value>

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
@@ -39,7 +40,14 @@ class PlaybackFiles {
     bool damaged = false;  ///< an edit without a value repairs it
   };
   View look(const std::string& media);
+  /// A rename takes along what is still to be written about the media file; the file has its new name
+  /// already.
   void add(PlaybackEdit edit);
+  /// A folder has a new name, with the playback.json in it.
+  void renameFolder(const std::filesystem::path& old, const std::filesystem::path& now);
+  /// Nothing is written as long as this is held: who renames files must not meet half of a save. Looks and
+  /// edits do not wait for it.
+  std::unique_lock<std::mutex> pause() { return std::unique_lock(saving_); }
   /// On the thread that saves. False where something has to be tried again.
   bool save();
 
@@ -55,10 +63,13 @@ class PlaybackFiles {
     unsigned version = 0;
   };
 
+  static void addRename(Memory& memory, PlaybackEdit edit);
+  bool saveOne(unsigned version);
   bool store(const PlaybackEdit& edit);
   bool move(const std::string& old, const std::string& now);
 
   Guarded<Memory> memory_;
+  std::mutex saving_;                      ///< held for each edit that is written
   std::set<std::filesystem::path> swept_;  ///< without leftovers; the saving thread's
 };
 

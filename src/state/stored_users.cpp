@@ -37,6 +37,21 @@ RoomState& roomOf(StoredState& state, const std::string& user, const std::string
   return roomStateOf(state.profiles[name], roomNameOfMedia(media));
 }
 
+/// True if anything of the block lay in the folder.
+bool moveBelow(RoomState& room, const std::string& old, const std::string& now) {
+  const auto playing = room.playing ? inMovedFolder(*room.playing, old, now) : std::nullopt;
+  if (playing) room.playing = playing;
+  bool changed = playing.has_value();
+  for (auto seen = room.watched.lower_bound(old + "/"); seen != room.watched.end();) {
+    const auto moved = inMovedFolder(*seen, old, now);
+    if (!moved) break;
+    seen = room.watched.erase(seen);
+    room.watched.insert(*moved);
+    changed = true;
+  }
+  return changed;
+}
+
 }  // namespace
 
 // --- Users ---
@@ -200,6 +215,21 @@ void StoredUsers::renameMedia(const std::string& old, const std::string& now) {
         if (watched) room.watched.insert(now);
         if (plays || watched) changed = true;
       });
+    }
+    return changed;
+  });
+}
+
+void StoredUsers::renameFolder(const std::filesystem::path& old, const std::filesystem::path& now) {
+  const std::string from = old.string();
+  const std::string to = now.string();
+  if (from.empty() || to.empty() || from == to) return;
+  playback_.renameFolder(old, now);
+  notes_.renameFolder(from, to);
+  memory_.change(Save::Always, [&](StoredState& state) {
+    bool changed = false;
+    for (auto& [name, profile] : state.profiles) {
+      forEachRoom(profile, [&](std::string_view, RoomState& room) { changed |= moveBelow(room, from, to); });
     }
     return changed;
   });

@@ -52,6 +52,8 @@ class StoredUsers {
   std::optional<std::filesystem::path> resumeTarget(const std::filesystem::path& roomFolder);
   /// Everything that is kept about a media file follows it to its new path.
   void renameMedia(const std::string& old, const std::string& now);
+  /// The same for all media in a folder that has a new name.
+  void renameFolder(const std::filesystem::path& old, const std::filesystem::path& now);
 
  private:
   StateMemory& memory_;

@@ -21,12 +21,13 @@ std::vector<std::string> split(const std::string& line, char separator) {
 
 /// Language, driver, numbers of orientation and sound mode, one digit per switch, then words and paths.
 std::string describe(const FirstPass& pass) {
-  const auto& [language, driver, orientation, sound, tmdb, fanart, list, switches, words, paths] =
+  const auto& [language, driver, orientation, sound, tmdb, fanart, list, undo, switches, words, paths] =
       pass.options;
   const auto& [debug, bluetooth, seek, detail, focus, keys] = switches;
   std::ostringstream text;
   text << *language << '|' << driver.value_or("-") << '|' << static_cast<int>(orientation)
        << static_cast<int>(sound) << '|' << list << debug << bluetooth << seek << detail << focus << keys;
+  if (undo) text << " undo:" << *undo;
   for (const std::string& word : words) text << ' ' << word;
   for (const std::string& path : paths) text << ' ' << path;
   return pass.error + text.str();
@@ -48,6 +49,9 @@ TEST(Options, TakeValuesSwitchesAndPaths) {
       {"--sound=stereo,--driver", "en|-|01|1000000"},
       {"--debug,--bluetooth-debug,--seek-debug", "en|-|02|0111000"},
       {"--movie-detail,--focus-mode,--show-keycodes", "en|-|02|0000111"},
+      {"--undo-renames,movies,--debug", "en|-|02|0100000 undo:movies"},
+      {"--undo-renames", "No room given whose renames are to be undoneen|-|02|0000000"},
+      {"--undo-renames=,a.mkv", "No room given whose renames are to be undoneen|-|02|0000000"},
       {"--bogus,--debugger,--,--sounds=x", "en|-|02|0000000 --bogus --debugger -- --sounds=x"},
       {"film.mkv,/a/b.MP4,notes.doc,,c/d.avi",
        "en|-|02|0000000 /media/movies/film.mkv /a/b.MP4 /media/movies/c/d.avi"},

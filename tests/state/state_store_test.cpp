@@ -180,14 +180,53 @@ TEST_F(StateStoreTest, LetsWhatIsKnownFollowARename) {
   playback.setPlaybackVolume(old, 2);
   users.renameMedia(old, moved);
   const std::string folder = R"({"offset":7,"volume":2,"watched":true})";
-  EXPECT_EQ(kept("movies/playback.json"), folder) << "it serves the new path too";
+  EXPECT_EQ(kept("movies/playback.json") + kept("movies/A/playback.json"), folder) << "the file has moved";
   EXPECT_THAT(saved().profiles["Ann"].movies.watched, ElementsAre(moved));
   EXPECT_EQ(saved().profiles["Ann"].movies.playing, moved);
   put("kids/A/playback.json", "{}");
   users.renameMedia(moved, away);
-  EXPECT_EQ(kept("kids/A/playback.json") + kept("movies/playback.json"), folder);
+  EXPECT_EQ(kept("kids/A/playback.json") + kept("movies/A/playback.json"), folder);
   EXPECT_EQ(*notes.scanNoteA(away) + notes.scanNoteB(in("tv/a")).value_or(""), "tt1");
   EXPECT_TRUE(notes.frameSize(away)->width == 4 && !notes.frameSize(old));
+}
+
+TEST_F(StateStoreTest, LeavesWhatOthersNeedAndLosesNothingUnknown) {
+  put("movies/Box/b.mkv", "x");
+  put("movies/A/A.mkv", "x");
+  put("movies/Box/playback.json", R"({"offset":9,"volume":2,"later":1})");
+  users.renameMedia(in("movies/Box/a.mkv"), in("movies/A/A.mkv"));
+  EXPECT_EQ(kept("movies/Box/playback.json"), R"({"offset":9,"volume":2,"later":1})");
+  EXPECT_EQ(kept("movies/A/playback.json"), R"({"volume":2,"later":1})") << "the place may be of the other";
+
+  put("movies/B/B.mkv", "x");
+  put("movies/Box/playback.json", R"({"positions":{"a.mkv":{"offset":4,"new":5},"b.mkv":{"offset":6}}})");
+  users.renameMedia(in("movies/Box/a.mkv"), in("movies/B/B.mkv"));
+  EXPECT_EQ(kept("movies/Box/playback.json"), R"({"positions":{"b.mkv":{"offset":6}}})");
+  EXPECT_EQ(kept("movies/B/playback.json"), R"({"positions":{"B.mkv":{"offset":4,"new":5}}})");
+}
+
+TEST_F(StateStoreTest, FollowsAFolderWithWhatIsNotSavedYet) {
+  put("movies/old/a.mkv", "x");
+  put("movies/old/b.mkv", "x");
+  put("movies/old/playback.json", R"({"volume":2,"positions":{"a.mkv":{"offset":4}}})");
+  users.markWatched(in("movies/old/b.mkv"), true, "Bob");
+  users.markWatched(in("movies/older/c.mkv"), true, "Bob");
+  kept("persist.json");
+  {
+    const auto still = playback.pauseWrites();
+    users.setPosition(in("movies/old/a.mkv"), 7, "Ann");
+    fs::rename(in("movies/old/a.mkv"), in("movies/old/A.mkv"));
+    users.renameMedia(in("movies/old/a.mkv"), in("movies/old/A.mkv"));
+    EXPECT_EQ(playback.position(in("movies/old/A.mkv")), 7);
+    fs::rename(in("movies/old"), in("movies/A"));
+    users.renameFolder(in("movies/old"), in("movies/A"));
+  }
+  EXPECT_THAT(kept("movies/A/playback.json"),
+              HasSubstr(R"("positions":{"A.mkv":{"offset":7},"b.mkv":{"watched":true}}})"));
+  EXPECT_FALSE(fs::exists(in("movies/old")));
+  EXPECT_EQ(saved().profiles["Ann"].movies.playing, in("movies/A/A.mkv"));
+  EXPECT_THAT(saved().profiles["Bob"].movies.watched,
+              ElementsAre(in("movies/A/b.mkv"), in("movies/older/c.mkv")));
 }
 
 TEST_F(StateStoreTest, KnowsWhatPlaysAndWhatWasWatched) {
