@@ -74,10 +74,13 @@ bool mayBeFilm(const Wish& wish) {
 }
 
 bool isNameTaken(const Wish& wish, const FolderContent& there, const fs::path& folder) {
-  const bool hasNamesake = std::ranges::any_of(there.files, [&](const std::string& file) {
-    const fs::path name = file;
-    return folder / name != wish.video && name.stem() == wish.stem && isFilmName(name);
-  });
+  const std::string begin = wish.stem + ".";
+  bool hasNamesake = false;
+  for (auto file = there.files.lower_bound(begin); file != there.files.end() && file->starts_with(begin);
+       ++file) {
+    const fs::path name = *file;
+    hasNamesake |= folder / name != wish.video && name.stem() == wish.stem && isFilmName(name);
+  }
   const bool taken = hasNamesake || isTaken(folder / wish.name()) ||
                      logOf(wish.context, wish.room).wasVacated(folder / wish.name());
   if (taken) wish.tell("skip rename (target exists): " + (folder / wish.name()).string());
@@ -139,7 +142,7 @@ fs::path moveOut(const Wish& wish, const FolderContent& content) {
 
 fs::path tidy(const Wish& wish) {
   const bool flat = wish.folder() == wish.room;
-  const FolderContent content = contentOf(wish.folder());
+  const FolderContent& content = wish.context.folders.read(wish.folder());
   if (!isChosen(content, wish.video, flat)) return wish.video;
   if (!flat && logOf(wish.context, wish.room).wasLeft(wish.folder())) return wish.video;
   // Nothing may be saved under a name that is just going away.
@@ -229,7 +232,7 @@ fs::path renameEpisodeTo(const TidyContext& context, const fs::path& room, const
                          const std::string& wantedStem) {
   const Wish wish{context, plainRoom(room), video, wantedStem};
   if (video.stem() == wantedStem || !mayBeRenamed(wish)) return video;
-  const FolderContent content = contentOf(wish.folder());
+  const FolderContent& content = context.folders.read(wish.folder());
   if (!isChosen(content, video, true)) return video;
   const auto still = context.stored.playback.pauseWrites();
   const fs::path now = renameInFolder(wish, content);

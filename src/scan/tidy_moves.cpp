@@ -78,6 +78,7 @@ bool TidyMoves::moveFiles() {
   for (const Move& move : files_) {
     if (renameNoReplace(move.old, move.now)) {
       done.push_back(move);
+      context_.folders.noteRename(move.old, move.now);
       if (isVideoFile(move.now)) context_.stored.users.renameMedia(move.old.string(), move.now.string());
       continue;
     }
@@ -93,7 +94,8 @@ void TidyMoves::moveBack(const std::vector<Move>& done) {
   std::vector<LoggedRename> lines;
   for (const Move& move : done | std::views::reverse) lines.push_back(logged(move, true));
   if (lines.empty() || !logOf(context_, room_).append(lines)) return;
-  for (const auto& [old, now] : done | std::views::reverse) renameNoReplace(now, old);
+  for (const auto& [old, now] : done | std::views::reverse)
+    if (renameNoReplace(now, old)) context_.folders.noteRename(now, old);
 }
 
 }  // namespace tavek

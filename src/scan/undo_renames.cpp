@@ -3,6 +3,7 @@
 #include <chrono>
 #include <ranges>
 #include <system_error>
+#include <unistd.h>
 
 #include "base/file_write.h"
 #include "library/file_types.h"
@@ -41,6 +42,8 @@ class Undo {
  private:
   /// Empty once it is taken back.
   std::string whyNot(const fs::path& now, const fs::path& old) {
+    // An undo that was cut short may have made it anew for the sake of a folder in it.
+    if (isTaken(old) && isReallyInside(room_, now)) ::rmdir(now.c_str());
     if (!isTaken(now)) {
       // Taken back already by an undo that was cut short, which may not have saved that.
       if (isTaken(old) && isReallyInside(room_, old)) follow(now, old);
