@@ -148,7 +148,7 @@ fs::path tidy(const Wish& wish) {
   // Nothing may be saved under a name that is just going away.
   const auto still = wish.context.stored.playback.pauseWrites();
   if (wish.folder() == wish.room / wish.stem) return renameInFolder(wish, content);
-  const bool deep = wish.folder().parent_path() != wish.room;
+  const bool deep = !flat && wish.folder().parent_path() != wish.room;
   // A link that leads up would lead elsewhere from another height.
   const bool bound = deep && anyBelow(wish.folder(), [](const fs::path& file) {
                        std::error_code ignored;
