@@ -1,7 +1,6 @@
 #include "scan/film_folder.h"
 
 #include <algorithm>
-#include <ranges>
 #include <sys/stat.h>
 #include <system_error>
 
@@ -105,14 +104,15 @@ std::vector<std::string> companionEndings(const FolderContent& content, const fs
   const auto last = std::find_if(first, content.files.end(),
                                  [&](const std::string& file) { return !file.starts_with(stem); });
   std::vector<std::string> longerStems;
-  for (const std::string& file : std::ranges::subrange(first, last)) {
-    if (!isVideoFile(file)) continue;
-    if (std::string other = stemOf(file); other.size() > stem.size()) longerStems.push_back(std::move(other));
+  for (auto file = first; file != last; ++file) {
+    if (!isVideoFile(*file)) continue;
+    if (std::string other = stemOf(*file); other.size() > stem.size())
+      longerStems.push_back(std::move(other));
   }
   std::vector<std::string> endings;
-  for (const std::string& file : std::ranges::subrange(first, last)) {
-    const std::string_view ending = companionEnding(file, stem);
-    const auto isOf = [&](const std::string& other) { return !companionEnding(file, other).empty(); };
+  for (auto file = first; file != last; ++file) {
+    const std::string_view ending = companionEnding(*file, stem);
+    const auto isOf = [&](const std::string& other) { return !companionEnding(*file, other).empty(); };
     if (!ending.empty() && std::ranges::none_of(longerStems, isOf)) endings.emplace_back(ending);
   }
   return endings;

@@ -181,7 +181,7 @@ class Afterwards {
 
  private:
   struct Renamed {
-    std::size_t index;
+    std::size_t index = 0;
     fs::path now;
   };
   const fs::path& room_;
@@ -212,13 +212,13 @@ bool isTidiedSeriesRoom(const fs::path& room) {
   return isNamedAmong(seriesRooms, room);
 }
 
-void settleRenames(const TidyContext& context, const fs::path& given) {
-  const fs::path room = plainRoom(given);
-  const RenameHistory history = readRenames(room);
+void settleRenames(const TidyContext& context, const fs::path& room) {
+  const fs::path plain = plainRoom(room);
+  const RenameHistory history = readRenames(plain);
   if (history.settled == history.renames.size()) return;
   // Those of this scan were told when they were done.
-  if (!context.logs.contains(room)) tellAgain(context.stored.users, room, history);
-  if (context.stored.playback.flush(longestSave)) logOf(context, room).markSettled(context.scanTime);
+  if (!context.logs.contains(plain)) tellAgain(context.stored.users, plain, history);
+  if (context.stored.playback.flush(longestSave)) logOf(context, plain).markSettled(context.scanTime);
 }
 
 fs::path tidyFilm(const TidyContext& context, const fs::path& room, const fs::path& video,
@@ -235,7 +235,7 @@ fs::path renameEpisodeTo(const TidyContext& context, const fs::path& room, const
   const FolderContent& content = context.folders.read(wish.folder());
   if (!isChosen(content, video, true)) return video;
   const auto still = context.stored.playback.pauseWrites();
-  const fs::path now = renameInFolder(wish, content);
+  fs::path now = renameInFolder(wish, content);
   if (now != video) wish.tell("renamed episode " + video.string() + " -> " + now.string());
   return now;
 }

@@ -1,8 +1,9 @@
 #include "scan/tidy_moves.h"
 
-#include <ranges>
+#include <algorithm>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include "base/file_write.h"
 #include "library/file_types.h"
@@ -84,18 +85,20 @@ bool TidyMoves::moveFiles() {
     }
     tell("failed to rename " + move.old.string() + " -> " + move.now.string());
     if (&move != &files_.back()) continue;
-    moveBack(done);
+    moveBack(std::move(done));
     return false;
   }
   return true;
 }
 
-void TidyMoves::moveBack(const std::vector<Move>& done) {
+void TidyMoves::moveBack(std::vector<Move> done) {
+  std::ranges::reverse(done);
   std::vector<LoggedRename> lines;
-  for (const Move& move : done | std::views::reverse) lines.push_back(logged(move, true));
+  for (const Move& move : done) lines.push_back(logged(move, true));
   if (lines.empty() || !logOf(context_, room_).append(lines)) return;
-  for (const auto& [old, now] : done | std::views::reverse)
+  for (const auto& [old, now] : done) {
     if (renameNoReplace(now, old)) context_.folders.noteRename(now, old);
+  }
 }
 
 }  // namespace tavek

@@ -1,7 +1,6 @@
 #include "scan/undo_renames.h"
 
 #include <chrono>
-#include <ranges>
 #include <system_error>
 #include <unistd.h>
 
@@ -99,9 +98,9 @@ UndoReport undoRenames(const fs::path& room, Stored stored, const Flag& stop) {
   Undo undo(room, stored, report);
   {
     const auto still = stored.playback.pauseWrites();
-    for (const LoggedRename& rename : history.renames | std::views::reverse) {
+    for (auto rename = history.renames.rbegin(); rename != history.renames.rend(); ++rename) {
       if (stop) return report;
-      if (rename.time == time) undo.take(rename);
+      if (rename->time == time) undo.take(*rename);
     }
   }
   // What could not be moved, or saved, is tried again by the next undo.
