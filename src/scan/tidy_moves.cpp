@@ -94,6 +94,7 @@ bool TidyMoves::moveFiles() {
 void TidyMoves::moveBack(std::vector<Move> done) {
   std::ranges::reverse(done);
   std::vector<LoggedRename> lines;
+  lines.reserve(done.size());
   for (const Move& move : done) lines.push_back(logged(move, true));
   if (lines.empty() || !logOf(context_, room_).append(lines)) return;
   for (const auto& [old, now] : done) {

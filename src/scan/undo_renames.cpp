@@ -1,5 +1,6 @@
 #include "scan/undo_renames.h"
 
+#include <algorithm>
 #include <chrono>
 #include <system_error>
 #include <unistd.h>
@@ -92,15 +93,16 @@ UndoReport undoRenames(const fs::path& room, Stored stored, const Flag& stop) {
     report.lines.emplace_back("the files of this room are being renamed just now");
     return report;
   }
-  const RenameHistory history = readRenames(room);
+  RenameHistory history = readRenames(room);
   if (history.renames.empty()) return report;
   const std::int64_t time = history.renames.back().time;
+  std::ranges::reverse(history.renames);
   Undo undo(room, stored, report);
   {
     const auto still = stored.playback.pauseWrites();
-    for (auto rename = history.renames.rbegin(); rename != history.renames.rend(); ++rename) {
+    for (const LoggedRename& rename : history.renames) {
       if (stop) return report;
-      if (rename->time == time) undo.take(*rename);
+      if (rename.time == time) undo.take(rename);
     }
   }
   // What could not be moved, or saved, is tried again by the next undo.
