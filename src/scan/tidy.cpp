@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 
@@ -66,11 +67,12 @@ bool mayBeRenamed(const Wish& wish) {
 /// A film, and no episode or extra that lies among films.
 bool mayBeFilm(const Wish& wish) {
   const fs::path folders = wish.video.lexically_relative(wish.room).parent_path();
-  const auto isOther = [](const fs::path& name) {
-    return isExtrasFolder(name.string()) || isSeasonFolder(name.string());
-  };
-  return std::ranges::none_of(folders, isOther) && !isExtrasFolder(wish.stem) &&
-         !parseSeasonEpisode(wish.video.stem().string());
+  const auto isExtras = [](const fs::path& name) { return isExtrasFolder(name.string()); };
+  const auto isSeason = [](const fs::path& name) { return isSeasonFolder(name.string()); };
+  // A season lies in a series; directly in the room it is a title that only begins like one.
+  const auto below = folders.empty() ? folders.end() : std::next(folders.begin());
+  return std::ranges::none_of(folders, isExtras) && std::none_of(below, folders.end(), isSeason) &&
+         !isExtrasFolder(wish.stem) && !parseSeasonEpisode(wish.video.stem().string());
 }
 
 bool isNameTaken(const Wish& wish, const FolderContent& there, const fs::path& folder) {
@@ -125,12 +127,13 @@ fs::path renameOwnFolder(const Wish& wish, const FolderContent& content) {
 /// Into a folder of its own, out of one that is shared.
 fs::path moveOut(const Wish& wish, const FolderContent& content) {
   const fs::path goal = wish.room / wish.stem;
+  std::error_code ignored;
+  if (isTaken(goal) && !fs::is_directory(fs::symlink_status(goal, ignored))) return wish.video;
   const FolderContent there = contentOf(goal);
   if (isNameTaken(wish, there, goal)) return wish.video;
   // Another film there would be hard to tell from this one.
   if (std::ranges::any_of(there.files, [](const std::string& file) { return isFilmName(file); }))
     return wish.video;
-  if (isTaken(goal) && !isReallyInside(wish.room, goal)) return wish.video;
   TidyMoves moves(wish.context, wish.room);
   moves.makeFirst(goal);
   addFiles(wish, content, goal, moves);
