@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "bench/library_maker.h"
+#include "bench/listening.h"
 #include "bench/measure.h"
 
 namespace tavek::bench {
@@ -14,14 +15,14 @@ namespace {
 constexpr const char* help =
     "tavek_bench: the program against ffplay, side by side on a screen and a sink of their own\n"
     "  --runs N           runs of each row, of which the median counts (default 3)\n"
-    "  --only A,B         only these rows: film24 film60 film4k seek software home\n"
+    "  --only A,B         only these rows: film24 film60 film4k seek software home songs themes\n"
     "  --players A,B      only these players: tavek ffplay\n"
     "  --program PATH     the program to measure (default: the one of this build)\n"
     "The clips are made on the first run, which takes minutes. Nothing else should run on the machine.\n";
 
 struct Options {
   int runs = 3;
-  std::string only = "film24,film60,film4k,seek,software,home";
+  std::string only = "film24,film60,film4k,seek,software,home,songs,themes";
   std::string players = "tavek,ffplay";
   std::string program = TAVEK_PROGRAM;
 };
@@ -60,6 +61,10 @@ const std::map<std::string, std::string> goals = {
     {"seek key to even pictures, ms", "<= 200"},
     {"home exec to home screen, ms", "<= 300"},
     {"software CPU s per played s", "<= 2.10 of decoding"},
+    {"songs key to next track, ms", "<= 250"},
+    {"songs gap in an album, ms", "<= 30"},
+    {"themes key to theme, ms", "<= 400"},
+    {"themes key to silence, ms", "<= 120"},
 };
 
 bool lists(const std::string& list, const std::string& word) {
@@ -139,6 +144,8 @@ class Bench {
     if (wants("seek")) runSeek(makeFilm("seek", 1920, 1080, 24, 60, 8));
     if (wants("software")) runSoftware(films[0]);
     if (wants("home")) runHome();
+    if (wants("songs")) runSongs();
+    if (wants("themes")) runThemes();
   }
 
  private:
@@ -200,18 +207,39 @@ class Bench {
   void runHome() {
     const std::string library = TAVEK_BENCH_MEDIA "/library";
     makeLibrary(library);
-    Values home;
-    Values user;
-    Values strip;
+    std::vector<double> home, user, strip;
     for (int run = 0; run < options_.runs; ++run) {
-      const Browsing browsing = browse(stage_, {"tavek", {options_.program}, {}}, library);
-      home["tavek"].push_back(browsing.firstHome);
-      user["tavek"].push_back(browsing.userKey);
-      strip["tavek"].push_back(browsing.stripKey);
+      const Browsing browsing = browse(stage_, own(), library);
+      home.push_back(browsing.firstHome);
+      user.push_back(browsing.userKey);
+      strip.push_back(browsing.stripKey);
     }
-    printMedians("home", "exec to home screen, ms", home, 0);
-    printMedians("home", "key to user, ms", user, 0);
-    printMedians("home", "key to poster, ms", strip, 0);
+    printOwn("home", "exec to home screen, ms", home);
+    printOwn("home", "key to user, ms", user);
+    printOwn("home", "key to poster, ms", strip);
+  }
+
+  void runSongs() {
+    Listening heard;
+    for (int run = 0; run < options_.runs; ++run) hearSongs(stage_, own(), TAVEK_BENCH_MEDIA "/heard", heard);
+    printOwn("songs", "key to next track, ms", heard.nextTrack);
+    printOwn("songs", "gap in an album, ms", heard.gap);
+  }
+
+  void runThemes() {
+    Listening heard;
+    for (int run = 0; run < options_.runs; ++run)
+      hearThemes(stage_, own(), TAVEK_BENCH_MEDIA "/heard", heard);
+    printOwn("themes", "key to theme, ms", heard.theme);
+    printOwn("themes", "key to silence, ms", heard.silence);
+  }
+
+  Player own() const { return {"tavek", {options_.program}, {}}; }
+
+  static void printOwn(const std::string& row, const std::string& measure,
+                       const std::vector<double>& values) {
+    Values own{{"tavek", values}};
+    printMedians(row, measure, own, 0);
   }
 
   std::vector<double> floors(const Film& film, const std::string& file) const {

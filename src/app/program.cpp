@@ -18,6 +18,7 @@
 #include "base/paths.h"
 #include "base/process_flags.h"
 #include "display/display.h"
+#include "scan/scan_thread.h"
 #include "sound/alsa_device.h"
 #include "state/state_store.h"
 #include "viewing/item_loop.h"
@@ -60,12 +61,18 @@ void loadState(StateStore& state, LaunchOptions& options) {
 int play(const LaunchOptions& options, StateStore& state) {
   const Stored stored = state.parts();
   Display display(0, 0, 1920, 1080, options.orientation, stored, steadyClock());
+  ScanThread scans(stored, {options.forceTmdbScan, options.forceFanartScan});
+  display.setScanRequests({[&](const auto& room) { scans.tmdbScanRequest(room); },
+                           [&](const auto& room) { scans.tvArtScanRequest(room); }});
   const PlayContext context{.display = display,
                             .stored = stored,
                             .clock = steadyClock(),
                             .language = options.language,
-                            .soundDevice = display.soundThemes(alsaDeviceFactory(), options.soundMode)};
+                            .soundDevice = display.soundThemes(alsaDeviceFactory(), options.soundMode),
+                            .itemInUse = [&](const auto& item) { scans.setItemInUse(item); }};
   display.goHome(true);
+  scans.startUp(display.currentFolder());
+  if (options.videoPaths.empty()) display.showScanScreen();
   int status = EXIT_SUCCESS;
   if (!options.videoPaths.empty()) {
     playNamedFiles(context, options);
@@ -80,17 +87,18 @@ int play(const LaunchOptions& options, StateStore& state) {
   return status;
 }
 
+/// What hangs in a dead disk can't be joined, and must not be torn down under its feet.
+int afterThreads(int status) {
+  if (!joinLeftThreads(std::chrono::milliseconds(700))) std::_Exit(status);
+  return status;
+}
+
 int runStored(LaunchOptions& options) {
   StateStore state(stateFile());
   const LastResort lastResort(state);
   loadState(state, options);
-  return play(options, state);
-}
-
-int afterThreads(int status) {
-  // What hangs in a dead disk can't be joined, and must not be torn down under its feet.
-  if (!joinLeftThreads(std::chrono::milliseconds(100))) std::_Exit(status);
-  return status;
+  // What was left has a hold on the state: a scan in mid-transfer ends soon.
+  return afterThreads(play(options, state));
 }
 
 }  // namespace
@@ -108,7 +116,7 @@ int runProgram(int argc, const char* const* argv) {
   if (debugEnabled) std::filesystem::remove(stateFile(), ignored);
   tmdbConsoleEnabled = fanartConsoleEnabled = debugEnabled;
 
-  return afterThreads(runStored(line.options));
+  return runStored(line.options);
 }
 
 }  // namespace tavek

@@ -12,6 +12,7 @@
 #include "library/file_types.h"
 #include "library/match_key.h"
 #include "library/media_paths.h"
+#include "scan/scan_status.h"
 
 namespace tavek {
 namespace {
@@ -217,6 +218,31 @@ void Display::goHome(bool refresh) {
   posters.clearSelection();
   if (refresh && posters.list().empty()) openPosterFolder(currentFolder());
   posters.waitForTitle(posterTitleKey(mediaRoot() / (home_.activeUser() + ".jpg")));
+}
+
+void Display::showScanScreen() {
+  if (!usable() || !home_.homeMode()) return;
+  SDL_SetRenderDrawColor(renderer(), 0, 0, 0, SDL_ALPHA_OPAQUE);
+  SDL_RenderClear(renderer());
+  if (drawScanScreen(frameContext())) SDL_RenderPresent(renderer());
+  openPosterFolder(currentFolder());
+}
+
+/// Once its kind is known, since that decides who is asked.
+void Display::askForArt(const std::filesystem::path& room) {
+  if (room == roomAskedFor_) return;
+  const auto kind = knownKind(room);
+  if (!kind) return;
+  roomAskedFor_ = room;
+  if (idleScans_.requestScanOnce(room)) requestScan(scanRequests_, room, *kind);
+}
+
+/// Once per pass, but not under a picture or the screensaver.
+void Display::followScans() {
+  if (saver_.shown() || playback_.videoPlaying()) return;
+  if (home_.homeMode()) askForArt(home_.room());
+  if (const auto folder = takeChangedFolder()) strip_.posters().folderChanged(*folder);
+  strip_.followChange(renderer());
 }
 
 void Display::openChooser() {

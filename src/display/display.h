@@ -115,6 +115,8 @@ class Display {
   void goHome(bool refresh);
   /// The home screen has the screen, or is on its way there.
   bool atHome() const { return home_.homeMode(); }
+  /// Once, before the home screen: what the scans have to tell by now, alone on the screen.
+  void showScanScreen();
   /// The home screen's loop, until a user with a room was chosen or the program is to end.
   void runChooser();
   /// An item takes the screen.
@@ -126,7 +128,8 @@ class Display {
   std::filesystem::path currentFolder() const { return home_.room(); }
   /// Once after each opening of the home screen over a running item, and once after its closing.
   bool takePauseToggle() { return home_.takePauseToggle(); }
-  /// Who is asked for new art while nobody is there.
+  /// Who is asked for new art: for each room once that is shown on the home screen, and while nobody is
+  /// there.
   void setScanRequests(ScanRequests requests) { scanRequests_ = std::move(requests); }
 
  private:
@@ -152,6 +155,8 @@ class Display {
   void followMusic(const FrameContext& frame, const FocusFacts& facts);
   void tickTheme();
   void startScreensaver();
+  void askForArt(const std::filesystem::path& room);
+  void followScans();
   bool followScreensaver(const FrameContext& frame);
   void presentHome();
   FrameContext frameContext() const;
@@ -166,6 +171,7 @@ class Display {
   MusicScreen music_;
   Screensaver saver_;
   IdleScans idleScans_;
+  std::filesystem::path roomAskedFor_;  ///< the last one, so that no pass asks again
   ScanRequests scanRequests_;
   /// The screens in the order in which they are drawn, over the picture.
   const std::array<Layer*, 4> layers_{&home_, &playback_, &strip_, &music_};

@@ -36,6 +36,7 @@ NavCode Display::pump() {
   for (Layer* layer : layers_) carryOut(layer->advance(now));
   const bool pictureRuns = playback_.videoPlaying() && !playback_.videoPaused() && !playback_.audioItem();
   if (saver_.idle(pictureRuns, now)) startScreensaver();
+  followScans();
   updateFocus();
   if (endLostSeek()) return NavCode::SeekCommit;
   const NavCode repeated = heldKey(now);

@@ -8,7 +8,7 @@
 
 namespace tavek {
 
-/// A short word to the viewer that goes by itself.
+/// A short word to the viewer that goes by itself; on the home screen else what the scans are at.
 class StatusLines {
  public:
   void showStatus(std::string text, Uint64 nowMs);
@@ -20,5 +20,8 @@ class StatusLines {
   std::string statusLine_;
   Uint64 statusLineAt_ = 0;
 };
+
+/// What the scans are at, in the middle of a screen of its own. False if there is nothing to tell.
+bool drawScanScreen(const FrameContext& frame);
 
 }  // namespace tavek

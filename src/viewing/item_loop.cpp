@@ -14,6 +14,22 @@ namespace {
 
 constexpr std::chrono::milliseconds passTime{16};
 
+/// Tells whoever might touch the file that it plays.
+class InUse {
+ public:
+  InUse(const PlayContext& context, const std::string& path) : tell_(context.itemInUse) {
+    if (tell_) tell_(path);
+  }
+  ~InUse() {
+    if (tell_) tell_({});
+  }
+  InUse(const InUse&) = delete;
+  InUse& operator=(const InUse&) = delete;
+
+ private:
+  const std::function<void(const std::filesystem::path&)>& tell_;
+};
+
 /// The viewer's next choice after one from the strip that did not play. None leaves the run of items.
 std::optional<std::string> chooseAnother(const PlayContext& context, const std::string& path,
                                          const std::exception& error) {
@@ -48,6 +64,7 @@ SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode s
       break;
     }
     try {
+      const InUse inUse(context, path);
       Viewing viewing(context, path, soundMode);
       viewing.run();
       if (quitRequested || !viewing.nextPath()) break;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -19,6 +21,8 @@ struct PlayContext {
   Clock& clock;
   std::optional<std::string> language;
   PcmDeviceFactory soundDevice;
+  /// Told of each item before it is opened, and with an empty path once none is open any more.
+  std::function<void(const std::filesystem::path&)> itemInUse = {};
 };
 
 /// Plays the item and whatever follows it by itself, until one ends without a successor. Never holds two

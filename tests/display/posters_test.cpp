@@ -133,6 +133,29 @@ TEST_F(PostersTest, WhatStillLoadsStaysInItsFolder) {
   EXPECT_EQ(shown(), "");
 }
 
+TEST_F(PostersTest, WhatAScanChangesIsListedAnewAroundTheSelection) {
+  for (const char* name : {"alien", "brazil", "casablanca"}) addFilm(name);
+  load("movies");
+  posters.selectPoster(1);
+  const SDL_Texture* const brazil = posters.list()[1].texture.get();
+  addFilm("akira");
+  fs::remove(at("movies/alien.png"));
+  write("movies/casablanca.png", test::png(400, 300));
+  posters.folderChanged(at("movies"));
+  const std::string before = shown();
+  for (int i = 0; i < 500 && shown() == before; ++i) {
+    posters.followChange(screen.renderer(), 240, 1);
+    SDL_Delay(10);
+  }
+  EXPECT_EQ(shown(), "movies/akira.png:160 >movies/brazil.png:160 movies/casablanca.png:320 ");
+  EXPECT_EQ(posters.list()[1].texture.get(), brazil) << "what has not changed is not read again";
+  load("kids");
+  addFilm("zardoz");
+  posters.folderChanged(at("movies"));
+  load("movies");
+  EXPECT_EQ(posters.list().size(), 4U) << "what was kept of it is no longer so";
+}
+
 TEST_F(PostersTest, TheStripStaysWhereItIsOnItsWayOutAndLettersRepeat) {
   for (const char* name : {"alien", "brazil", "casablanca"}) addFilm(name);
   Strip strip(store.parts());

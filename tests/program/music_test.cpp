@@ -1,5 +1,4 @@
-// Songs: how the keys and the end of one lead to another.
-#include <cmath>
+// Songs and themes: how keys, and the end of one, lead to another.
 
 #include "program/program_run.h"
 
@@ -8,38 +7,26 @@ namespace {
 
 class Music : public ProgramTest {
  protected:
-  void addSong(const std::string& name, int pitch, double seconds, const std::string& tags) {
-    std::filesystem::path path = stage.library.path() / "music/Band/Album" / name;
-    std::filesystem::create_directories(path.parent_path());
-    const std::string length = std::to_string(seconds);
-    std::filesystem::copy_file(rig::makeFile("-f lavfi -i aevalsrc=0.5*sin(" + std::to_string(2 * pitch) +
-                                                 "*PI*t):s=48000:d=" + length + " " + tags + " OUT",
-                                             "flac", TAVEK_TEST_MEDIA),
-                               path);
+  void addTone(const std::string& path, int pitch, double seconds, const std::string& words = "") {
+    rig::addTone(stage.library.path() / path, pitch, seconds, TAVEK_TEST_MEDIA, words);
   }
-  bool sounds(int pitch, double from, double to) const {
-    const rig::Recording part = stage.sound.recording().between(from, to);
-    return part.level() > -30 && std::abs(part.pitch() - pitch) < pitch * 0.05;
+  void addShow(const std::string& name, int theme) {
+    add("../tv/" + name + "/Season 1/S01E01 One.mkv",
+        {.width = 320, .height = 180, .seconds = 40, .firstNumber = theme, .sound = "0.5*sin(8000*PI*t)"});
+    addTone("tv/" + name + "/theme.mp3", theme, 20);
+    const std::string poster = stage.library.path() / "tv" / name / "poster.jpg";
+    EXPECT_TRUE(rig::Program({"convert", "-size", "200x300", "gradient:", poster}, {}).waitForEnd(20));
   }
-  bool waitForPitch(int pitch, double seconds) const {
-    return rig::waitUntil(seconds, [&] { return sounds(pitch, rig::now() - 0.15, rig::now() - 0.05); });
-  }
-  /// How long after a key a pitch is heard first; 9 if it is not.
-  double delayOf(int pitch, double pressedAt) const {
-    for (double delay = 0; delay < 2; delay += 0.005) {
-      if (sounds(pitch, pressedAt + delay, pressedAt + delay + 0.02)) return delay;
-    }
-    return 9;
-  }
+  bool waitForPitch(int pitch, double seconds) const { return stage.sound.waitForPitch(pitch, seconds); }
 };
 
 TEST_F(Music, KeysAndTheEndOfASongLeadThroughTheAlbum) {
   // In the order of the tags, which is not that of the names.
-  addSong("c.flac", 500, 20, "-metadata track=1");
-  addSong("a.flac", 1000, 20, "-metadata track=2");
-  addSong("d.flac", 2000, 20, "-metadata track=3");
-  addSong("b.flac", 3000, 4, "-metadata track=4");
-  addSong("e.flac", 4000, 3, "-metadata track=5");
+  addTone("music/Band/Album/c.flac", 500, 20, "-metadata track=1");
+  addTone("music/Band/Album/a.flac", 1000, 20, "-metadata track=2");
+  addTone("music/Band/Album/d.flac", 2000, 20, "-metadata track=3");
+  addTone("music/Band/Album/b.flac", 3000, 4, "-metadata track=4");
+  addTone("music/Band/Album/e.flac", 4000, 3, "-metadata track=5");
   start({(stage.library.path() / "music/Band/Album/c.flac").string()});
   ASSERT_TRUE(waitForPitch(500, 10) && stage.screen.focusWindow(5));
   const struct {
@@ -58,10 +45,39 @@ TEST_F(Music, KeysAndTheEndOfASongLeadThroughTheAlbum) {
     stage.screen.press(key);
     ASSERT_TRUE(waitForPitch(pitch, 5));
     rig::let(0.2);
-    EXPECT_LE(delayOf(pitch, pressedAt), mild(0.25));
+    EXPECT_LE(stage.sound.delayOf(pitch, pressedAt), mild(0.25));
   }
   EXPECT_TRUE(waitForPitch(4000, 8)) << "the fifth follows by itself";
   expectEnd(10, false);
+}
+
+TEST_F(Music, ThemesFollowTheStripAndGiveWayToTheEpisode) {
+  addShow("A", 1000);
+  addShow("B", 2000);
+  start({});
+  rig::let(mild(2));
+  ASSERT_TRUE(stage.screen.focusWindow(10));
+  stage.screen.press("Return");
+  ASSERT_TRUE(waitForNumber(1000, 1900) && waitForPitch(4000, 5)) << "the first episode";
+  const struct {
+    const char* key;
+    int pitch;
+    double cut;
+  } steps[] = {{"Return", 1000, 0.12},
+               {"Right", 2000, 0.12},
+               {"Left", 1000, 0.12},
+               {"Escape", 4000, 0.12 + 0.12 /*the strip slides out first*/}};
+  for (const auto& [key, pitch, cut] : steps) {
+    SCOPED_TRACE(std::string(key) + " to " + std::to_string(pitch));
+    const double pressedAt = rig::now();
+    stage.screen.press(key);
+    ASSERT_TRUE(waitForPitch(pitch, 5));
+    EXPECT_LE(stage.sound.delayOf(pitch, pressedAt), mild(0.4));
+    EXPECT_LE(stage.sound.delayOfSilence(pressedAt), mild(cut)) << "what sounded before is cut first";
+    rig::let(1);
+  }
+  program->signal(SIGTERM);
+  expectEnd(5);
 }
 
 }  // namespace

@@ -85,4 +85,14 @@ fs::path makeClip(const Clip& clip, const fs::path& folder) {
   return makeFile(words.str(), clip.container, folder);
 }
 
+void addTone(const std::filesystem::path& file, int pitch, double seconds, const std::filesystem::path& kept,
+             const std::string& words) {
+  std::filesystem::create_directories(file.parent_path());
+  std::filesystem::copy_file(
+      makeFile("-f lavfi -i aevalsrc=0.5*sin(" + std::to_string(2 * pitch) +
+                   "*PI*t):s=48000:d=" + std::to_string(seconds) + " " + words + " OUT",
+               file.extension().string().substr(1), kept),
+      file, std::filesystem::copy_options::skip_existing);
+}
+
 }  // namespace tavek::rig

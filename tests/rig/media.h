@@ -38,4 +38,8 @@ std::filesystem::path makeClip(const Clip& clip, const std::filesystem::path& fo
 std::filesystem::path makeFile(const std::string& words, const std::string& extension,
                                const std::filesystem::path& folder);
 
+/// The file, a tone at half of full scale, in the format of its extension. The words go before its path.
+void addTone(const std::filesystem::path& file, int pitch, double seconds, const std::filesystem::path& kept,
+             const std::string& words = "");
+
 }  // namespace tavek::rig

@@ -20,6 +20,13 @@ std::size_t indexAt(const Recording& recording, double time) {
   return static_cast<std::size_t>(std::clamp(index, 0.0, double(recording.samples.size())));
 }
 
+double firstDelay(const auto& accepts) {
+  for (double delay = 0; delay < 3; delay += 0.005) {
+    if (accepts(delay)) return delay;
+  }
+  return 9;
+}
+
 }  // namespace
 
 Recording Recording::between(double from, double to) const {
@@ -95,6 +102,24 @@ Environment SoundServer::environment() const {
 Recording SoundServer::recording(double since) const {
   const std::scoped_lock hold(lock_);
   return heard_.between(since, heard_.end());
+}
+
+bool SoundServer::heard(int pitch, double from, double to) const {
+  const Recording part = recording().between(from, to);
+  return part.level() > -50 && std::abs(part.pitch() - pitch) < pitch * 0.05;
+}
+
+bool SoundServer::waitForPitch(int pitch, double seconds) const {
+  return waitUntil(seconds, [&] { return heard(pitch, now() - 0.15, now() - 0.05); });
+}
+
+double SoundServer::delayOf(int pitch, double since) const {
+  return firstDelay([&](double delay) { return heard(pitch, since + delay, since + delay + 0.02); });
+}
+
+double SoundServer::delayOfSilence(double since) const {
+  return firstDelay(
+      [&](double delay) { return recording().between(since + delay, since + delay + 0.04).level() < -60; });
 }
 
 void SoundServer::readSamples(int pipe) {

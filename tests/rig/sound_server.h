@@ -39,6 +39,13 @@ class SoundServer {
 
   Environment environment() const;
   Recording recording(double since = 0) const;
+  /// A tone of about that pitch is all that was heard between two times.
+  bool heard(int pitch, double from, double to) const;
+  bool waitForPitch(int pitch, double seconds) const;
+  /// Seconds from a time until the tone was heard first; 9 if it was not.
+  double delayOf(int pitch, double since) const;
+  /// The same for 40 ms of silence.
+  double delayOfSilence(double since) const;
   /// It answers nobody any more, until it goes on.
   void stop() { server_->signal(SIGSTOP); }
   void goOn() { server_->signal(SIGCONT); }

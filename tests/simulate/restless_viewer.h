@@ -72,11 +72,17 @@ class RestlessViewer final : public Clock {
     if (left_ <= 0) {
       quit();
     } else {
-      if (chance(2)) press();
+      if (chance(2) && awake()) press();
       fail();
       if (chance(1000)) check();
     }
     passAt_ = RealClock::now();
+  }
+
+  /// At times the viewer leaves for so long that the screensaver comes.
+  bool awake() {
+    if (held_ == 0 && chance(20'000)) backAt_ = now() + std::chrono::seconds(310 + random_() % 60);
+    return now() >= backAt_;
   }
 
   void press() {
@@ -167,6 +173,7 @@ class RestlessViewer final : public Clock {
   const std::filesystem::path root_;
   const std::filesystem::path stateFile_;
   SDL_Keycode held_ = 0;
+  Time backAt_{};
   std::filesystem::path away_;
   bool full_ = false;
   bool garbled_ = false;

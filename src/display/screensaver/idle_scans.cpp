@@ -29,13 +29,18 @@ bool IdleScans::scanWhileIdle(const std::filesystem::path& room, Uint64 nowMs) {
   return true;
 }
 
-void requestScans(IdleScans& scans, const ScanRequests& requests, const std::filesystem::path& room,
-                  MediaKind kind, Uint64 nowMs) {
+void requestScan(const ScanRequests& requests, const std::filesystem::path& room, MediaKind kind) {
   const ArtService service = artServiceOf(room, kind);
   if (service == ArtService::None) return;
   const auto& request = service == ArtService::Tmdb ? requests.tmdbScanRequest : requests.tvArtScanRequest;
-  if (scans.requestScanOnce(room) && request) request(room);
-  if (scans.scanWhileIdle(room, nowMs) && request) request(room);
+  if (request) request(room);
+}
+
+void requestScans(IdleScans& scans, const ScanRequests& requests, const std::filesystem::path& room,
+                  MediaKind kind, Uint64 nowMs) {
+  if (artServiceOf(room, kind) == ArtService::None) return;
+  if (scans.requestScanOnce(room)) requestScan(requests, room, kind);
+  if (scans.scanWhileIdle(room, nowMs)) requestScan(requests, room, kind);
 }
 
 }  // namespace tavek

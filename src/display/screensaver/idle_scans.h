@@ -35,6 +35,8 @@ class IdleScans {
   std::unordered_map<std::string, Uint64> idleScanAt_;
 };
 
+/// Asks the service that the room's kind has.
+void requestScan(const ScanRequests& requests, const std::filesystem::path& room, MediaKind kind);
 /// Asks for all that is due for a room.
 void requestScans(IdleScans& scans, const ScanRequests& requests, const std::filesystem::path& room,
                   MediaKind kind, Uint64 nowMs);

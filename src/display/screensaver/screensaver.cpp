@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "display/screensaver/slide_picture.h"
 #include "display/toolkit/fade.h"
 #include "display/toolkit/fonts.h"
 #include "display/toolkit/shapes.h"
@@ -15,19 +16,11 @@
 namespace tavek {
 namespace {
 
-/// Somewhat larger than the window, of which an edge is cut off.
-constexpr double slideScale = 1.01;
-
 /// What lay over a window must not stay on it.
 constexpr Uint64 redrawMs = 1000;
 
 /// A room without fan art may get some while nobody is there.
 constexpr Uint64 lookAgainMs = 60'000;
-
-SDL_Point slideArea(const FrameContext& frame) {
-  return {static_cast<int>(std::ceil(frame.width * slideScale)),
-          static_cast<int>(std::ceil(frame.height * slideScale))};
-}
 
 /// A picture that covers an area of the window's middle, moved by an offset.
 SDL_Rect covering(const FrameContext& frame, SDL_Point size, double factor, double dx = 0, double dy = 0) {
@@ -38,22 +31,6 @@ SDL_Rect covering(const FrameContext& frame, SDL_Point size, double factor, doub
   const int height = static_cast<int>(size.y * scale);
   return {(frame.width - width) / 2 + static_cast<int>(dx),
           (frame.height - height) / 2 + static_cast<int>(dy), width, height};
-}
-
-/// A slide as it stands: over the whole window, at half strength. So each frame of it is a plain copy, at a
-/// fifth of the work where there is no graphics chip.
-TexturePtr standing(const FrameContext& frame, const BackgroundImage& picture) {
-  TexturePtr shown(SDL_CreateTexture(frame.renderer, SDL_PIXELFORMAT_RGB888, SDL_TEXTUREACCESS_TARGET,
-                                     frame.width, frame.height));
-  SDL_Texture* before = SDL_GetRenderTarget(frame.renderer);
-  if (!shown || SDL_SetRenderTarget(frame.renderer, shown.get()) != 0) return {};
-  setDrawColour(frame.renderer, theme::black);
-  SDL_RenderClear(frame.renderer);
-  SDL_SetTextureBlendMode(picture.texture(), SDL_BLENDMODE_BLEND);
-  SDL_SetTextureAlphaMod(picture.texture(), slideAlpha);
-  copyTexture(frame.renderer, picture.texture(), covering(frame, picture.size(), slideScale));
-  SDL_SetRenderTarget(frame.renderer, before);
-  return shown;
 }
 
 }  // namespace
@@ -162,7 +139,7 @@ bool Screensaver::follow(const FrameContext& frame, MusicArt art, bool song, Fra
 /// The present slide, once it is there; the next one a minute later, once that is.
 void Screensaver::turnPages(const FrameContext& frame) {
   for (Image& image : images_) image.take(frame);
-  if (slides_.empty()) return;
+  if (slides_.empty() || frame.width < 1 || frame.height < 1) return;
   const std::size_t current = clock_.current();
   const std::size_t next = (current + 1) % slides_.size();
   want(frame, current);
@@ -170,9 +147,7 @@ void Screensaver::turnPages(const FrameContext& frame) {
   // One that has vanished, or cannot be decoded, is no slide.
   for (const std::size_t slide : {next, current}) {
     Image* image = imageOf(slide);
-    if (image == nullptr || image->picture.pending() || image->picture.texture() != nullptr || image->shown)
-      continue;
-    return dropSlide(slide);
+    if (image != nullptr && !image->pending() && !image->shown) return dropSlide(slide);
   }
   const auto ready = [&](std::size_t slide) {
     const Image* image = imageOf(slide);
@@ -195,9 +170,12 @@ void Screensaver::want(const FrameContext& frame, std::size_t slide) {
     image->drop();
     image->slide = slide;
   }
-  if (image->shown && image->window.x == frame.width && image->window.y == frame.height) return;
+  if (image->window.x == frame.width && image->window.y == frame.height) return;
   image->window = {frame.width, frame.height};
-  image->picture.want({slides_[slide].path, {}, 0}, slideArea(frame), Fit::Cover);
+  image->job.start([file = slides_[slide].path, window = image->window](JobSide<SurfacePtr>& side) {
+    side.post(slidePicture(file, window));
+    SDL_TLSCleanup();
+  });
 }
 
 Screensaver::Image* Screensaver::imageOf(std::size_t slide) {
@@ -222,15 +200,15 @@ void Screensaver::dropSlide(std::size_t slide) {
 
 void Screensaver::Image::drop() {
   slide.reset();
-  picture.drop();
+  job.leave();
   shown.reset();
+  window = {};
 }
 
-/// In two passes, so that none takes long.
 void Screensaver::Image::take(const FrameContext& frame) {
-  if (picture.texture() == nullptr || picture.pending()) return picture.take(frame.renderer);
-  shown = standing(frame, picture);
-  picture.drop();
+  const auto picture = job.take();
+  if (!picture) return;
+  shown.reset(*picture ? SDL_CreateTextureFromSurface(frame.renderer, picture->get()) : nullptr);
 }
 
 void Screensaver::followCaption(const FrameContext& frame) {

@@ -66,12 +66,13 @@ class Screensaver final : public Layer {
   static constexpr std::size_t kept = 3;  ///< the slide before, the present one and the next
   struct Image {
     std::optional<std::size_t> slide;
-    BackgroundImage picture;
-    TexturePtr shown;  ///< as it is on the screen, of the window's size
+    BackgroundJob<SurfacePtr> job;
+    TexturePtr shown;  ///< of the window's size
     SDL_Point window{};
 
     void drop();
     void take(const FrameContext& frame);
+    bool pending() const { return job.running() || job.waiting() > 0; }
   };
 
   struct Listing {

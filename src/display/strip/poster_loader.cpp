@@ -11,6 +11,8 @@
 #include "library/episode_still.h"
 #include "library/file_types.h"
 #include "library/media_list.h"
+#include "library/media_paths.h"
+#include "scan/scan_status.h"
 #include "state/json_write.h"
 
 namespace tavek {
@@ -58,6 +60,30 @@ class TileMaker {
   FontPtr font_;
 };
 
+constexpr std::string_view waiting = "Waiting for media";
+
+/// An empty room says so to the viewer.
+bool tellsOfMedia(const fs::path& folder, const Flag& stop) {
+  if (holdsMedia(folder, stop)) return clearScanStatusIf(waiting), true;
+  std::error_code ignored;
+  if (!stop && fs::exists(folder, ignored)) setScanStatus(waiting);
+  return false;
+}
+
+std::string loadingLabel(const fs::path& folder, const Flag& stop) {
+  switch (classifyFolder(folder, stop)) {
+    case MediaKind::Series:
+      return "Loading tv series";
+    case MediaKind::Videos:
+      return "Loading videos";
+    case MediaKind::Music:
+      return "Loading music";
+    case MediaKind::Movies:
+      break;
+  }
+  return roomLabelOf(folder, "movies") == "kids" ? "Loading kids movies" : "Loading adults movies";
+}
+
 /// SDL keeps its last error for each thread, and looks after its own threads only.
 struct ThreadStorage {
   ThreadStorage() = default;
@@ -71,7 +97,19 @@ struct ThreadStorage {
 void PosterLoader::start(const fs::path& folder) {
   folder_ = folder.lexically_normal();
   backlog_ = {};
-  job_.start([folder = folder_](JobSide<Message>& side) { loadPosters(folder, side); });
+  job_.start([folder = folder_](JobSide<Message>& side) {
+    if (!tellsOfMedia(folder, side.stop())) return;
+    const ScanActivity activity(loadingLabel(folder, side.stop()));
+    loadPosters(folder, {}, side);
+  });
+}
+
+void PosterLoader::startAgain(const fs::path& folder, KnownImages known) {
+  folder_ = folder.lexically_normal();
+  backlog_ = {};
+  job_.start([folder = folder_, known = std::move(known)](JobSide<Message>& side) {
+    if (tellsOfMedia(folder, side.stop())) loadPosters(folder, known, side);
+  });
 }
 
 PosterBacklog PosterLoader::stop() {
@@ -84,9 +122,8 @@ void PosterLoader::restore(PosterBacklog backlog) {
   backlog_ = std::move(backlog);
 }
 
-void PosterLoader::loadPosters(const fs::path& folder, JobSide<Message>& side) {
+void PosterLoader::loadPosters(const fs::path& folder, const KnownImages& known, JobSide<Message>& side) {
   const ThreadStorage storage;
-  if (!holdsMedia(folder, side.stop())) return;
   PosterListing listing = listPosters(folder, side.stop());
   side.post(listing.posters.size());
   if (debugEnabled) {
@@ -97,8 +134,14 @@ void PosterLoader::loadPosters(const fs::path& folder, JobSide<Message>& side) {
   for (ListedPoster& poster : listing.posters) {
     if (side.stop()) return;
     const ListingKind kind = poster.isEpisode ? ListingKind::Episodes : listing.kind;
+    FileState image = fileStateOf(poster.image);
+    const auto shown = known.find(poster.path);
+    if (shown != known.end() && shown->second == image) {
+      side.post(PendingPoster{std::move(poster), std::move(image), {}});
+      continue;
+    }
     SurfacePtr tile = fittedToHeight(maker.make(kind, poster, side.stop()), tallestPoster);
-    if (tile) side.post(PendingPoster{std::move(poster), std::move(tile)});
+    if (tile) side.post(PendingPoster{std::move(poster), std::move(image), std::move(tile)});
   }
 }
 

@@ -4,9 +4,12 @@
 #include <deque>
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <unordered_map>
 #include <variant>
 
 #include "base/background_job.h"
+#include "base/file_state.h"
 #include "display/toolkit/sdl_handles.h"
 #include "library/poster_listing.h"
 
@@ -18,8 +21,12 @@ inline constexpr int tallestPoster = 300;
 /// A tile on its way from the loader to the main thread.
 struct PendingPoster {
   ListedPoster poster;
-  SurfacePtr surface;
+  FileState image;     ///< as it was read
+  SurfacePtr surface;  ///< null if the tile that is there already still shows it
 };
+
+/// The pictures that are on tiles already, by the tiles' paths.
+using KnownImages = std::unordered_map<std::string, FileState>;
 
 /// What a folder's loader has decoded and nobody has taken.
 struct PosterBacklog {
@@ -33,6 +40,8 @@ class PosterLoader {
  public:
   /// Leaves the folder before. A folder that is not there, or holds no media, comes out empty.
   void start(const std::filesystem::path& folder);
+  /// The same for a folder whose tiles are on the screen: only what is new or has changed is decoded.
+  void startAgain(const std::filesystem::path& folder, KnownImages known);
   /// Hands over what is left, without waiting for the tile that is being made.
   PosterBacklog stop();
   /// Goes on with what an earlier stop() gave.
@@ -51,7 +60,8 @@ class PosterLoader {
  private:
   /// The number of tiles, or one of them.
   using Message = std::variant<std::size_t, PendingPoster>;
-  static void loadPosters(const std::filesystem::path& folder, JobSide<Message>& side);
+  static void loadPosters(const std::filesystem::path& folder, const KnownImages& known,
+                          JobSide<Message>& side);
   void collect();
 
   std::filesystem::path folder_;

@@ -81,12 +81,17 @@ void Posters::openPosterFolder(SDL_Renderer* renderer, const fs::path& path) {
   loader_.start(folder);
 }
 
-/// A page that is not complete is not worth keeping: it is loaded anew on return.
+/// A page that is not complete, or no longer what the disk holds, is not worth keeping: it is loaded anew on
+/// return.
 void Posters::leavePage() {
+  const bool stale = changed_ || listsAgain_;
+  changed_ = listsAgain_ = false;
+  again_.stop();
+  next_.clear();
   page_.backlog = loader_.stop();
   const std::size_t total = page_.backlog.posterTotal;
   const bool complete = total > 0 && page_.posters.size() + page_.backlog.pendingPosters.size() >= total;
-  if (complete) folderPages_[page_.folder.string()] = std::move(page_);
+  if (complete && !stale) folderPages_[page_.folder.string()] = std::move(page_);
 }
 
 bool Posters::returnTo(const fs::path& folder) {
@@ -103,22 +108,96 @@ void Posters::takePendingPosters(SDL_Renderer* renderer, int height, int count) 
   for (; count > 0; --count) {
     std::optional<PendingPoster> pending = loader_.takePending();
     if (!pending) break;
-    add(renderer, std::move(*pending), height);
+    if (Poster poster = made(renderer, std::move(*pending), height); poster.texture) add(std::move(poster));
   }
   if (loader_.pendingCount() == 0 || page_.posters.size() >= posterTarget) page_.ready = true;
 }
 
-void Posters::add(SDL_Renderer* renderer, PendingPoster pending, int height) {
-  Poster poster{.texture = TexturePtr(SDL_CreateTextureFromSurface(renderer, pending.surface.get())),
-                .path = std::move(pending.poster.path),
-                .media = std::move(pending.poster.media),
-                .key = std::move(pending.poster.key)};
-  if (!poster.texture) return;
+Poster Posters::made(SDL_Renderer* renderer, PendingPoster pending, int height) const {
+  Poster poster;
+  poster.path = std::move(pending.poster.path);
+  poster.media = std::move(pending.poster.media);
+  poster.key = std::move(pending.poster.key);
+  poster.image = std::move(pending.image);
+  if (!pending.surface) return poster;
+  poster.texture.reset(SDL_CreateTextureFromSurface(renderer, pending.surface.get()));
   poster.watched = Marks(users_, page_.folder).of(poster.path, poster.media);
   poster.width = widthAt(poster.texture.get(), height);
+  return poster;
+}
+
+void Posters::add(Poster poster) {
   const bool wanted = meetsGoal(poster);
   page_.posters.push_back(std::move(poster));
   if (wanted || page_.selected < 0) select(wanted ? static_cast<int>(page_.posters.size()) - 1 : 0);
+}
+
+void Posters::folderChanged(const fs::path& folder) {
+  if (folder.empty() || isInside(page_.folder, folder)) changed_ = true;
+  if (!folder.empty())
+    std::erase_if(folderPages_, [&](const auto& page) { return isInside(page.first, folder); });
+}
+
+void Posters::followChange(SDL_Renderer* renderer, int height, int count) {
+  if (renderer == nullptr || page_.folder.empty()) return;
+  if (changed_ && !listsAgain_ && loader_.finished()) {
+    if (loader_.pendingCount() > 0) return takePendingPosters(renderer, height, count);
+    return listAgain();
+  }
+  if (!listsAgain_) return;
+  const bool finished = again_.finished();
+  while (count > 0) {
+    std::optional<PendingPoster> pending = again_.takePending();
+    if (!pending) break;
+    const bool isNew = pending->surface != nullptr;
+    if (isNew) --count;
+    Poster poster = made(renderer, std::move(*pending), height);
+    if (!isNew || poster.texture) next_.push_back(std::move(poster));
+  }
+  if (finished && again_.pendingCount() == 0) takeNewList();
+}
+
+void Posters::listAgain() {
+  KnownImages known;
+  for (const Poster& poster : page_.posters) {
+    if (poster.texture) known.emplace(poster.path.string(), poster.image);
+  }
+  changed_ = false;
+  listsAgain_ = true;
+  again_.startAgain(page_.folder, std::move(known));
+}
+
+void Posters::takeNewList() {
+  std::unordered_map<std::string_view, Poster*> old;
+  for (Poster& poster : page_.posters) old.emplace(poster.path.native(), &poster);
+  for (Poster& poster : next_) {
+    if (poster.texture) continue;
+    const auto kept = old.find(poster.path.native());
+    if (kept == old.end()) continue;
+    poster.texture = std::move(kept->second->texture);
+    poster.width = kept->second->width;
+  }
+  const auto selected = static_cast<std::size_t>(page_.selected);
+  page_.posters.swap(next_);
+  select(selected < next_.size() ? placeOf(next_[selected]) : 0);
+  next_.clear();
+  listsAgain_ = false;
+  loader_.restore({{}, page_.posters.size()});
+  refreshWatchedBits();
+  for (std::size_t i = 0; i < page_.posters.size(); ++i) {
+    if (meetsGoal(page_.posters[i])) select(static_cast<int>(i));
+  }
+}
+
+/// Where a poster of the old list stands now; where it stood if it is gone.
+int Posters::placeOf(const Poster& poster) const {
+  const auto first = page_.posters.begin();
+  auto found = std::ranges::find(page_.posters, poster.path, &Poster::path);
+  if (found == page_.posters.end() && !poster.media.empty())
+    found = std::ranges::find(page_.posters, poster.media, &Poster::media);
+  if (found != page_.posters.end()) return static_cast<int>(found - first);
+  const int byName = findKey(poster.key);
+  return byName >= 0 ? byName : page_.selected;
 }
 
 void Posters::refreshWatchedBits() {
@@ -128,6 +207,8 @@ void Posters::refreshWatchedBits() {
 
 void Posters::clear() {
   loader_.stop();
+  again_.stop();
+  next_.clear();
   page_ = {};
   folderPages_.clear();
 }

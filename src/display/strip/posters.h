@@ -8,6 +8,7 @@
 
 #include <SDL.h>
 
+#include "base/file_state.h"
 #include "display/strip/poster_loader.h"
 #include "display/toolkit/sdl_handles.h"
 #include "library/fan_art.h"
@@ -23,7 +24,8 @@ struct Poster {
       path;           ///< what it stands for: an image, <folder>/poster.jpg, an episode or a first track
   std::string media;  ///< the file that plays for it; empty if none is known
   MatchKey key;
-  int width = 0;  ///< at the height of the strip's posters; 0 if unknown
+  FileState image;  ///< that the texture was made of
+  int width = 0;    ///< at the height of the strip's posters; 0 if unknown
   bool watched = false;
 };
 
@@ -39,6 +41,11 @@ class Posters {
   void openPosterFolder(SDL_Renderer* renderer, const std::filesystem::path& path);
   /// Turns up to `count` loaded tiles into textures, for posters of a height in pixels.
   void takePendingPosters(SDL_Renderer* renderer, int height, int count);
+  /// What lies below a folder has changed on the disk; an empty path means the open folder. Its tiles are
+  /// listed anew while the old ones stand, and the selection stays on its poster.
+  void folderChanged(const std::filesystem::path& folder);
+  /// Once per pass, for that: turns up to `count` new tiles into textures.
+  void followChange(SDL_Renderer* renderer, int height, int count);
   /// Asks the stored state anew for each poster's mark.
   void refreshWatchedBits();
   /// Drops every texture; has to run before the renderer goes.
@@ -85,7 +92,11 @@ class Posters {
   void select(int index);
   void leavePage();
   bool returnTo(const std::filesystem::path& folder);
-  void add(SDL_Renderer* renderer, PendingPoster pending, int height);
+  Poster made(SDL_Renderer* renderer, PendingPoster pending, int height) const;
+  void add(Poster poster);
+  void listAgain();
+  void takeNewList();
+  int placeOf(const Poster& poster) const;
   bool meetsGoal(const Poster& poster);
   bool seriesRoom() const;
   int findMedia(const std::filesystem::path& media) const;
@@ -95,6 +106,11 @@ class Posters {
   PosterLoader loader_;
   Page page_;
   std::unordered_map<std::string, Page> folderPages_;  ///< complete ones, by the folder's normal text
+
+  bool changed_ = false;     ///< the open folder is to be listed anew
+  bool listsAgain_ = false;  ///< it is
+  PosterLoader again_;
+  std::vector<Poster> next_;  ///< of the new list; those without a texture have one in the old list
 
   /// The file whose poster is to be selected once it comes. Names tell less than the file itself: the first
   /// poster of a like name is taken, until one of the very name comes, or that of the very file.

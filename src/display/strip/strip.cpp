@@ -139,6 +139,10 @@ void Strip::openPosterFolder(SDL_Renderer* renderer, const std::filesystem::path
   posters_.openPosterFolder(renderer, path);
 }
 
+void Strip::followChange(SDL_Renderer* renderer) {
+  posters_.followChange(renderer, posterHeight, posterBatch);
+}
+
 void Strip::show(const std::filesystem::path& currentVideo, bool fromHome, Uint64 nowMs) {
   // On its way out it does not jump to another poster.
   if (state_.visible && state_.sliding && !state_.slidingIn) return;

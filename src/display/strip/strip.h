@@ -41,6 +41,8 @@ class Strip final : public Layer {
 
   /// Lists a folder. With the strip on the screen it slides out first, and in again over the new list; only
   /// without it the renderer is needed.
+  /// Once per pass: follows a change of the open folder on the disk.
+  void followChange(SDL_Renderer* renderer);
   void openPosterFolder(SDL_Renderer* renderer, const std::filesystem::path& path, Uint64 nowMs);
   /// Up from below, at the poster of the item, or at the first one on the way from home.
   void show(const std::filesystem::path& currentVideo, bool fromHome, Uint64 nowMs);
