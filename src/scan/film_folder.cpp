@@ -1,6 +1,7 @@
 #include "scan/film_folder.h"
 
 #include <algorithm>
+#include <sys/stat.h>
 #include <system_error>
 
 #include "library/file_types.h"
@@ -15,6 +16,13 @@ namespace fs = std::filesystem;
 fs::file_status statusOf(const fs::path& path) {
   std::error_code ignored;
   return fs::symlink_status(path, ignored);
+}
+
+/// 0 if that cannot be told.
+std::int64_t changedNsOf(const fs::path& folder) {
+  struct stat status {};
+  if (::stat(folder.c_str(), &status) != 0) return 0;
+  return std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec;
 }
 
 std::string stemOf(const std::string& name) {
@@ -46,15 +54,28 @@ FolderContent contentOf(const fs::path& folder) {
     std::error_code ignored;
     std::string name = entry.path().filename().string();
     const fs::file_status status = entry.symlink_status(ignored);
-    if (fs::is_symlink(status)) content.links = true;
     if (name.starts_with('.')) return true;
     if (fs::is_regular_file(status))
-      content.files.push_back(std::move(name));
+      content.files.insert(std::move(name));
     else if (fs::is_directory(status))
       content.folders.push_back(std::move(name));
     return true;
   });
   return content;
+}
+
+const FolderContent& FolderReader::read(const fs::path& folder) {
+  const std::int64_t changed = changedNsOf(folder);
+  if (folder != folder_ || changed != changedNs_ || changed == 0) content_ = contentOf(folder);
+  folder_ = folder;
+  changedNs_ = changed;
+  return content_;
+}
+
+void FolderReader::noteRename(const fs::path& old, const fs::path& now) {
+  if (old.parent_path() == folder_) content_.files.erase(old.filename().string());
+  if (now.parent_path() == folder_) content_.files.insert(now.filename().string());
+  changedNs_ = changedNsOf(folder_);
 }
 
 bool isFilmName(const fs::path& name) {
@@ -78,18 +99,22 @@ bool isReallyInside(const fs::path& room, const fs::path& path) {
 
 std::vector<std::string> companionEndings(const FolderContent& content, const fs::path& video) {
   const std::string stem = video.stem().string();
+  // All names that begin alike stand together.
+  const auto first = content.files.lower_bound(stem);
+  const auto last = std::find_if(first, content.files.end(),
+                                 [&](const std::string& file) { return !file.starts_with(stem); });
   std::vector<std::string> longerStems;
-  for (const std::string& file : content.files) {
-    if (!file.starts_with(stem) || !isVideoFile(file)) continue;
-    if (std::string other = stemOf(file); other.size() > stem.size()) longerStems.push_back(std::move(other));
+  for (auto file = first; file != last; ++file) {
+    if (!isVideoFile(*file)) continue;
+    if (std::string other = stemOf(*file); other.size() > stem.size())
+      longerStems.push_back(std::move(other));
   }
   std::vector<std::string> endings;
-  for (const std::string& file : content.files) {
-    const std::string_view ending = companionEnding(file, stem);
-    const auto isOf = [&](const std::string& other) { return !companionEnding(file, other).empty(); };
+  for (auto file = first; file != last; ++file) {
+    const std::string_view ending = companionEnding(*file, stem);
+    const auto isOf = [&](const std::string& other) { return !companionEnding(*file, other).empty(); };
     if (!ending.empty() && std::ranges::none_of(longerStems, isOf)) endings.emplace_back(ending);
   }
-  std::ranges::sort(endings);
   return endings;
 }
 

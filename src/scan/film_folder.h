@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -10,11 +12,24 @@ namespace tavek {
 
 /// What lies directly in a folder, without what is hidden.
 struct FolderContent {
-  std::vector<std::string> files;    ///< plain ones
+  std::set<std::string> files;       ///< plain ones
   std::vector<std::string> folders;  ///< real ones
-  bool links = false;                ///< there are links, too
 };
 FolderContent contentOf(const std::filesystem::path& folder);
+
+/// Keeps what was read last: thousands of films may lie in one folder, and as many episodes. Read again once
+/// somebody else has changed the folder.
+class FolderReader {
+ public:
+  const FolderContent& read(const std::filesystem::path& folder);
+  /// This program has moved a file, out of the folder, into it or within it.
+  void noteRename(const std::filesystem::path& old, const std::filesystem::path& now);
+
+ private:
+  std::filesystem::path folder_;
+  std::int64_t changedNs_ = 0;
+  FolderContent content_;
+};
 
 /// A video that is no extra, no sound track and no subtitle, by its name.
 bool isFilmName(const std::filesystem::path& name);

@@ -144,7 +144,7 @@ RenameHistory readRenames(const fs::path& room) {
 bool RenameLog::append(const std::vector<LoggedRename>& renames) {
   std::string lines;
   for (const LoggedRename& rename : renames) lines += lineOf(rename);
-  for (const LoggedRename& rename : renames) known().vacated.insert(rename.old);
+  for (const LoggedRename& rename : renames) known().vacate(rename.old);
   return write(lines);
 }
 
@@ -177,6 +177,12 @@ bool RenameLog::write(const std::string& lines) {
   return false;
 }
 
+void RenameLog::Known::vacate(const std::string& old) {
+  vacated.insert(old);
+  for (fs::path folder = fs::path(old).parent_path(); !folder.empty(); folder = folder.parent_path())
+    above.insert(folder.string());
+}
+
 RenameLog::Known& RenameLog::known() {
   if (known_) return *known_;
   known_.emplace();
@@ -186,7 +192,7 @@ RenameLog::Known& RenameLog::known() {
     const fs::path from = fs::path(rename.old).parent_path();
     const bool movedOut = from != fs::path(rename.now).parent_path() && isVideoFile(rename.now);
     if (movedOut && !isThere(room_ / rename.old)) known_->left.insert((room_ / from).string());
-    if (i >= history.settled) known_->vacated.insert(rename.old);
+    if (i >= history.settled) known_->vacate(rename.old);
   }
   return *known_;
 }
@@ -200,6 +206,7 @@ void RenameLog::noteLeft(const fs::path& folder) {
 }
 
 bool RenameLog::wasVacated(const fs::path& path) {
+  if (known().above.contains(path.lexically_relative(room_).string())) return true;
   for (fs::path at = path.lexically_relative(room_); !at.empty(); at = at.parent_path()) {
     if (known().vacated.contains(at.string())) return true;
   }

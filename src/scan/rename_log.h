@@ -63,6 +63,8 @@ class RenameLog {
   struct Known {
     std::set<std::string> left;
     std::set<std::string> vacated;
+    std::set<std::string> above;  ///< the folders that these lay in, which may be gone with them
+    void vacate(const std::string& old);
   };
   bool write(const std::string& lines);
   Known& known();

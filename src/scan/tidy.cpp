@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <iterator>
 #include <string_view>
 #include <system_error>
 
@@ -66,18 +67,22 @@ bool mayBeRenamed(const Wish& wish) {
 /// A film, and no episode or extra that lies among films.
 bool mayBeFilm(const Wish& wish) {
   const fs::path folders = wish.video.lexically_relative(wish.room).parent_path();
-  const auto isOther = [](const fs::path& name) {
-    return isExtrasFolder(name.string()) || isSeasonFolder(name.string());
-  };
-  return std::ranges::none_of(folders, isOther) && !isExtrasFolder(wish.stem) &&
-         !parseSeasonEpisode(wish.video.stem().string());
+  const auto isExtras = [](const fs::path& name) { return isExtrasFolder(name.string()); };
+  const auto isSeason = [](const fs::path& name) { return isSeasonFolder(name.string()); };
+  // A season lies in a series; directly in the room it is a title that only begins like one.
+  const auto below = folders.empty() ? folders.end() : std::next(folders.begin());
+  return std::ranges::none_of(folders, isExtras) && std::none_of(below, folders.end(), isSeason) &&
+         !isExtrasFolder(wish.stem) && !parseSeasonEpisode(wish.video.stem().string());
 }
 
 bool isNameTaken(const Wish& wish, const FolderContent& there, const fs::path& folder) {
-  const bool hasNamesake = std::ranges::any_of(there.files, [&](const std::string& file) {
-    const fs::path name = file;
-    return folder / name != wish.video && name.stem() == wish.stem && isFilmName(name);
-  });
+  const std::string begin = wish.stem + ".";
+  bool hasNamesake = false;
+  for (auto file = there.files.lower_bound(begin); file != there.files.end() && file->starts_with(begin);
+       ++file) {
+    const fs::path name = *file;
+    hasNamesake |= folder / name != wish.video && name.stem() == wish.stem && isFilmName(name);
+  }
   const bool taken = hasNamesake || isTaken(folder / wish.name()) ||
                      logOf(wish.context, wish.room).wasVacated(folder / wish.name());
   if (taken) wish.tell("skip rename (target exists): " + (folder / wish.name()).string());
@@ -122,12 +127,13 @@ fs::path renameOwnFolder(const Wish& wish, const FolderContent& content) {
 /// Into a folder of its own, out of one that is shared.
 fs::path moveOut(const Wish& wish, const FolderContent& content) {
   const fs::path goal = wish.room / wish.stem;
+  std::error_code ignored;
+  if (isTaken(goal) && !fs::is_directory(fs::symlink_status(goal, ignored))) return wish.video;
   const FolderContent there = contentOf(goal);
   if (isNameTaken(wish, there, goal)) return wish.video;
   // Another film there would be hard to tell from this one.
   if (std::ranges::any_of(there.files, [](const std::string& file) { return isFilmName(file); }))
     return wish.video;
-  if (isTaken(goal) && !isReallyInside(wish.room, goal)) return wish.video;
   TidyMoves moves(wish.context, wish.room);
   moves.makeFirst(goal);
   addFiles(wish, content, goal, moves);
@@ -139,13 +145,13 @@ fs::path moveOut(const Wish& wish, const FolderContent& content) {
 
 fs::path tidy(const Wish& wish) {
   const bool flat = wish.folder() == wish.room;
-  const FolderContent content = contentOf(wish.folder());
+  const FolderContent& content = wish.context.folders.read(wish.folder());
   if (!isChosen(content, wish.video, flat)) return wish.video;
   if (!flat && logOf(wish.context, wish.room).wasLeft(wish.folder())) return wish.video;
   // Nothing may be saved under a name that is just going away.
   const auto still = wish.context.stored.playback.pauseWrites();
   if (wish.folder() == wish.room / wish.stem) return renameInFolder(wish, content);
-  const bool deep = wish.folder().parent_path() != wish.room;
+  const bool deep = !flat && wish.folder().parent_path() != wish.room;
   // A link that leads up would lead elsewhere from another height.
   const bool bound = deep && anyBelow(wish.folder(), [](const fs::path& file) {
                        std::error_code ignored;
@@ -178,7 +184,7 @@ class Afterwards {
 
  private:
   struct Renamed {
-    std::size_t index;
+    std::size_t index = 0;
     fs::path now;
   };
   const fs::path& room_;
@@ -209,13 +215,13 @@ bool isTidiedSeriesRoom(const fs::path& room) {
   return isNamedAmong(seriesRooms, room);
 }
 
-void settleRenames(const TidyContext& context, const fs::path& given) {
-  const fs::path room = plainRoom(given);
-  const RenameHistory history = readRenames(room);
+void settleRenames(const TidyContext& context, const fs::path& room) {
+  const fs::path plain = plainRoom(room);
+  const RenameHistory history = readRenames(plain);
   if (history.settled == history.renames.size()) return;
   // Those of this scan were told when they were done.
-  if (!context.logs.contains(room)) tellAgain(context.stored.users, room, history);
-  if (context.stored.playback.flush(longestSave)) logOf(context, room).markSettled(context.scanTime);
+  if (!context.logs.contains(plain)) tellAgain(context.stored.users, plain, history);
+  if (context.stored.playback.flush(longestSave)) logOf(context, plain).markSettled(context.scanTime);
 }
 
 fs::path tidyFilm(const TidyContext& context, const fs::path& room, const fs::path& video,
@@ -229,10 +235,10 @@ fs::path renameEpisodeTo(const TidyContext& context, const fs::path& room, const
                          const std::string& wantedStem) {
   const Wish wish{context, plainRoom(room), video, wantedStem};
   if (video.stem() == wantedStem || !mayBeRenamed(wish)) return video;
-  const FolderContent content = contentOf(wish.folder());
+  const FolderContent& content = context.folders.read(wish.folder());
   if (!isChosen(content, video, true)) return video;
   const auto still = context.stored.playback.pauseWrites();
-  const fs::path now = renameInFolder(wish, content);
+  fs::path now = renameInFolder(wish, content);
   if (now != video) wish.tell("renamed episode " + video.string() + " -> " + now.string());
   return now;
 }

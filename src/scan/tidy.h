@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/process_flags.h"
+#include "scan/film_folder.h"
 #include "scan/rename_log.h"
 #include "state/stored.h"
 
@@ -24,6 +25,7 @@ struct TidyContext {
   std::int64_t scanTime = 0;                                    ///< its start, seconds since 1970
   std::function<void(const std::string&)> log = {};             ///< takes a line without its end
   mutable std::map<std::filesystem::path, RenameLog> logs = {};
+  mutable FolderReader folders = {};
 };
 
 /// The rooms whose films, and whose episodes, get names.

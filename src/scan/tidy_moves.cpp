@@ -1,8 +1,9 @@
 #include "scan/tidy_moves.h"
 
-#include <ranges>
+#include <algorithm>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include "base/file_write.h"
 #include "library/file_types.h"
@@ -78,22 +79,27 @@ bool TidyMoves::moveFiles() {
   for (const Move& move : files_) {
     if (renameNoReplace(move.old, move.now)) {
       done.push_back(move);
+      context_.folders.noteRename(move.old, move.now);
       if (isVideoFile(move.now)) context_.stored.users.renameMedia(move.old.string(), move.now.string());
       continue;
     }
     tell("failed to rename " + move.old.string() + " -> " + move.now.string());
     if (&move != &files_.back()) continue;
-    moveBack(done);
+    moveBack(std::move(done));
     return false;
   }
   return true;
 }
 
-void TidyMoves::moveBack(const std::vector<Move>& done) {
+void TidyMoves::moveBack(std::vector<Move> done) {
+  std::ranges::reverse(done);
   std::vector<LoggedRename> lines;
-  for (const Move& move : done | std::views::reverse) lines.push_back(logged(move, true));
+  lines.reserve(done.size());
+  for (const Move& move : done) lines.push_back(logged(move, true));
   if (lines.empty() || !logOf(context_, room_).append(lines)) return;
-  for (const auto& [old, now] : done | std::views::reverse) renameNoReplace(now, old);
+  for (const auto& [old, now] : done) {
+    if (renameNoReplace(now, old)) context_.folders.noteRename(now, old);
+  }
 }
 
 }  // namespace tavek

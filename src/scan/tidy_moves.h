@@ -35,7 +35,7 @@ class TidyMoves {
   LoggedRename logged(const Move& move, bool back = false) const;
   bool makeFolder() const;
   bool moveFiles();
-  void moveBack(const std::vector<Move>& done);
+  void moveBack(std::vector<Move> done);
   void tell(const std::string& line) const;
 
   const TidyContext& context_;

@@ -1,8 +1,9 @@
 #include "scan/undo_renames.h"
 
+#include <algorithm>
 #include <chrono>
-#include <ranges>
 #include <system_error>
+#include <unistd.h>
 
 #include "base/file_write.h"
 #include "library/file_types.h"
@@ -41,6 +42,8 @@ class Undo {
  private:
   /// Empty once it is taken back.
   std::string whyNot(const fs::path& now, const fs::path& old) {
+    // An undo that was cut short may have made it anew for the sake of a folder in it.
+    if (isTaken(old) && isReallyInside(room_, now)) ::rmdir(now.c_str());
     if (!isTaken(now)) {
       // Taken back already by an undo that was cut short, which may not have saved that.
       if (isTaken(old) && isReallyInside(room_, old)) follow(now, old);
@@ -90,13 +93,14 @@ UndoReport undoRenames(const fs::path& room, Stored stored, const Flag& stop) {
     report.lines.emplace_back("the files of this room are being renamed just now");
     return report;
   }
-  const RenameHistory history = readRenames(room);
+  RenameHistory history = readRenames(room);
   if (history.renames.empty()) return report;
   const std::int64_t time = history.renames.back().time;
+  std::ranges::reverse(history.renames);
   Undo undo(room, stored, report);
   {
     const auto still = stored.playback.pauseWrites();
-    for (const LoggedRename& rename : history.renames | std::views::reverse) {
+    for (const LoggedRename& rename : history.renames) {
       if (stop) return report;
       if (rename.time == time) undo.take(rename);
     }

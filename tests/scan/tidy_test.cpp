@@ -102,7 +102,8 @@ TEST_F(TidyTest, PutsAMessyRoomInOrderOnceAndBack) {
   for (const char* name :
        {"Long CD1.avi", "Long CD2.avi", "1917.2019.mkv", "2012.mkv", "solaris.mkv", "Taken.mkv",
         "Taken/other.txt", "Taken/Taken.avi", "Same.mkv", "same.mkv", "ships/VIDEO_TS/a.vob",
-        "Show S01E02.mkv", "Trailers/x.mkv", "sample.mkv", ".secret/y.mkv", "\xf0\x9f\x98\x80.mkv"})
+        "Show S01E02.mkv", "Trailers/x.mkv", "sample.mkv", "Paw/Season 1/one.mkv", "Season of/w.mkv",
+        ".secret/y.mkv", "\xf0\x9f\x98\x80.mkv"})
     put(name);
   put(nfd + ".mkv");
   put(latin + ".mkv");
@@ -127,6 +128,8 @@ TEST_F(TidyTest, PutsAMessyRoomInOrderOnceAndBack) {
       {{"same.mkv", "Same"}, "Same/Same.mkv"},
       {{"ships/VIDEO_TS/a.vob", "Ships"}, "ships/VIDEO_TS/a.vob"},
       {{"Show S01E02.mkv", "Show"}, "Show S01E02.mkv"},
+      {{"Paw/Season 1/one.mkv", "One (2001)"}, "Paw/Season 1/one.mkv"},
+      {{"Season of/w.mkv", "Season of (2011)"}, "Season of (2011)/Season of (2011).mkv"},
       {{"Trailers/x.mkv", "X (1999)"}, "Trailers/x.mkv"},
       {{"sample.mkv", "Sample (2000)"}, "sample.mkv"},
       {{".secret/y.mkv", "Y"}, ".secret/y.mkv"},
