@@ -101,6 +101,7 @@ void FilmScan::scanRoom(const fs::path& room) {
     scanFilm(room, film);
     tellChange(room, false);
   }
+  if (isTidiedFilmRoom(room)) settleRenames(tidy_, room);
   tellChange(room, true);
 }
 

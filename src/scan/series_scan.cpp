@@ -71,6 +71,7 @@ void SeriesScan::run(const fs::path& root) {
       any = true;
       scanSeries(group);
     }
+    if (isTidiedSeriesRoom(room)) settleRenames(tidy_, room);
     if (std::exchange(changed_, false)) noteFolderChanged(room);
   }
   if (!any && !tidy_.stop) log("no tv videos found under " + root.string());
