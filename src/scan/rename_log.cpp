@@ -52,7 +52,10 @@ void takeUndone(RenameHistory& history, std::int64_t time) {
   const auto end = renames.begin() + static_cast<std::ptrdiff_t>(history.settled);
   history.settled -=
       static_cast<std::size_t>(std::ranges::count(renames.begin(), end, time, &LoggedRename::time));
-  std::erase_if(renames, [&](const LoggedRename& rename) { return rename.time == time; });
+  std::erase_if(renames, [&](const LoggedRename& rename) {
+    if (rename.time == time) history.takenBack.insert(rename.old);
+    return rename.time == time;
+  });
 }
 
 void takeLine(RenameHistory& history, const std::string& line) {
@@ -186,7 +189,8 @@ void RenameLog::Known::vacate(const std::string& old) {
 RenameLog::Known& RenameLog::known() {
   if (known_) return *known_;
   known_.emplace();
-  const RenameHistory history = readRenames(room_);
+  RenameHistory history = readRenames(room_);
+  known_->takenBack = std::move(history.takenBack);
   for (std::size_t i = 0; i < history.renames.size(); ++i) {
     const LoggedRename& rename = history.renames[i];
     const fs::path from = fs::path(rename.old).parent_path();
@@ -203,6 +207,10 @@ bool RenameLog::wasLeft(const fs::path& folder) {
 
 void RenameLog::noteLeft(const fs::path& folder) {
   known().left.insert(folder.string());
+}
+
+bool RenameLog::wasTakenBack(const fs::path& path) {
+  return known().takenBack.contains(path.lexically_relative(room_).string());
 }
 
 bool RenameLog::wasVacated(const fs::path& path) {

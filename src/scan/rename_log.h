@@ -29,6 +29,7 @@ struct RenameHistory {
   bool found = false;                 ///< there is a log
   std::vector<LoggedRename> renames;  ///< not taken back yet, in the order in which they were done
   std::size_t settled = 0;            ///< how many of them a later scan has made sure of
+  std::set<std::string> takenBack;    ///< the old paths of those that were
 };
 
 /// A path that stays below its room, by its text: relative, without "..", and without hidden folders.
@@ -55,6 +56,8 @@ class RenameLog {
   /// A film was moved out of this folder, so what lies in it was left there on purpose.
   bool wasLeft(const std::filesystem::path& folder);
   void noteLeft(const std::filesystem::path& folder);
+  /// The user has taken a rename of this path back, and wants it to stay.
+  bool wasTakenBack(const std::filesystem::path& path);
   /// A rename that is not settled yet has made this name free, or one on the way to it. Taken by another file
   /// now, nobody could tell after a crash which of the two is meant.
   bool wasVacated(const std::filesystem::path& path);
@@ -62,6 +65,7 @@ class RenameLog {
  private:
   struct Known {
     std::set<std::string> left;
+    std::set<std::string> takenBack;
     std::set<std::string> vacated;
     std::set<std::string> above;  ///< the folders that these lay in, which may be gone with them
     void vacate(const std::string& old);

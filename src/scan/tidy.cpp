@@ -61,7 +61,8 @@ bool mayBeRenamed(const Wish& wish) {
   return !wish.context.stop && staysInside(inRoom.string()) && std::ranges::none_of(inRoom, inDisc) &&
          isFitName(wish.stem) && !isBonus(wish.stem) && wish.name().size() <= longestFileName &&
          isFilmName(wish.video.filename()) && !isBusy(wish.context, wish.video) &&
-         isReallyInside(wish.room, wish.video) && fs::is_regular_file(wish.video, ignored);
+         isReallyInside(wish.room, wish.video) && fs::is_regular_file(wish.video, ignored) &&
+         !logOf(wish.context, wish.room).wasTakenBack(wish.video);
 }
 
 /// A film, and no episode or extra that lies among films.
