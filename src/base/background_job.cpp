@@ -13,7 +13,8 @@ struct LeftThread {
 class LeftThreads {
  public:
   ~LeftThreads() {
-    for (LeftThread& left : *threads_.hold()) left.thread.join();
+    const auto threads = threads_.hold();
+    for (LeftThread& left : *threads) left.thread.join();
   }
   void add(LeftThread left) { threads_.hold()->push_back(std::move(left)); }
   /// How many still run.

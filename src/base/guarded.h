@@ -14,7 +14,8 @@ class Guarded {
   Guarded(const Guarded&) = delete;
   Guarded& operator=(const Guarded&) = delete;
 
-  /// The value, locked for as long as this lives. A thread may hold it once.
+  /// The value, locked for as long as this lives: a loop over a temporary one would let go before its first
+  /// step. A thread may hold it once.
   template <typename Value>
   class Held {
    public:

@@ -151,7 +151,10 @@ void PlaybackFiles::renameFolder(const fs::path& old, const fs::path& now) {
 
 bool PlaybackFiles::save() {
   std::vector<unsigned> versions;
-  for (const PlaybackEdit& edit : memory_.hold()->edits) versions.push_back(edit.version);
+  {
+    const auto memory = memory_.hold();
+    for (const PlaybackEdit& edit : memory->edits) versions.push_back(edit.version);
+  }
   bool saved = true;
   for (const unsigned version : versions) saved = saveOne(version) && saved;
   return saved;
