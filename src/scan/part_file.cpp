@@ -1,6 +1,5 @@
 #include "scan/part_file.h"
 
-#include <array>
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -11,7 +10,6 @@ namespace tavek {
 namespace {
 
 constexpr std::size_t headSize = 16;
-constexpr std::array broughtNames = {"poster.jpg", "fanart.jpg", "clearlogo.png", "theme.mp3"};
 
 bool isJpeg(std::string_view head) {
   return head.starts_with("\xff\xd8\xff");
@@ -27,15 +25,12 @@ bool isMp3(std::string_view head) {
   return head.size() >= 2 && head[0] == '\xff' && (static_cast<unsigned char>(head[1]) & 0xe6) == 0xe2;
 }
 
-}  // namespace
-
+/// `.poster.jpg.part` for `poster.jpg`.
 std::filesystem::path partOf(const std::filesystem::path& goal) {
   return goal.parent_path() / ("." + goal.filename().string() + ".part");
 }
 
-void removeLeftParts(const std::filesystem::path& folder) {
-  for (const char* name : broughtNames) ::unlink(partOf(folder / name).c_str());
-}
+}  // namespace
 
 PartFile::PartFile(std::filesystem::path goal) : goal_(std::move(goal)), part_(partOf(goal_)) {
   // One that a kill has left; never through a link that somebody has laid.

@@ -34,9 +34,5 @@ class PartFile {
   std::string head_;
 };
 
-/// Where a file stands while it comes: `.poster.jpg.part` for `poster.jpg`.
-std::filesystem::path partOf(const std::filesystem::path& goal);
-/// Removes what a kill has left of the files that the scans bring into this folder, and nothing else.
-void removeLeftParts(const std::filesystem::path& folder);
 
 }  // namespace tavek

@@ -38,30 +38,6 @@ const std::string* valueOf(const std::vector<JsonMember>& members, std::string_v
 
 }  // namespace
 
-std::optional<std::string> findJsonString(const std::string& body, std::string_view key) {
-  const std::string marker = '"' + std::string(key) + "\":";
-  const std::size_t at = body.find(marker);
-  if (at == npos) return {};
-  std::size_t quote = body.find('"', at + marker.size());
-  return parseString(body, quote);
-}
-
-std::optional<std::string> findRawString(std::string_view body, std::string_view marker) {
-  const std::size_t at = body.find(marker);
-  if (at == npos) return {};
-  const std::size_t start = at + marker.size();
-  const std::size_t end = body.find('"', start);
-  if (end == npos || end == start) return {};
-  return std::string(body.substr(start, end - start));
-}
-
-std::optional<std::int32_t> findJsonInt(std::string_view body, std::string_view marker) {
-  const std::size_t at = body.find(marker);
-  if (at == npos) return {};
-  const auto number = numberAt(body, at + marker.size());
-  return number && *number > 0 ? number : std::nullopt;
-}
-
 bool hasList(const std::string& body, std::string_view key) {
   return insideList(body, key) != npos;
 }

@@ -12,13 +12,6 @@
 /// bytes may be passed, and each function takes a time in proportion to their number.
 namespace tavek {
 
-/// The next string behind the first such key; behind a number or null that is the name of the next key.
-std::optional<std::string> findJsonString(const std::string& body, std::string_view key);
-/// The bytes from the end of the marker to the next quote, as they stand.
-std::optional<std::string> findRawString(std::string_view body, std::string_view marker);
-/// The number behind the marker and white space, if it is above 0.
-std::optional<std::int32_t> findJsonInt(std::string_view body, std::string_view marker);
-
 /// Whether a list stands under this key, at any depth.
 bool hasList(const std::string& body, std::string_view key);
 /// The objects of the first list under this key, in its order and at most so many.

@@ -30,32 +30,28 @@ std::string scanLabelOf(std::string_view folderName) {
 
 ScanDecision tmdbScanDue(std::int64_t now, const TmdbScanRecord& record, std::string_view folder,
                          bool force) {
-  if (force) return {true, true, "scan forced by --tmdb-scan"};
+  if (force) return {true, "scan forced by --tmdb-scan"};
   if (record.label && toLower(*record.label) == folder && isRecent(now, record.last))
-    return {false, false, skippedLine(*record.label)};
-  if (isRecent(now, record.inRun)) return {false, false, skippedLine(folder)};
+    return {false, skippedLine(*record.label)};
+  if (isRecent(now, record.inRun)) return {false, skippedLine(folder)};
   return {true};
 }
 
 ScanDecision fanartScanDue(std::int64_t now, std::optional<std::int64_t> last, bool force) {
-  if (force) return {true, true, "scan forced by --fanart-scan"};
-  if (isRecent(now, last)) return {false, false, skippedLine("")};
+  if (force) return {true, "scan forced by --fanart-scan"};
+  if (isRecent(now, last)) return {false, skippedLine("")};
   return {true};
-}
-
-std::string_view lineWhileRunning(bool force) {
-  return force ? "scan already running; force queued" : "";
 }
 
 ScanDecision tmdbStartScanDue(std::int64_t now, std::optional<std::int64_t> last, std::string_view folder) {
   if (!isStartDue(now, last)) return {};
   const std::string label = folder.empty() ? "movies" : std::string(folder);
-  return {true, false, "startup scan: running TMDB before loading " + label};
+  return {true, "startup scan: running TMDB before loading " + label};
 }
 
 ScanDecision fanartStartScanDue(std::int64_t now, std::optional<std::int64_t> last) {
   if (!isStartDue(now, last)) return {};
-  return {true, false, "startup scan: running FANART before loading tv"};
+  return {true, "startup scan: running FANART before loading tv"};
 }
 
 }  // namespace tavek

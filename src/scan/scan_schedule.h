@@ -11,7 +11,6 @@ namespace tavek {
 
 struct ScanDecision {
   bool run = false;
-  bool forced = false;    ///< the flag that forced it is used up
   std::string line = {};  ///< for the log; may be empty
   bool operator==(const ScanDecision&) const = default;
 };
@@ -31,8 +30,6 @@ std::string scanLabelOf(std::string_view folderName);
 ScanDecision tmdbScanDue(std::int64_t now, const TmdbScanRecord& record, std::string_view folder, bool force);
 /// The same for the art of series, for all rooms at once.
 ScanDecision fanartScanDue(std::int64_t now, std::optional<std::int64_t> last, bool force);
-/// What a request says while a scan runs; empty for nothing.
-std::string_view lineWhileRunning(bool force);
 
 /// The scans of the start, which no flag forces.
 ScanDecision tmdbStartScanDue(std::int64_t now, std::optional<std::int64_t> last, std::string_view folder);

@@ -124,15 +124,15 @@ TEST(ScanSchedule, ScansARoomOnceADay) {
        {now - 86399, "movies", {}},
        "movies",
        false,
-       {false, false, "scan skipped for movies (last run under 24h)"}},
+       {false, "scan skipped for movies (last run under 24h)"}},
       {now, {now - 86400, "movies", {}}, "movies", false, {true}},
       {now,
        {now - 5, "Movies", {}},
        "movies",
        false,
-       {false, false, "scan skipped for Movies (last run under 24h)"}},
-      {now, {now - 5, "", {}}, "", false, {false, false, "scan skipped (last run under 24h)"}},
-      {now, {now - 5, "movies", {}}, "movies", true, {true, true, "scan forced by --tmdb-scan"}},
+       {false, "scan skipped for Movies (last run under 24h)"}},
+      {now, {now - 5, "", {}}, "", false, {false, "scan skipped (last run under 24h)"}},
+      {now, {now - 5, "movies", {}}, "movies", true, {true, "scan forced by --tmdb-scan"}},
       {now, {now + 5, "movies", {}}, "movies", false, {true}},
       {now, {{}, "movies", {}}, "movies", false, {true}},
       {0, {0, "movies", {}}, "movies", false, {true}},
@@ -142,9 +142,9 @@ TEST(ScanSchedule, ScansARoomOnceADay) {
        {now - 5, "kids", now - 3600},
        "movies",
        false,
-       {false, false, "scan skipped for movies (last run under 24h)"}},
+       {false, "scan skipped for movies (last run under 24h)"}},
       {now, {now - 5, "kids", now - 86400}, "movies", false, {true}},
-      {now, {now - 5, "kids", now - 5}, "movies", true, {true, true, "scan forced by --tmdb-scan"}},
+      {now, {now - 5, "kids", now - 5}, "movies", true, {true, "scan forced by --tmdb-scan"}},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(tmdbScanDue(row.at, row.record, row.folder, row.force), row.decision)
@@ -178,7 +178,7 @@ TEST(ScanSchedule, ScansTheArtOfSeriesAndAtTheStartOnceADay) {
     EXPECT_EQ(tmdbStartScanDue(at, last, "kids").line,
               start ? "startup scan: running TMDB before loading kids" : "");
   }
-  EXPECT_EQ(fanartScanDue(now, now, true), (ScanDecision{true, true, "scan forced by --fanart-scan"}));
+  EXPECT_EQ(fanartScanDue(now, now, true), (ScanDecision{true, "scan forced by --fanart-scan"}));
   EXPECT_EQ(tmdbStartScanDue(now, {}, "").line, "startup scan: running TMDB before loading movies");
 }
 

@@ -257,11 +257,6 @@ TEST_F(Http, NeverTakesANameOrFollowsALink) {
   setrlimit(RLIMIT_FSIZE, &old);
   EXPECT_EQ(standing(), "outside ");
 
-  for (const char* left : {".poster.jpg.part", ".mine.jpg.part"}) test::writeText(temp_.path() / left, jpeg);
-  removeLeftParts(temp_.path());
-  EXPECT_TRUE(fs::remove(temp_.path() / ".mine.jpg.part")) << "not of a scan";
-  EXPECT_EQ(standing(), "outside ");
-
   fs::create_symlink("outside", hidden);
   EXPECT_TRUE(download());
   EXPECT_EQ(test::readText(outside), "mine");
