@@ -34,5 +34,4 @@ class PartFile {
   std::string head_;
 };
 
-
 }  // namespace tavek

@@ -33,7 +33,8 @@ class SettingsPage {
   virtual void open() = 0;
   /// Its tab was selected again.
   virtual void reload() {}
-  /// Another tab was selected, or the settings closed: edits that are not saved are dropped, and workers left.
+  /// Another tab was selected, or the settings closed: edits that are not saved are dropped, and workers
+  /// left.
   virtual void close() {}
   /// A list over the page closes; false if none is open.
   virtual bool closeList() { return false; }
