@@ -4,7 +4,6 @@
 #include <array>
 #include <cstdlib>
 #include <memory>
-#include <optional>
 #include <utf8proc.h>
 
 #include "base/text.h"
@@ -58,15 +57,6 @@ std::string mapped(std::string_view text, int options) {
   return {reinterpret_cast<const char*>(result), static_cast<std::size_t>(length)};
 }
 
-/// Takes the first character off a text; none if it is no UTF-8.
-std::optional<char32_t> takeCharacter(std::string_view& text) {
-  utf8proc_int32_t character = 0;
-  const auto length = utf8proc_iterate(bytesOf(text), static_cast<utf8proc_ssize_t>(text.size()), &character);
-  if (length <= 0) return {};
-  text.remove_prefix(static_cast<std::size_t>(length));
-  return static_cast<char32_t>(character);
-}
-
 std::string_view withoutPosterSuffix(std::string_view stem) {
   constexpr std::string_view suffix = ".poster";
   if (stem.size() > suffix.size() && stem.ends_with(suffix)) stem.remove_suffix(suffix.size());
@@ -74,6 +64,14 @@ std::string_view withoutPosterSuffix(std::string_view stem) {
 }
 
 }  // namespace
+
+std::optional<char32_t> takeCharacter(std::string_view& text) {
+  utf8proc_int32_t character = 0;
+  const auto length = utf8proc_iterate(bytesOf(text), static_cast<utf8proc_ssize_t>(text.size()), &character);
+  if (length <= 0) return {};
+  text.remove_prefix(static_cast<std::size_t>(length));
+  return static_cast<char32_t>(character);
+}
 
 std::string foldCase(std::string_view text) {
   return mapped(text, UTF8PROC_STABLE | UTF8PROC_COMPOSE | UTF8PROC_CASEFOLD);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,8 @@
 /// UTF-8; one that is not is taken byte by byte. Every function may be called from every thread.
 namespace tavek {
 
+/// Takes the first character off a text; none, and nothing is taken, if it is no UTF-8.
+std::optional<char32_t> takeCharacter(std::string_view& text);
 /// Case-folded and normalised (NFC), so that names which read the same are the same bytes.
 std::string foldCase(std::string_view text);
 /// Whether a title would lose letters if only those of ASCII were kept: it has to be compared whole.

@@ -29,7 +29,8 @@ void printKey(const KeyPress& press) {
 }
 
 std::optional<KeyPress> KeyInput::take(const SDL_KeyboardEvent& event, Uint64 nowMs) {
-  const KeyPress press{event.keysym.sym, event.type == SDL_KEYDOWN, event.repeat != 0};
+  const KeyPress press{event.keysym.sym, event.type == SDL_KEYDOWN, event.repeat != 0,
+                       (event.keysym.mod & KMOD_SHIFT) != 0};
   if (press.key == SDLK_AUDIOPLAY) {
     const bool first = press.down && !press.repeat && !audioPlayDown_;
     audioPlayDown_ = press.down;

@@ -19,6 +19,7 @@ struct KeyPress {
   SDL_Keycode key = SDLK_UNKNOWN;
   bool down = true;
   bool repeat = false;  ///< made by the keyboard, not by a finger
+  bool shift = false;   ///< held with it
 };
 
 /// The key means nothing here, or all that it means is done.
