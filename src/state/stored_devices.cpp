@@ -6,21 +6,21 @@ namespace tavek {
 
 HueSettings StoredDevices::hueSettings() {
   bool absent = false;
-  const HueSettings settings = files_.hue(absent);
+  HueSettings settings = files_.hue(absent);
   if (absent) saves_.request(Save::Always);
   return settings;
 }
 
 BluetoothSettings StoredDevices::bluetoothSettings() {
   bool absent = false;
-  const BluetoothSettings settings = files_.bluetooth(absent);
+  BluetoothSettings settings = files_.bluetooth(absent);
   if (absent) saves_.request(Save::Always);
   return settings;
 }
 
 NetworkSettings StoredDevices::networkSettings() {
   bool absent = false;
-  const NetworkSettings settings = files_.network(absent);
+  NetworkSettings settings = files_.network(absent);
   if (absent) saves_.request(Save::Always);
   return settings;
 }

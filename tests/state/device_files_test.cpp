@@ -1,5 +1,6 @@
 #include "state/device_files.h"
 
+#include <algorithm>
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -46,34 +47,39 @@ Settings readAs(const std::string& text) {
   return settings;
 }
 
+/// With | for a line feed, > for a tab and ' for a quote.
+std::string laid(std::string text) {
+  for (const auto& [from, to] : {std::pair('|', '\n'), {'>', '\t'}, {'\'', '"'}})
+    std::ranges::replace(text, from, to);
+  return text;
+}
+
 template <typename Settings>
 void expectText(const Settings& settings, const std::string& text) {
-  EXPECT_EQ(deviceText(settings, ""), text);
-  EXPECT_EQ(readAs<Settings>(text), settings);
-  EXPECT_EQ(deviceText(settings, " " + text), " " + text) << "it says the same";
+  EXPECT_EQ(deviceText(settings, ""), laid(text));
+  EXPECT_EQ(readAs<Settings>(laid(text)), settings);
+  EXPECT_EQ(deviceText(settings, laid(' ' + text)), laid(' ' + text)) << "it says the same";
 }
 
 TEST(DeviceText, HasTheLayoutOfEachFileAndIsReadBack) {
   expectText(
       HueSettings{.bridge = "b", .user = "u\"\\\n\\", .group = "g", .pauseScene = "p", .enabled = false},
-      "{\n\t\"Hue\": {\n\t\t\"Bridge\": \"b\",\n\t\t\"User\": \"u\\\"\\\\\\n\\\\\",\n\t\t\"Group\": "
-      "\"g\",\n\t\t\"Enabled\": \"false\",\n\t\t\"Pause\": {\n\t\t\t\"Scene\": \"p\"\n\t\t}\n\t}\n}\n");
+      R"({|>'Hue': {|>>'Bridge': 'b',|>>'User': 'u\'\\\n\\',|>>'Group': 'g',|>>'Enabled': 'false',)"
+      "|>>'Pause': {|>>>'Scene': 'p'|>>}|>}|}|");
   EXPECT_EQ(deviceText(HueSettings{.bridge = "b", .user = ""}, "x"), "x") << "no pairing";
-  expectText(BluetoothSettings{.name = "n", .pin = "1", .discoverable = true, .rfkillBlocked = true},
-             "{\n\t\"Bluetooth\": {\n\t\t\"Name\": \"n\",\n\t\t\"Enabled\": \"true\",\n\t\t\"Discoverable\": "
-             "\"true\",\n\t\t\"Rfkill\": \"blocked\",\n\t\t\"PIN\": \"1\"\n\t}\n}\n");
+  expectText(
+      BluetoothSettings{.name = "n", .pin = "1", .discoverable = true, .rfkillBlocked = true},
+      "{|>'Bluetooth': {|>>'Name': 'n',|>>'Enabled': 'true',|>>'Discoverable': 'true',|>>'Rfkill': 'blocked',"
+      "|>>'PIN': '1'|>}|}|");
   NetworkSettings network{.interface = "e", .ssid = "s", .password = "p"};
   network.wifi.dns2 = "9";
-  const std::string wifi =
-      "\t\t\"WiFi\": {\n\t\t\t\"Static\": {\n\t\t\t\t\"DNS2\": \"9\"\n\t\t\t},\n\t\t\t\"SSID\": "
-      "\"s\",\n\t\t\t\"Password\": \"p\"\n\t\t}\n\t}\n}\n";
-  const std::string start =
-      "{\n\t\"Network\": {\n\t\t\"Interface\": \"e\",\n\t\t\"DHCP\": \"true\",\n\t\t\"Rfkill\": "
-      "\"unblocked\",\n";
-  expectText(network, start + wifi);
-  network.wired.address = network.wifi.address = "1";
-  EXPECT_THAT(deviceText(network, ""),
-              HasSubstr(start + "\t\t\"Static\": {\n\t\t\t\"Address\": \"1\"\n\t\t},\n"))
+  const std::string start = "{|>'Network': {|>>'Interface': 'e',|>>'DHCP': 'true',|>>'Rfkill': 'unblocked',|";
+  expectText(
+      network,
+      start +
+          ">>'WiFi': {|>>>'Static': {|>>>>'DNS2': '9'|>>>},|>>>'SSID': 's',|>>>'Password': 'p'|>>}|>}|}|");
+  network.wired.address = "1";
+  EXPECT_THAT(deviceText(network, ""), HasSubstr(laid(start + ">>'Static': {|>>>'Address': '1'|>>},|")))
       << "kept while DHCP is on";
 }
 
