@@ -305,6 +305,10 @@ std::optional<std::string> parseString(const std::string& text, std::size_t& pos
   return {};
 }
 
+bool isDamaged(const std::string& text) {
+  return skipSpace(text, 0) != text.size() && !isWholeJson(text);
+}
+
 std::vector<JsonMember> readMembers(const std::string& text) {
   std::vector<JsonMember> members;
   std::size_t place = skipSpace(text, 0);

@@ -43,6 +43,8 @@ std::vector<std::string> readStringArray(const std::string& text, std::string_vi
 std::optional<std::size_t> matchBrace(const std::string& text, std::size_t open);
 /// One object and nothing else, from its first to its last byte well-formed, and no key twice in an object.
 bool isWholeJson(const std::string& text);
+/// Worth a copy before it is replaced: more than nothing, and not whole.
+bool isDamaged(const std::string& text);
 /// One object and nothing else but white space, as far as its braces tell.
 bool isOneObject(const std::string& text);
 /// The string that begins at `position`, which is then led behind it. Without a value it stays, and then no

@@ -1,19 +1,14 @@
 #include "state/json_write.h"
 
-#include <cstdio>
-#include <memory>
+#include <fcntl.h>
+#include <string_view>
 #include <system_error>
+#include <tuple>
 
+#include "base/descriptor.h"
 #include "base/file_write.h"
 
 namespace tavek {
-namespace {
-
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-}  // namespace
 
 std::string escapeString(std::string_view text) {
   std::string escaped;
@@ -67,13 +62,14 @@ std::string compactObject(const std::vector<JsonMember>& members) {
   return text.empty() ? "{}" : text + '}';
 }
 
-void ensureJsonFile(const std::filesystem::path& path) {
+void ensureJsonFile(const std::filesystem::path& path, mode_t mode) {
   if (path.empty()) return;
   std::error_code ignored;
   std::filesystem::create_directories(path.parent_path(), ignored);
-  // "x" leaves a file alone that is there, or that another thread has made just now.
-  const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(path.c_str(), "wxe"));
-  if (file) std::fputs("{}\n", file.get());
+  // Leaves a file alone that is there, or that another thread has made just now.
+  const Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+  constexpr std::string_view empty = "{}\n";
+  if (file.isOpen()) std::ignore = ::write(file.get(), empty.data(), empty.size());
 }
 
 void writeJsonAtomic(const std::filesystem::path& path, const std::vector<JsonMember>& members) {

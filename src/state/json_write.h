@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 #include <vector>
 
 #include "state/json_read.h"
@@ -31,7 +32,7 @@ void appendField(FieldState& state, int tabs, std::string_view key, const std::o
 std::string compactObject(const std::vector<JsonMember>& members);
 
 /// Creates the file with an empty object unless it is there. Another thread that writes it meanwhile wins.
-void ensureJsonFile(const std::filesystem::path& path);
+void ensureJsonFile(const std::filesystem::path& path, mode_t mode = 0666);
 /// Replaces the file by an object in one line. A failure leaves the old file and is not reported.
 void writeJsonAtomic(const std::filesystem::path& path, const std::vector<JsonMember>& members);
 

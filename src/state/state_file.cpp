@@ -22,11 +22,6 @@ bool namesUsers(const std::string& text) {
   return !readUsers(text, ignored).names.empty();
 }
 
-/// Worth a copy: more than nothing, and not whole.
-std::string damageOf(const std::string& text) {
-  return skipSpace(text, 0) == text.size() || isWholeJson(text) ? "" : text;
-}
-
 }  // namespace
 
 bool StateFile::load() {
@@ -34,7 +29,7 @@ bool StateFile::load() {
   bool changed = file.found == FileFound::Missing;
   const auto memory = memory_.hold();
   memory->state = memory->base = readStoredState(file.text, changed);
-  memory->damaged = damageOf(file.text);
+  if (isDamaged(file.text)) memory->damaged = file.text;
   if (file.found == FileFound::Read) memory->stamp = file.stamp;
   return changed;
 }
@@ -45,7 +40,7 @@ bool StateFile::takeUp(bool& changed) {
   if (file.found != FileFound::Read) return file.found != FileFound::Unreadable;
 
   StoredState theirs = readStoredState(file.text, changed);
-  const std::string damage = damageOf(file.text);
+  const bool damaged = isDamaged(file.text);
   const bool hasUsers = namesUsers(file.text);
   if (!hasUsers) {
     theirs.userNames.clear();
@@ -55,9 +50,9 @@ bool StateFile::takeUp(bool& changed) {
   const auto memory = memory_.hold();
   if (memory->stamp == file.stamp) return true;
   memory->stamp = file.stamp;
-  if (!damage.empty()) memory->damaged = damage;
+  if (damaged) memory->damaged = file.text;
   theirs.renamedUsers = memory->state.renamedUsers;
-  memory->state = mergeStates(memory->base, memory->state, theirs, hasUsers && damage.empty());
+  memory->state = mergeStates(memory->base, memory->state, theirs, hasUsers && !damaged);
   if (memory->state != theirs) changed = true;
   memory->base = std::move(theirs);
   return true;

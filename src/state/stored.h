@@ -2,6 +2,7 @@
 
 #include "state/folder_playback.h"
 #include "state/media_notes.h"
+#include "state/stored_devices.h"
 #include "state/stored_settings.h"
 #include "state/stored_users.h"
 
@@ -14,6 +15,7 @@ struct Stored {
   StoredUsers& users;
   FolderPlayback& playback;
   MediaNotes& notes;
+  StoredDevices& devices;
 };
 
 }  // namespace tavek

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "state/device_settings.h"
 #include "state/save_thread.h"
 

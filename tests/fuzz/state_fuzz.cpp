@@ -1,9 +1,35 @@
 #include <cstdlib>
 
+#include "state/device_text.h"
 #include "state/json_write.h"
 #include "state/playback_file.h"
 #include "state/stored_state.h"
 #include "state/user_reader.h"
+#include "state/wpa_config.h"
+
+namespace tavek {
+namespace {
+
+/// What is set is what the file says afterwards, whatever it said before.
+bool keepsNetwork(const std::string& text) {
+  NetworkSettings settings;
+  readDevice(text, settings);
+  settings.dhcp = !settings.dhcp;
+  settings.ssid = text + '.';
+  const std::string saved = deviceText(settings, text);
+  NetworkSettings read;
+  readDevice(saved, read);
+  return isWholeJson(saved) && read.ssid == settings.ssid && read.dhcp == settings.dhcp;
+}
+
+/// What was written once is found again.
+bool keepsWifi(const std::string& text) {
+  const std::string conf = wpaConfig(text, "a\"b", "");
+  return wpaConfig(conf, "a\"b", "") == conf;
+}
+
+}  // namespace
+}  // namespace tavek
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace tavek;
@@ -25,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   std::size_t place = 0;
   const bool holds = isOneObject(stateText(readStoredState(text, changed))) &&
                      isOneObject(compactObject(playbackMembers(parsePlayback(text)))) &&
-                     parseString(quotedString(text), place) == text;
+                     parseString(quotedString(text), place) == text && keepsNetwork(text) && keepsWifi(text);
   if (!holds) std::abort();
   return 0;
 }
