@@ -82,6 +82,7 @@ void setBodies(CURL* handle, const WebQuestion& question, curl_slist* headers, E
     curl_easy_setopt(handle, CURLOPT_POSTFIELDS, question.posted->c_str());
     curl_easy_setopt(handle, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(question.posted->size()));
   }
+  if (question.method) curl_easy_setopt(handle, CURLOPT_CUSTOMREQUEST, question.method);
   curl_easy_setopt(handle, CURLOPT_WRITEFUNCTION, takeBody);
   curl_easy_setopt(handle, CURLOPT_WRITEDATA, &exchange);
   curl_easy_setopt(handle, CURLOPT_HEADERFUNCTION, takeHead);

@@ -16,6 +16,7 @@ namespace tavek {
 struct WebQuestion {
   std::string url;
   std::vector<std::string> headers = {};  ///< "Accept: application/json"
+  const char* method = nullptr;           ///< in place of GET, or of POST
   const std::string* posted = nullptr;    ///< null asks by GET
   std::chrono::milliseconds whole{0}, connect{0};
   std::size_t longestBody = 0;
