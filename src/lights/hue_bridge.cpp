@@ -1,5 +1,6 @@
 #include "lights/hue_bridge.h"
 
+#include <algorithm>
 #include <chrono>
 #include <string_view>
 #include <utility>
@@ -14,17 +15,23 @@ namespace {
 
 constexpr std::chrono::milliseconds scanLimit{3000};
 constexpr std::size_t longestReply = 4U << 20;
+/// More than a bridge can hold; the page looks through all of them in each frame.
+constexpr std::size_t mostEntries = 2000;
+constexpr std::size_t longestText = 96;  // bytes, as in the page's fields
 
 /// The members of the reply that are objects; an error of the bridge is a list.
 std::optional<std::vector<JsonMember>> objectsOf(const std::string& reply) {
-  if (!isOneObject(reply)) return {};
+  if (!isWholeJson(reply)) return {};
   std::vector<JsonMember> members = readMembers(reply);
-  std::erase_if(members, [](const JsonMember& member) { return !member.value.starts_with('{'); });
+  std::erase_if(members, [](const JsonMember& member) {
+    return !member.value.starts_with('{') || member.key.size() > longestText;
+  });
+  members.resize(std::min(members.size(), mostEntries));
   return members;
 }
 
 std::string textOf(const JsonMember& object, std::string_view key) {
-  return stringMember(readMembers(object.value), key).value_or("");
+  return stringMember(readMembers(object.value), key).value_or("").substr(0, longestText);
 }
 
 std::string idOf(const JsonMember& object) {

@@ -19,7 +19,8 @@ struct HueScene {
   bool operator==(const HueScene&) const = default;
 };
 
-/// In the order of the reply; none if that is no object. Members that are no objects are left out.
+/// In the order of the reply; none if that is no whole object. Members that are no objects are left out, and
+/// so are those beyond what a page can show.
 std::optional<std::vector<HueGroup>> readHueGroups(const std::string& reply);
 std::optional<std::vector<HueScene>> readHueScenes(const std::string& reply);
 

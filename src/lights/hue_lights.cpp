@@ -17,6 +17,7 @@ namespace {
 constexpr std::size_t mostWaiting = 4;
 constexpr std::chrono::milliseconds requestLimit{2000};
 constexpr std::chrono::milliseconds endLimit{1000};
+constexpr std::chrono::milliseconds signalLook{50};
 
 struct HueRequest {
   std::string url, body;
@@ -112,7 +113,9 @@ void HueLights::stopHueWorker() {
     auto state = shared_->state.hold();
     state->over = true;
     shared_->changed.notify_all();
-    if (!stopSignalled) shared_->changed.wait_for(state.lock(), endLimit, [&] { return state->done; });
+    const auto end = std::chrono::steady_clock::now() + endLimit;
+    while (!state->done && !stopSignalled && std::chrono::steady_clock::now() < end)
+      shared_->changed.wait_for(state.lock(), signalLook);
   }
   shared_->abandoned = true;
   leaveThread(std::move(worker_), std::move(ended_));

@@ -1,6 +1,6 @@
 #include "lights/hue_lights.h"
 
-#include <chrono>
+#include <cstdlib>
 
 #include <gtest/gtest.h>
 
@@ -10,120 +10,204 @@
 #include "rig/process.h"
 #include "rig/web_server.h"
 #include "state/state_store.h"
-#include "support/temp_folder.h"
 
 namespace tavek {
 namespace {
 
-using Steady = std::chrono::steady_clock;
+using rig::now;
+using rig::WebReply;
 
-TEST(HueUrl, AsksABridgeAndNothingElse) {
-  const struct {
-    HueSettings settings;
-    const char* url;
-    const char *play, *pause;
-  } rows[] = {
-      {{.bridge = "10.0.0.2", .user = "me", .group = "7", .playScene = "a\"b"},
-       "http://10.0.0.2/api/me/groups/7/action",
-       R"({"scene":"a\"b"})",
-       R"({"alert":"select"})"},
-      {{.bridge = "hue.local:8080", .user = "me/../x?", .playAlert = "lselect"},
-       "http://hue.local:8080/api/me%2F..%2Fx%3F/groups/1/action",
-       R"({"alert":"lselect"})",
-       R"({"alert":"lselect"})"},
-      {{.bridge = "[fe80::1]:80", .user = "me", .pauseScene = "p", .pauseAlert = "select"},
-       "http://[fe80::1]:80/api/me/groups/1/action",
-       R"({"alert":"select"})",
-       R"({"scene":"p"})"},
-      {{.bridge = "10.0.0.2", .user = "me", .enabled = false}, "", nullptr, nullptr},
-      {{.bridge = "10.0.0.2", .user = ""}, "", nullptr, nullptr},
-  };
-  for (const auto& row : rows) {
-    EXPECT_EQ(buildHueUrl(row.settings).value_or(""), row.url);
-    if (row.play == nullptr) continue;
-    EXPECT_EQ(huePlayBody(row.settings), row.play);
-    EXPECT_EQ(huePauseBody(row.settings), row.pause);
-    EXPECT_EQ(maskedHueUrl(row.settings).find("/me"), std::string::npos);
-  }
-  for (const char* bad :
-       {"", "http://a", "a/b", "me@a", "a:0", "a:99999", "a:", ":80", "a b", "a\r\nb", "[x]", "a?b"})
-    EXPECT_EQ(hueBase(bad, "me"), std::nullopt) << bad;
-}
+/// Nothing listens there.
+const std::string deadBridge = "127.0.0.1:1";
 
-class HueTest : public testing::Test {
+/// A bridge, the settings that lead to it, and a proxy that must not be asked.
+class Lights : public testing::Test {
  protected:
-  void pair(const std::string& bridge) {
-    store.parts().devices.setHueSettings({.bridge = bridge, .user = "me", .playScene = "dim"});
+  Lights() {
+    setenv("http_proxy", proxy_.base().c_str(), 1);
+    bridge_.otherwise([](const rig::WebRequest&) { return WebReply{.body = "[]"}; });
+    set({.bridge = host(), .user = "SECRET"});
   }
-  std::string address() const { return server.base().substr(7); }
+  ~Lights() override {
+    EXPECT_TRUE(proxy_.requests().empty());
+    unsetenv("http_proxy");
+    stopSignalled = debugEnabled = false;
+  }
 
-  const test::TempFolder home;
-  StateStore store{"", home.path()};
-  rig::WebServer server;
+  std::string host() const { return bridge_.base().substr(std::string("http://").size()); }
+  void set(const HueSettings& settings) { store_.parts().devices.setHueSettings(settings); }
+  bool arrive(std::size_t count) const {
+    return rig::waitUntil(3, [&] { return bridge_.requests().size() >= count; });
+  }
+  /// What it was told, in its order.
+  std::string bodies() const {
+    std::string all;
+    for (const auto& request : bridge_.requests()) all += request.body;
+    return all;
+  }
+
+  rig::TempFolder temp_;
+  StateStore store_{temp_.path() / "persist.json", temp_.path()};
+  rig::WebServer bridge_, proxy_;
+  HueLights lights_{store_.parts().devices};
 };
 
-TEST_F(HueTest, FollowsThePictureAndAsksOnceForEachChange) {
-  pair(address());
-  server.otherwise([](const rig::WebRequest&) { return rig::WebReply{.status = 500, .body = "no"}; });
-  {
-    HueLights lights(store.parts().devices);
-    lights.hueTriggerPause();
-    for (int i = 0; i < 2; ++i) lights.hueTriggerPlay();
-    for (int i = 0; i < 2; ++i) lights.hueTriggerPause();
-    lights.hueTriggerPlay();
-  }
-  std::string asked;
-  for (const rig::WebRequest& request : server.requests()) {
-    EXPECT_EQ(request.method + request.target, "PUT/api/me/groups/1/action");
-    asked += request.body;
-  }
-  EXPECT_EQ(asked, R"({"scene":"dim"}{"alert":"select"}{"scene":"dim"})") << "what waits at the end is sent";
-}
-
-TEST_F(HueTest, ADeadBridgeHoldsNobodyUpAndIsToldOnlyTheLatest) {
-  pair(address());
-  server.otherwise([](const rig::WebRequest&) { return rig::WebReply{.body = "[]", .stallAfter = 0}; });
-  const auto start = Steady::now();
-  {
-    HueLights lights(store.parts().devices);
-    lights.hueTriggerPlay();
-    ASSERT_TRUE(rig::waitUntil(5, [&] { return !server.requests().empty(); }));
-    const auto triggered = Steady::now();
-    for (int i = 0; i < 10; ++i) i % 2 == 0 ? lights.hueTriggerPause() : lights.hueTriggerPlay();
-    EXPECT_LT(Steady::now() - triggered, std::chrono::milliseconds(50));
-  }
-  EXPECT_LT(Steady::now() - start, std::chrono::milliseconds(1400));
-  EXPECT_TRUE(joinLeftThreads(std::chrono::seconds(2))) << "the request was given up";
-  EXPECT_LE(server.requests().size(), 2U);
-}
-
-TEST_F(HueTest, TellsItsGroupsAndScenes) {
-  const char* groups = R"({"1":{"name":"Sofa \u00e9","lights":["{"]},"x":3,"2":{"state":{"name":"no"}}})";
-  const char* scenes = R"({"s1":{"name":"Dim","group":"1"},"s2":{"name":"Old"}})";
-  EXPECT_EQ(readHueGroups(groups), (std::vector<HueGroup>{{"1", "Sofa é"}, {"2", ""}}));
-  EXPECT_EQ(readHueScenes(scenes), (std::vector<HueScene>{{"s1", "Dim", "1"}, {"s2", "Old", ""}}));
-  EXPECT_EQ(readHueScenes("{}"), std::vector<HueScene>());
+TEST(HueTexts, FollowTheSettings) {
+  const std::string select = R"({"alert":"select"})";
   const struct {
-    rig::WebReply groups, scenes;
-    const char* failure;
-  } rows[] = {
-      {{.body = groups}, {.body = scenes}, ""},
-      {{.body = R"([{"error":{"type":1}}])"}, {}, "Failed to load groups from bridge."},
-      {{.status = 302, .headers = {{"Location", "/elsewhere"}}}, {}, "Failed to load groups from bridge."},
-      {{.body = groups, .cutAfter = 20}, {}, "Failed to load groups from bridge."},
-      {{.body = groups}, {.body = "{\"s\":{}", .endless = true}, "Failed to load scenes from bridge."},
-      {{.body = groups}, {.body = "<html>"}, "Failed to load scenes from bridge."},
-  };
-  const Flag never;
-  for (const auto& row : rows) {
-    server.reply("/api/me/groups", row.groups);
-    server.reply("/api/me/scenes", row.scenes);
-    const HueScan scan = scanHueBridge(address(), "me", never);
-    EXPECT_EQ(scan.failure, row.failure);
-    EXPECT_EQ(scan.scenes.size(), *row.failure == '\0' ? 2U : 0U);
+    HueSettings settings;
+    std::string action, play, pause;
+  } cases[] = {
+      {{}, "1", select, select},
+      {{.group = "", .playScene = "", .pauseAlert = ""}, "1", select, select},
+      {{.group = "7", .playScene = "a", .pauseScene = "b"}, "7", R"({"scene":"a"})", R"({"scene":"b"})"},
+      {{.playScene = "a", .playAlert = "x", .pauseAlert = "y"}, "1", R"({"scene":"a"})", R"({"alert":"y"})"},
+      {{.playAlert = "lselect"}, "1", R"({"alert":"lselect"})", R"({"alert":"lselect"})"},
+      {{.pauseAlert = "lselect"}, "1", select, R"({"alert":"lselect"})"},
+      {{.group = "1/../x?", .playScene = R"(","on":"\)"},
+       "1%2F..%2Fx%3F",
+       R"({"scene":"\",\"on\":\"\\"})",
+       select}};
+  for (const auto& row : cases) {
+    HueSettings settings = row.settings;
+    EXPECT_EQ(buildHueUrl(settings), std::nullopt) << "no bridge";
+    settings.bridge = "hue:80";
+    EXPECT_EQ(buildHueUrl(settings), std::nullopt) << "no user";
+    settings.user = "u/1";
+    EXPECT_EQ(buildHueUrl(settings), "http://hue:80/api/u%2F1/groups/" + row.action + "/action");
+    EXPECT_EQ(huePlayBody(settings), row.play);
+    EXPECT_EQ(huePauseBody(settings), row.pause);
+    settings.enabled = false;
+    EXPECT_EQ(buildHueUrl(settings), std::nullopt) << "off";
   }
-  EXPECT_EQ(scanHueBridge("a/b", "me", never).failure, "Failed to load groups from bridge.");
-  EXPECT_EQ(scanHueBridge("", "me", never).failure, "Bridge and User are required.");
+}
+
+TEST(HueTexts, ABridgeIsAHostAndNothingElse) {
+  for (const char* good : {"hue", "192.168.0.2", "my-hue.local:8080", "[fe80::1]", "[::1]:80"})
+    EXPECT_TRUE(hueBase(good, "u")) << good;
+  for (const char* bad : {"",           " ",      "http://hue", "hue/",  "hue/x",     "me@hue",
+                          "me:you@hue", "hue?x",  "hue#x",      "a b",   "hue\n",     "hue\r\nX: y",
+                          "h\x7fue",    "hue:",   ":80",        "hue:0", "hue:65536", "hue:80:80",
+                          "hue:8o",     "::1",    "[::1",       "[]",    "[::1]x",    "[::1%25eth0]",
+                          "hue%2f",     "hue\\x", "h\u00fce"})
+    EXPECT_FALSE(hueBase(bad, "u")) << bad;
+}
+
+TEST_F(Lights, OnlyAChangeIsSent) {
+  lights_.hueTriggerPause();
+  lights_.hueTriggerPlay();
+  lights_.hueTriggerPlay();
+  ASSERT_TRUE(arrive(1));
+  EXPECT_EQ(bridge_.requests()[0].method, "PUT");
+  EXPECT_EQ(bridge_.requests()[0].target, "/api/SECRET/groups/1/action");
+  EXPECT_EQ(bridge_.requests()[0].header("content-type"), "application/json");
+
+  set({.bridge = host(), .user = "SECRET", .playScene = "P", .pauseScene = "S"});
+  lights_.hueTriggerPause();
+  lights_.hueTriggerPause();
+  lights_.hueTriggerPlay();
+  // Off, a play must not count as told.
+  lights_.hueTriggerPause();
+  set({.bridge = host(), .user = "SECRET", .enabled = false});
+  lights_.hueTriggerPlay();
+  set({.bridge = host(), .user = "SECRET", .playScene = "again"});
+  lights_.hueTriggerPlay();
+  lights_.stopHueWorker();
+  EXPECT_EQ(bodies(), R"({"alert":"select"}{"scene":"S"}{"scene":"P"}{"scene":"S"}{"scene":"again"})");
+}
+
+TEST_F(Lights, ABridgeThatHangsIsToldTheLastFew) {
+  bridge_.replies("/api/SECRET/groups/1/action", {{.body = "[]", .delay = 0.4}, {.body = "[]"}});
+  lights_.hueTriggerPlay();
+  ASSERT_TRUE(arrive(1));
+  const double start = now();
+  for (const char* scene : {"1", "2", "3", "4", "5", "6"}) {
+    set({.bridge = host(), .user = "SECRET", .playScene = scene, .pauseScene = scene});
+    *scene % 2 ? lights_.hueTriggerPause() : lights_.hueTriggerPlay();
+  }
+  EXPECT_LT(now() - start, 0.3) << "it has not answered yet";
+  lights_.stopHueWorker();
+  EXPECT_EQ(bodies(), R"({"alert":"select"}{"scene":"3"}{"scene":"4"}{"scene":"5"}{"scene":"6"})");
+}
+
+TEST_F(Lights, TheEndDoesNotWaitForADeadBridge) {
+  for (const bool signalled : {false, true}) {
+    bridge_.clear();
+    bridge_.reply("/api/SECRET/groups/1/action", {.body = "[]", .delay = 30});
+    HueLights lights(store_.parts().devices);
+    lights.hueTriggerPlay();
+    ASSERT_TRUE(arrive(1));
+    lights.hueTriggerPause();
+    stopSignalled = signalled;
+    const double start = now();
+    lights.stopHueWorker();
+    EXPECT_LT(now() - start, signalled ? 0.2 : 1.2);
+    EXPECT_GT(now() - start, signalled ? 0 : 0.9) << "what waits has a second";
+    EXPECT_TRUE(joinLeftThreads(std::chrono::milliseconds(500))) << "the request was broken off";
+    EXPECT_EQ(bridge_.requests().size(), 1U);
+  }
+}
+
+TEST_F(Lights, TheLogKeepsTheUserBack) {
+  debugEnabled = true;
+  testing::internal::CaptureStdout();
+  lights_.hueTriggerPlay();
+  lights_.hueTriggerPause();
+  const std::string url = "[Hue] url=http://" + host() + "/api/***/groups/1/action\n";
+  const std::string payload = "[Hue] payload={\"alert\":\"select\"}\n";
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "[Hue] play trigger\n" + url + payload + "[Hue] pause trigger\n" + url + payload);
+}
+
+TEST_F(Lights, AScanTakesOnlyWholeReplies) {
+  const std::string groups =
+      R"({"2":{"lights":["9"],"name":"K\u00fcche \"1\"","action":{"name":"x"}},"1":{},"3":7})";
+  const std::string scenes = R"({"a":{"name":"Dim","group":"2"},"b":{"type":"LightScene","name":"All"}})";
+  const std::string error = R"([{"error":{"type":1,"description":"unauthorized user"}}])";
+  const std::string filler(5U << 20, ' ');
+  const WebReply good{.body = groups}, moved{.status = 302, .headers = {{"Location", "/there"}}};
+  const struct {
+    const char* name;
+    WebReply groups, scenes;
+    std::string fails;
+  } cases[] = {{"well", good, {.body = scenes}, ""},
+               {"unknown user", {.body = error}, {.body = error}, "groups"},
+               {"unknown user for scenes", good, {.body = error}, "scenes"},
+               {"no JSON", {.body = "{<html>}"}, {.body = scenes}, "groups"},
+               {"half an object", good, {.body = scenes.substr(0, 40)}, "scenes"},
+               {"cut", good, {.body = scenes, .cutAfter = 40}, "scenes"},
+               {"refused", {.status = 403, .body = groups}, {.body = scenes}, "groups"},
+               {"moved", moved, {.body = scenes}, "groups"},
+               {"huge", {.body = groups + filler}, {.body = scenes}, "groups"},
+               {"silent", good, {.body = scenes, .delay = 30}, "scenes"}};
+  const Flag go;
+  for (const auto& row : cases) {
+    bridge_.clear();
+    bridge_.reply("/there", good);
+    bridge_.reply("/api/SECRET/groups", row.groups);
+    bridge_.reply("/api/SECRET/scenes", row.scenes);
+    const double start = now();
+    const HueScan scan = scanHueBridge(host(), "SECRET", go);
+    EXPECT_LT(now() - start, 4) << row.name;
+    EXPECT_EQ(scan.failure, row.fails.empty() ? "" : "Failed to load " + row.fails + " from bridge.")
+        << row.name;
+    if (!row.fails.empty()) continue;
+    EXPECT_EQ(scan.groups, (std::vector<HueGroup>{{"2", "K\u00fcche \"1\""}, {"1", ""}}));
+    EXPECT_EQ(scan.scenes, (std::vector<HueScene>{{"a", "Dim", "2"}, {"b", "All", ""}}));
+  }
+  EXPECT_EQ(scanHueBridge(deadBridge, "u", go).failure, "Failed to load groups from bridge.");
+  EXPECT_EQ(scanHueBridge("http://x", "u", go).failure, "Failed to load groups from bridge.");
+  EXPECT_EQ(scanHueBridge(host(), "", go).failure, "Bridge and User are required.");
+}
+
+TEST(HueReplies, NothingIsTooMuchForThePage) {
+  std::string reply = R"({")" + std::string(97, 'i') + R"(":{})";
+  for (int i = 0; i < 3000; ++i)
+    reply += ",\"" + std::to_string(i) + R"(":{"name":")" + std::string(500, 'n') + R"("})";
+  const auto groups = readHueGroups(reply + "}");
+  ASSERT_TRUE(groups);
+  EXPECT_EQ(groups->size(), 2000U);
+  EXPECT_EQ(groups->front(), (HueGroup{"0", std::string(96, 'n')}));
 }
 
 }  // namespace

@@ -48,7 +48,8 @@ SDL_Rect rectOf(const Place& place, int width, int top) {
 /// How far the rows go up on a low screen, so that the focused one is seen.
 int scrollOf(const HueForm& form, int top, int bottom) {
   const auto* place = std::ranges::find(places, form.focusRow(), &Place::row);
-  return place == std::end(places) ? 0 : std::max(0, top + place->y + rowHeight + 8 - bottom);
+  return place == std::end(places) || !form.enabled() ? 0
+                                                      : std::max(0, top + place->y + rowHeight + 8 - bottom);
 }
 
 void drawRows(const FrameContext& frame, const HueForm& form, int top, bool focused) {
@@ -67,7 +68,8 @@ void drawRows(const FrameContext& frame, const HueForm& form, int top, bool focu
                   .isList = isList(place.row)});
   }
   if (!form.enabled())
-    drawText(frame.renderer, frame.baseFont, offHint, margin, top + 110, greyText, rgba(0, 0, 0, 150));
+    drawText(frame.renderer, frame.baseFont, fitText(frame.baseFont, offHint, frame.width - 2 * margin),
+             margin, top + 110, greyText, rgba(0, 0, 0, 150));
 }
 
 void drawSave(const FrameContext& frame, const HueForm& form, bool focused) {
