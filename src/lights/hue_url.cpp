@@ -12,6 +12,7 @@ namespace tavek {
 namespace {
 
 using Text = std::optional<std::string>;
+constexpr std::size_t npos = std::string_view::npos;
 
 bool has(const Text& text) {
   return text && !text->empty();
@@ -27,15 +28,14 @@ bool isPort(std::string_view text) {
 bool isHost(std::string_view text) {
   constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789.-_";
   const bool bracketed = text.starts_with('[') && text.ends_with(']') && text.size() > 2;
-  if (bracketed)
-    return text.substr(1, text.size() - 2).find_first_not_of("0123456789abcdefABCDEF:.") == text.npos;
-  return !text.empty() && text.find_first_not_of(letters) == text.npos;
+  if (bracketed) return text.substr(1, text.size() - 2).find_first_not_of("0123456789abcdefABCDEF:.") == npos;
+  return !text.empty() && text.find_first_not_of(letters) == npos;
 }
 
 bool isBridge(std::string_view text) {
   const std::size_t colon = text.rfind(':');
-  const bool hasPort = colon != text.npos && !text.ends_with(']');
-  return isHost(text.substr(0, hasPort ? colon : text.npos)) && (!hasPort || isPort(text.substr(colon + 1)));
+  const bool hasPort = colon != npos && !text.ends_with(']');
+  return isHost(text.substr(0, hasPort ? colon : npos)) && (!hasPort || isPort(text.substr(colon + 1)));
 }
 
 std::string actionOf(const HueSettings& settings) {

@@ -158,7 +158,8 @@ std::vector<HueOption> HueForm::valuesOf(HueRow row) const {
   if (row == HueRow::PlayAlert || row == HueRow::PauseAlert) return alerts;
   std::vector<HueOption> values;
   if (row == HueRow::Group)
-    for (const auto& [id, name] : groups_) values.push_back({name + " (" + id + ")", id});
+    for (const auto& [id, name] : groups_)
+      values.push_back({std::string(name).append(" (").append(id).append(")"), id});
   if (row != HueRow::PlayScene && row != HueRow::PauseScene) return values;
   const auto add = [&](bool all) {
     for (const auto& [id, name, group] : scenes_)
