@@ -113,6 +113,7 @@ void HueForm::text(std::string_view typed) {
   while (wantsText() && !typed.empty()) {
     std::string_view rest = typed;
     const auto code = takeCharacter(rest);
+    if (!code) rest.remove_prefix(1);
     const std::string_view character = typed.substr(0, typed.size() - rest.size());
     typed = rest;
     const bool prints = code && *code >= 0x20 && (*code < 0x7F || *code >= 0xA0);
