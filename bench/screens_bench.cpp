@@ -1,5 +1,5 @@
-// Measures the music screen, an album's tags and the screensaver over a large library, in one process on a
-// screen that nobody sees, and prints a table.
+// Measures the music screen, an album's tags, the screensaver over a large library and the settings, in one
+// process on a screen that nobody sees, and prints a table.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -156,6 +156,55 @@ void measureMusic(const Stored& stored) {
   measureMusicStrip(display);
 }
 
+std::uint64_t pictureOf(Display& display) {
+  static std::vector<Uint32> pixels(1920 * 1080);
+  SDL_RenderReadPixels(display.renderer(), nullptr, SDL_PIXELFORMAT_ARGB8888, pixels.data(), 1920 * 4);
+  std::uint64_t hash = 0;
+  for (const Uint32 pixel : pixels) hash = hash * 31 + pixel;
+  return hash;
+}
+
+/// Passes until the key has changed the picture.
+int passesUntilSeen(Display& display, SDL_Keycode key, Passes& passes) {
+  draw(display, passes, 1);
+  const std::uint64_t before = pictureOf(display);
+  SDL_Event event{};
+  event.type = SDL_KEYDOWN;
+  event.key.keysym.sym = key;
+  SDL_PushEvent(&event);
+  int taken = 0;
+  do draw(display, passes, 1);
+  while (++taken < 9 && pictureOf(display) == before);
+  return taken;
+}
+
+void measureSettings(const Stored& stored) {
+  Display display(0, 0, 1920, 1080, Orientation::OrientationAuto, stored, steadyClock());
+  display.leaveHome();
+  display.setVideoPlaying(true);
+  display.setVideoPlaying(false);
+  for (int i = 0; i < 20; ++i) stored.users.addUser("User " + std::to_string(i));
+  const struct {
+    const char* tab;
+    std::vector<SDL_Keycode> keys;  ///< behind the one that enters the page
+  } pages[] = {{"users", {SDLK_RIGHT, SDLK_RIGHT, SDLK_DOWN, SDLK_RETURN}},
+               {"audio", {SDLK_UP}},
+               {"hue", {SDLK_DOWN}}};
+  for (const auto& [tab, keys] : pages) {
+    stored.settings.setSettingsTab(tab);
+    Passes passes;
+    int most = passesUntilSeen(display, SDLK_MENU, passes);
+    most = std::max(most, passesUntilSeen(display, SDLK_RETURN, passes));
+    for (const SDL_Keycode key : keys) most = std::max(most, passesUntilSeen(display, key, passes));
+    draw(display, passes, 60);
+    std::printf(
+        "| settings, %s | a key is seen after %d passes at most, goal <= 2 | pass median %.1f ms, goal <= 10 "
+        "|\n",
+        tab, most, passes.median());
+    display.closeSettings();
+  }
+}
+
 double residentMb() {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);)
@@ -203,5 +252,6 @@ int main() {
   StateStore store("");
   bench::measureMusic(store.parts());
   bench::measureSaver(store.parts());
+  bench::measureSettings(store.parts());
   return 0;
 }

@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "app/failed_item.h"
-#include "app/options.h"
 #include "base/console.h"
 #include "base/process_flags.h"
 #include "display/display.h"
 #include "library/media_list.h"
+#include "lights/hue_lights.h"
 #include "viewing/await.h"
 #include "viewing/item_loop.h"
 
@@ -71,7 +71,7 @@ std::vector<std::string> queueOf(RoomPlan plan, const PlayContext& context) {
 }
 
 /// Plays the chosen room. Returns after an item that ended as the viewer wanted, or when nothing plays.
-void playRoom(const fs::path& room, const PlayContext& context, SoundMode& soundMode) {
+void playRoom(const fs::path& room, const PlayContext& context) {
   auto plan = planRoom(room, context);
   if (!plan) return;
   const std::vector<std::string> files = queueOf(std::move(*plan), context);
@@ -81,7 +81,7 @@ void playRoom(const fs::path& room, const PlayContext& context, SoundMode& sound
   }
   for (const std::string& file : files) {
     try {
-      soundMode = playFromPath(context, file, soundMode);
+      playFromPath(context, file);
       return;
     } catch (const std::exception& error) {
       tellFailed(file, error);
@@ -94,9 +94,8 @@ void playRoom(const fs::path& room, const PlayContext& context, SoundMode& sound
 
 }  // namespace
 
-void runLibrary(const PlayContext& context, const LaunchOptions& options) {
+void runLibrary(const PlayContext& context) {
   Display& display = context.display;
-  SoundMode soundMode = options.soundMode;
   while (!quitRequested && !stopSignalled) {
     // After an item that was left by the home key the screen is on its way home already.
     if (!display.atHome()) display.goHome(true);
@@ -105,7 +104,8 @@ void runLibrary(const PlayContext& context, const LaunchOptions& options) {
     display.discardInput();
     display.refreshWatchedBits();
     if (stopSignalled || quitRequested) break;
-    playRoom(display.currentFolder(), context, soundMode);
+    playRoom(display.currentFolder(), context);
+    if (!quitRequested) context.lights.hueTriggerPause();
   }
   quitRequested = true;
 }

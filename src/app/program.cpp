@@ -18,6 +18,7 @@
 #include "base/paths.h"
 #include "base/process_flags.h"
 #include "display/display.h"
+#include "lights/hue_lights.h"
 #include "scan/scan_thread.h"
 #include "sound/alsa_device.h"
 #include "state/state_store.h"
@@ -64,11 +65,15 @@ int play(const LaunchOptions& options, StateStore& state) {
   ScanThread scans(stored, {options.forceTmdbScan, options.forceFanartScan});
   display.setScanRequests({[&](const auto& room) { scans.tmdbScanRequest(room); },
                            [&](const auto& room) { scans.tvArtScanRequest(room); }});
+  HueLights lights(stored.devices);
+  display.setUserChosen([&] { lights.hueTriggerPlay(); });
+  display.setDisplaySoundMode(options.soundMode);
   const PlayContext context{.display = display,
                             .stored = stored,
                             .clock = steadyClock(),
                             .language = options.language,
-                            .soundDevice = display.soundThemes(alsaDeviceFactory(), options.soundMode),
+                            .soundDevice = display.soundThemes(alsaDeviceFactory()),
+                            .lights = lights,
                             .itemInUse = [&](const auto& item) { scans.setItemInUse(item); }};
   display.goHome(true);
   scans.startUp(display.currentFolder());
@@ -77,7 +82,7 @@ int play(const LaunchOptions& options, StateStore& state) {
   if (!options.videoPaths.empty()) {
     playNamedFiles(context, options);
   } else if (display.usable()) {
-    runLibrary(context, options);
+    runLibrary(context);
   } else {
     std::cerr << "tavek has no screen to show its library on." << std::endl;
     status = EXIT_FAILURE;

@@ -29,6 +29,7 @@ Display::Display(int x, int y, int width, int height, Orientation orientation, c
       screen_({x, y, width, height}, playback_.picture()),
       strip_(stored),
       home_(stored),
+      settings_(stored, [this] { carryOut(home_.followUsers(clock_.ticksMs())); }),
       saver_(stored.notes) {}
 
 Display::~Display() {
@@ -51,6 +52,7 @@ void Display::presentFrame(const PictureView& picture, std::int64_t positionUs) 
   const FocusFacts facts = focusFacts();
   followMusic(frame, facts);
   if (followScreensaver(frame)) return;
+  if (settings_.isOpen()) return presentSettings(frame);
   if (!playback_.drawPicture(frame, picture, positionUs, music_.covers())) return;
   music_.drawNowPlaying(frame);
   playback_.drawOnPicture(frame, facts);
@@ -133,8 +135,8 @@ void Display::showStrip(bool keepTheme) {
 
 // --- Themes ---
 
-PcmDeviceFactory Display::soundThemes(PcmDeviceFactory factory, SoundMode mode) {
-  themePlayer_ = std::make_unique<ThemePlayer>(factory, mode, stored_, clock_);
+PcmDeviceFactory Display::soundThemes(PcmDeviceFactory factory) {
+  themePlayer_ = std::make_unique<ThemePlayer>(factory, stored_, clock_);
   return themePlayer_->sharing(std::move(factory));
 }
 
@@ -152,7 +154,8 @@ void Display::tickTheme() {
                                               .selected = selected != nullptr ? &selected->path : nullptr},
                                              clock_.ticksMs());
   if (act == ThemeChoice::Act::Stop) themePlayer_->stopTheme();
-  if (act == ThemeChoice::Act::Start) themePlayer_->startTheme(theme_.candidate().folder / "theme.mp3");
+  if (act == ThemeChoice::Act::Start)
+    themePlayer_->startTheme(theme_.candidate().folder / "theme.mp3", soundMode());
   std::string_view reason = theme_.candidate().reason;
   if (themePlayer_->takeMissing()) reason = themeMissing;
   if (reason.empty()) {
@@ -203,6 +206,8 @@ bool Display::followScreensaver(const FrameContext& frame) {
 
 void Display::goHome(bool refresh) {
   saver_.end(clock_.ticksMs());
+  settings_.closeSettings();
+  settings_.forgetPlayback();
   keepTheme_ = false;
   stopTheme();
   home_.closeChooser();
@@ -264,10 +269,26 @@ void Display::presentHome() {
   FrameContext frame = frameContext();
   SDL_GetRendererOutputSize(renderer(), &frame.width, &frame.height);
   if (followScreensaver(frame)) return;
+  if (settings_.isOpen()) return presentSettings(frame);
   SDL_SetRenderDrawColor(renderer(), 0, 0, 0, SDL_ALPHA_OPAQUE);
   SDL_RenderClear(renderer());
   home_.draw(frame, focusFacts());
   statusLines_.draw(frame, home_.homeMode());
+  saver_.draw(frame, focusFacts());
+  SDL_RenderPresent(renderer());
+}
+
+// --- Settings ---
+
+void Display::toggleSettings(bool playing) {
+  settings_.isOpen() ? settings_.closeSettings() : settings_.openSettings(playing);
+}
+
+/// Nothing shows through them.
+void Display::presentSettings(const FrameContext& frame) {
+  SDL_SetRenderDrawColor(renderer(), 0, 0, 0, SDL_ALPHA_OPAQUE);
+  SDL_RenderClear(renderer());
+  settings_.draw(frame, focusFacts());
   saver_.draw(frame, focusFacts());
   SDL_RenderPresent(renderer());
 }

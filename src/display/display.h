@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -19,6 +20,7 @@
 #include "display/screen.h"
 #include "display/screensaver/idle_scans.h"
 #include "display/screensaver/screensaver.h"
+#include "display/settings/settings.h"
 #include "display/status_lines.h"
 #include "display/strip/strip.h"
 #include "display/theme/theme_player.h"
@@ -47,9 +49,9 @@ class Display {
   /// Once per pass of a loop: drains the events and does what concerns navigation; what concerns playback
   /// comes back as a code. Never blocks.
   NavCode pollInput();
-  /// Has the themes of shows heard by this device, in this mode. Gives the device for items, which the themes
-  /// leave to them.
-  PcmDeviceFactory soundThemes(PcmDeviceFactory factory, SoundMode mode);
+  /// Has the themes of shows heard by this device. Gives the device for items, which the themes leave to
+  /// them.
+  PcmDeviceFactory soundThemes(PcmDeviceFactory factory);
   void stopTheme();
   FocusName currentFocus() const { return focusOf(focusFacts()); }
 
@@ -100,6 +102,18 @@ class Display {
   /// The poster on which the strip offers to switch the watched mark: an episode; null for anything else.
   const Poster* watchedToggleTarget() const { return strip_.watchedToggleTarget(roomKind_); }
 
+  // Settings.
+  /// `playing`: an item runs, and is asked to pause for as long as they are open.
+  void toggleSettings(bool playing);
+  void closeSettings() { settings_.closeSettings(); }
+  /// An item begins, under settings that may be open.
+  void pauseForSettings() { settings_.pausePlayback(); }
+  /// The mode for what plays next; the settings change it.
+  SoundMode soundMode() const { return settings_.soundMode(); }
+  void setDisplaySoundMode(SoundMode mode) { settings_.setSoundMode(mode); }
+  /// Called when a user was chosen on the home screen.
+  void setUserChosen(std::function<void()> chosen) { userChosen_ = std::move(chosen); }
+
   // Words to the viewer.
   void showStatus(const std::string& text) { statusLines_.showStatus(text, clock_.ticksMs()); }
   /// Stands above the strip until the next step in it.
@@ -126,8 +140,9 @@ class Display {
   void selectRoomForPath(const std::filesystem::path& path);
   MediaKind roomKind() const { return roomKind_; }
   std::filesystem::path currentFolder() const { return home_.room(); }
-  /// Once after each opening of the home screen over a running item, and once after its closing.
-  bool takePauseToggle() { return home_.takePauseToggle(); }
+  /// Once after each opening of the home screen or the settings over a running item, and once after its
+  /// closing.
+  bool takePauseToggle() { return home_.takePauseToggle() != settings_.takePauseToggle(); }
   /// Who is asked for new art: for each room once that is shown on the home screen, and while nobody is
   /// there.
   void setScanRequests(ScanRequests requests) { scanRequests_ = std::move(requests); }
@@ -140,6 +155,8 @@ class Display {
   NavCode keyEvent(const SDL_KeyboardEvent& event, Uint64 nowMs);
   bool passesRepeatFilter(const KeyPress& press, const FocusFacts& facts) const;
   Meaning globalKey(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs);
+  Meaning keyOverSettings(SDL_Keycode key, const FocusFacts& facts);
+  void followTextInput();
   NavCode carryOut(Meaning meaning);
   Layer& layerWithFocus();
   void updateFocus();
@@ -159,6 +176,7 @@ class Display {
   void followScans();
   bool followScreensaver(const FrameContext& frame);
   void presentHome();
+  void presentSettings(const FrameContext& frame);
   FrameContext frameContext() const;
 
   OwnerThread owner_;
@@ -169,12 +187,14 @@ class Display {
   Strip strip_;
   Home home_;
   MusicScreen music_;
+  Settings settings_;
   Screensaver saver_;
   IdleScans idleScans_;
   std::filesystem::path roomAskedFor_;  ///< the last one, so that no pass asks again
   ScanRequests scanRequests_;
+  std::function<void()> userChosen_ = [] {};
   /// The screens in the order in which they are drawn, over the picture.
-  const std::array<Layer*, 4> layers_{&home_, &playback_, &strip_, &music_};
+  const std::array<Layer*, 5> layers_{&home_, &playback_, &strip_, &music_, &settings_};
   StatusLines statusLines_;
   ThemeChoice theme_;
   std::unique_ptr<ThemePlayer> themePlayer_;  ///< null while nobody gave it a device

@@ -34,10 +34,12 @@ NavCode Display::pollInput() {
 NavCode Display::pump() {
   const Uint64 now = clock_.ticksMs();
   for (Layer* layer : layers_) carryOut(layer->advance(now));
+  if (home_.takeConfirmed()) userChosen_();
   const bool pictureRuns = playback_.videoPlaying() && !playback_.videoPaused() && !playback_.audioItem();
   if (saver_.idle(pictureRuns, now)) startScreensaver();
   followScans();
   updateFocus();
+  followTextInput();
   if (endLostSeek()) return NavCode::SeekCommit;
   const NavCode repeated = heldKey(now);
   if (stopSignalled) {
@@ -99,6 +101,7 @@ NavCode Display::keyEvent(const SDL_KeyboardEvent& event, Uint64 nowMs) {
 /// Held Enter and held directions, but for those that steer the strip or the volume, do not repeat.
 bool Display::passesRepeatFilter(const KeyPress& press, const FocusFacts& facts) const {
   if (!press.down || !press.repeat || !(isEnter(press.key) || directionOf(press.key))) return true;
+  if (facts.settings) return !isEnter(press.key);
   if (press.key != SDLK_LEFT && press.key != SDLK_RIGHT) return false;
   if (facts.stripAny) return true;
   const FocusName focus = focusOf(facts);
@@ -106,6 +109,7 @@ bool Display::passesRepeatFilter(const KeyPress& press, const FocusFacts& facts)
 }
 
 Meaning Display::globalKey(const KeyPress& press, const FocusFacts& facts, Uint64 nowMs) {
+  if (facts.settings) return keyOverSettings(press.key, facts);
   const auto* entry = std::ranges::find(globalKeys, press.key, &KeyCode::key);
   if (entry != globalKeys.end()) {
     // On the home screen there is nothing to play.
@@ -120,6 +124,15 @@ Meaning Display::globalKey(const KeyPress& press, const FocusFacts& facts, Uint6
   return press.key == SDLK_AC_HOME && mayLeave ? Meaning(NavCode::GoHome) : Meaning(Unhandled());
 }
 
+/// Nothing plays on unseen under the settings.
+Meaning Display::keyOverSettings(SDL_Keycode key, const FocusFacts& facts) {
+  const auto* entry = std::ranges::find(globalKeys, key, &KeyCode::key);
+  const bool menu = entry != globalKeys.end() && entry->code == NavCode::ToggleSettings;
+  if (key == SDLK_AC_HOME && !facts.homeMode) return NavCode::GoHome;
+  if (menu || key == SDLK_AC_HOME) settings_.closeSettings();
+  return entry != globalKeys.end() || key == SDLK_AC_HOME ? Meaning(Handled()) : Meaning(Unhandled());
+}
+
 /// What a meaning asks of the program. A code for the player is handed on.
 NavCode Display::carryOut(Meaning meaning) {
   if (const auto* room = std::get_if<OpenRoom>(&meaning)) openRoom(room->folder);
@@ -130,14 +143,16 @@ NavCode Display::carryOut(Meaning meaning) {
     goHome(true);
     openChooser();
   }
-  // The settings and the search by voice come up here. Over an item that runs, its player opens the settings.
-  if (*code == NavCode::ToggleSettings && !playback_.videoPlaying()) return NavCode::None;
-  return *code;
+  // The search by voice comes up here. Over an item that runs, its player opens the settings.
+  if (*code != NavCode::ToggleSettings || playback_.videoPlaying()) return *code;
+  toggleSettings(false);
+  return NavCode::None;
 }
 
 Layer& Display::layerWithFocus() {
   const FocusName focus = currentFocus();
   if (saver_.owns(focus)) return saver_;
+  if (settings_.isOpen()) return settings_;
   const auto* owner = std::ranges::find_if(layers_, [&](const Layer* layer) { return layer->owns(focus); });
   return owner != layers_.end() ? **owner : playback_;
 }
@@ -175,6 +190,7 @@ NavCode Display::heldKey(Uint64 nowMs) {
 
 FocusFacts Display::focusFacts() const {
   return {.saverActive = saver_.active(),
+          .settings = settings_.focus(),
           .homeMode = home_.homeMode(),
           .chooserOpen = home_.chooserOpen(),
           .roomKind = roomKind_,
@@ -184,6 +200,12 @@ FocusFacts Display::focusFacts() const {
           .seekFocus = playback_.seekFocus(),
           .videoPlaying = playback_.videoPlaying(),
           .videoPaused = playback_.videoPaused()};
+}
+
+/// While it is on, some systems show a keyboard of their own.
+void Display::followTextInput() {
+  if (!usable() || settings_.wantsText() == (SDL_IsTextInputActive() == SDL_TRUE)) return;
+  settings_.wantsText() ? SDL_StartTextInput() : SDL_StopTextInput();
 }
 
 void Display::discardInput() {

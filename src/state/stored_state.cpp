@@ -96,7 +96,7 @@ void completeUsers(StoredState& state) {
 
 bool renameUserIn(StoredState& state, const std::string& old, const std::string& now) {
   const auto entry = std::ranges::find(state.userNames, old);
-  if (entry == state.userNames.end() || isUser(state, now)) return false;
+  if (now.empty() || entry == state.userNames.end() || isUser(state, now)) return false;
   *entry = now;
   state.profiles[now] = std::move(state.profiles[old]);
   state.profiles.erase(old);

@@ -28,7 +28,7 @@ struct StoredState {
   std::map<std::string, UserProfile> profiles;  ///< one for each user
   std::vector<std::string> wifiHistory;         ///< the latest first
   std::vector<JsonMember> unknown;              ///< what a newer program wrote
-  /// In this run, old and new name; not stored.
+  /// In this run, old and new name, which is empty for a user who was removed; not stored.
   std::vector<std::pair<std::string, std::string>> renamedUsers;
 
   bool operator==(const StoredState&) const = default;

@@ -20,21 +20,25 @@ std::string loginName() {
   return found != nullptr && found->pw_name != nullptr ? found->pw_name : "";
 }
 
-std::string userOrActive(const StoredState& state, const std::string& user) {
+/// None for one who was removed.
+std::optional<std::string> userOrActive(const StoredState& state, const std::string& user) {
   std::string name = user.empty() ? activeName(state) : user;
+  if (name.empty()) name = loginName();
+  if (name.empty()) name = "Alex";
   // An item that was started before a rename still tells the old name.
   for (const auto& [old, now] : state.renamedUsers) {
     if (name == old && !isUser(state, name)) name = now;
   }
-  if (name.empty()) name = loginName();
-  return name.empty() ? "Alex" : name;
+  return name.empty() ? std::nullopt : std::optional(name);
 }
 
-/// The block of a media file's room; user and block are created where they are missing.
-RoomState& roomOf(StoredState& state, const std::string& user, const std::string& media) {
-  const std::string name = userOrActive(state, user);
-  if (!isUser(state, name)) state.userNames.push_back(name);
-  return roomStateOf(state.profiles[name], roomNameOfMedia(media));
+/// The block of a media file's room; user and block are created where they are missing, but for one who was
+/// removed while the file plays: then null.
+RoomState* roomOf(StoredState& state, const std::string& user, const std::string& media) {
+  const auto name = userOrActive(state, user);
+  if (!name) return nullptr;
+  if (!isUser(state, *name)) state.userNames.push_back(*name);
+  return &roomStateOf(state.profiles[*name], roomNameOfMedia(media));
 }
 
 /// True if anything of the block lay in the folder.
@@ -99,6 +103,7 @@ void StoredUsers::removeUser(const std::string& name) {
     state.profiles.erase(name);
     completeUsers(state);
     if (state.activeUser == name) state.activeUser = state.userNames.front();
+    state.renamedUsers.emplace_back(name, "");
     return true;
   });
 }
@@ -137,10 +142,11 @@ std::optional<std::int64_t> StoredUsers::resumePosition(const std::string& media
 void StoredUsers::setPlaying(const std::string& media, const std::string& user) {
   if (media.empty()) return;
   memory_.change(Save::Always, [&](StoredState& state) {
-    RoomState& room = roomOf(state, user, media);
+    RoomState* room = roomOf(state, user, media);
+    if (room == nullptr) return false;
     // The place was that of another item.
-    if (room.playing != media) room.seek = 0;
-    room.playing = media;
+    if (room->playing != media) room->seek = 0;
+    room->playing = media;
     return true;
   });
 }
@@ -149,9 +155,10 @@ void StoredUsers::setPosition(const std::string& media, std::int64_t position, c
   if (media.empty()) return;
   playback_.setPosition(media, position);
   memory_.change(Save::Always, [&](StoredState& state) {
-    RoomState& room = roomOf(state, user, media);
-    room.playing = media;
-    room.seek = position;
+    RoomState* room = roomOf(state, user, media);
+    if (room == nullptr) return false;
+    room->playing = media;
+    room->seek = position;
     return true;
   });
 }
@@ -169,10 +176,10 @@ void StoredUsers::clearPlaying(const std::filesystem::path& roomFolder) {
 
 void StoredUsers::dropPlaying(const std::string& media, const std::string& user) {
   memory_.change(Save::Always, [&](StoredState& state) {
-    RoomState& room = roomOf(state, user, media);
-    if (room.playing != media) return false;
-    room.playing.reset();
-    room.seek.reset();
+    RoomState* room = roomOf(state, user, media);
+    if (room == nullptr || room->playing != media) return false;
+    room->playing.reset();
+    room->seek.reset();
     return true;
   });
 }
@@ -195,8 +202,9 @@ void StoredUsers::markWatched(const std::string& media, bool flag, const std::st
   if (media.empty()) return;
   playback_.setWatched(media, flag);
   memory_.change(Save::Always, [&](StoredState& state) {
-    auto& watched = roomOf(state, user, media).watched;
-    flag ? void(watched.insert(media)) : void(watched.erase(media));
+    RoomState* room = roomOf(state, user, media);
+    if (room == nullptr) return false;
+    flag ? void(room->watched.insert(media)) : void(room->watched.erase(media));
     return true;
   });
 }

@@ -56,8 +56,9 @@ std::optional<std::string> chooseAnother(const PlayContext& context, const std::
 
 }  // namespace
 
-SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode soundMode) {
+void playFromPath(const PlayContext& context, std::string path) {
   bool dismissed = false;
+  std::optional<std::int64_t> resumeUs;
   while (!quitRequested && !path.empty()) {
     if (stopSignalled) {
       quitRequested = true;
@@ -65,8 +66,13 @@ SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode s
     }
     try {
       const InUse inUse(context, path);
-      Viewing viewing(context, path, soundMode);
+      Viewing viewing(context, path, std::exchange(resumeUs, {}));
       viewing.run();
+      if (viewing.soundModeChanged()) {
+        resumeUs = viewing.resumeUs();
+        dismissed = false;
+        continue;
+      }
       if (quitRequested || !viewing.nextPath()) break;
       path = viewing.nextPath()->string();
       dismissed = context.display.takeErrorDismissed();
@@ -76,7 +82,6 @@ SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode s
       path = chooseAnother(context, path, error).value_or("");
     }
   }
-  return soundMode;
 }
 
 }  // namespace tavek

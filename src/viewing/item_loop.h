@@ -6,13 +6,13 @@
 #include <string>
 
 #include "base/clock.h"
-#include "base/sound_mode.h"
 #include "sound/pcm_device.h"
 #include "state/stored.h"
 
 namespace tavek {
 
 class Display;
+class HueLights;
 
 /// What every item of a run shares.
 struct PlayContext {
@@ -21,13 +21,14 @@ struct PlayContext {
   Clock& clock;
   std::optional<std::string> language;
   PcmDeviceFactory soundDevice;
+  HueLights& lights;
   /// Told of each item before it is opened, and with an empty path once none is open any more.
   std::function<void(const std::filesystem::path&)> itemInUse = {};
 };
 
 /// Plays the item and whatever follows it by itself, until one ends without a successor. Never holds two
-/// items: the audio device of one is free before the next one opens. Gives the sound mode to use from then
-/// on; throws a std::exception for an item that cannot be opened or fails on the way.
-SoundMode playFromPath(const PlayContext& context, std::string path, SoundMode soundMode);
+/// items: the audio device of one is free before the next one opens. Throws a std::exception for an item that
+/// cannot be opened or fails on the way.
+void playFromPath(const PlayContext& context, std::string path);
 
 }  // namespace tavek

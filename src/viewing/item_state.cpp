@@ -25,9 +25,10 @@ ItemStep stepTrack(State state, const ItemFacts& facts) {
 ItemStep leaveOrBrowse(State state, Request request, const ItemFacts& facts) {
   switch (request) {
     case Request::Leave:
+    case Request::ChangeSound:
       return {State::Finished, {StorePosition}};
     case Request::GoHome:
-      return {State::Ending, {StorePosition, Pause, FadeOut}};
+      return {State::Ending, {StorePosition, RaiseLights, Pause, FadeOut}};
     case Request::PreviousItem:
       if (facts.pastStart) return {state, {SeekToStart, ShowSeekBar}};
       return {State::Finished, {StorePosition}};
@@ -57,6 +58,7 @@ ItemStep whileStarting(Request request, const ItemFacts& facts) {
     case Request::GoHome:
     case Request::Selected:
     case Request::TrackFound:
+    case Request::ChangeSound:
     case Request::Leave:
     case Request::StreamEnded:
       return {State::Finished};
@@ -68,7 +70,7 @@ ItemStep whileStarting(Request request, const ItemFacts& facts) {
 ItemStep whileRunning(State state, Request request, const ItemFacts& facts) {
   switch (request) {
     case Request::TogglePause:
-      return {State::Paused, {StorePosition, Pause, ShowSeekBar}};
+      return {State::Paused, {StorePosition, Pause, RaiseLights, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
       return facts.musicRoom ? stepTrack(state, facts) : ItemStep{State::Seeking, {Seek}};
@@ -86,7 +88,7 @@ ItemStep whileRunning(State state, Request request, const ItemFacts& facts) {
 ItemStep whilePaused(Request request, const ItemFacts& facts) {
   switch (request) {
     case Request::TogglePause:
-      return {State::Playing, {StorePosition, Resume, ShowSeekBar}};
+      return {State::Playing, {StorePosition, Resume, DimLights, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
       if (facts.musicRoom) return stepTrack(State::Paused, facts);
@@ -95,6 +97,10 @@ ItemStep whilePaused(Request request, const ItemFacts& facts) {
       return {State::Paused, {ShowSeekBar}};
     case Request::TrackFound:
       return {State::Finished, leavingForTrack};
+    // From the settings.
+    case Request::GoHome:
+      return {State::Ending, {StorePosition, RaiseLights, FadeOut}};
+    case Request::ChangeSound:
     case Request::Leave:
       return {State::Finished, {StorePosition}};
     default:
@@ -106,7 +112,7 @@ ItemStep whileBrowsing(Request request, const ItemFacts& facts) {
   switch (request) {
     case Request::TogglePause:
       if (facts.marksEpisode) return {State::Browsing, {SwitchWatched}};
-      return {State::Playing, {StorePosition, Resume, ShowSeekBar}};
+      return {State::Playing, {StorePosition, Resume, DimLights, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
       if (facts.musicRoom) return stepTrack(State::Browsing, facts);
@@ -124,7 +130,7 @@ ItemStep whileBrowsing(Request request, const ItemFacts& facts) {
 ItemStep whileSeekingInPause(Request request, const ItemFacts& facts) {
   switch (request) {
     case Request::TogglePause:
-      return {State::Playing, {StorePosition, Resume, ShowSeekBar}};
+      return {State::Playing, {StorePosition, Resume, DimLights, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
       return {State::SeekingInPause, {Seek, ShowSeekBar}};
@@ -139,7 +145,7 @@ ItemStep whileSeekingInPause(Request request, const ItemFacts& facts) {
 ItemStep whileSettling(Request request, const ItemFacts& facts) {
   switch (request) {
     case Request::TogglePause:
-      return {State::Playing, {StorePosition, ShowSeekBar}};
+      return {State::Playing, {StorePosition, DimLights, ShowSeekBar}};
     case Request::SeekForward:
     case Request::SeekBackward:
       return {State::SeekingInPause, {Pause, Seek, ShowSeekBar}};

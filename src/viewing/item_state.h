@@ -33,7 +33,8 @@ enum class ItemRequest : std::int32_t {
   TrackFound,  ///< the album has a track there
   GoHome,
   PreviousItem,
-  Leave,  ///< another item, the window closed, or a signal
+  ChangeSound,  ///< it starts again in another sound mode
+  Leave,        ///< another item, the window closed, or a signal
   StreamEnded,
   Settled,   ///< the moment of Settling is over
   FadedOut,  ///< the fade of Ending is over
@@ -65,6 +66,8 @@ enum class ItemAct : std::uint32_t {
   Resolve = 1U << 12,        ///< what does the selected poster stand for?
   StepTrack = 1U << 13,      ///< is there a track in the key's direction?
   StepSelection = 1U << 14,  ///< on the strip, in the key's direction
+  DimLights = 1U << 15,
+  RaiseLights = 1U << 16,
 };
 
 class ItemActs {

@@ -16,6 +16,7 @@
 #include "library/file_types.h"
 #include "library/media_paths.h"
 #include "library/next_item.h"
+#include "lights/hue_lights.h"
 #include "media/colour.h"
 #include "player/movie_text.h"
 #include "player/seek_rules.h"
@@ -85,14 +86,16 @@ std::int64_t wholeMilliseconds(Clock::Time::duration span) {
 
 }  // namespace
 
-Viewing::Viewing(const PlayContext& context, const std::string& path, SoundMode soundMode)
+Viewing::Viewing(const PlayContext& context, const std::string& path, std::optional<std::int64_t> resumeUs)
     : context_(context),
       display_(context.display),
       clock_(context.clock),
       path_(fullPath(path)),
       user_(context.stored.users.activeUser()),
+      resumeUs_(resumeUs),
       isAvi_(lowerExtension(path_) == ".avi"),
-      play_({path_, context.language, soundMode}, {context.clock, context.stored, context.soundDevice}),
+      play_({path_, context.language, context.display.soundMode()},
+            {context.clock, context.stored, context.soundDevice}),
       musicRoom_(liesInMusicRoom(path_)),
       startedAt_(clock_.now()),
       stateSince_(startedAt_) {}
@@ -129,6 +132,11 @@ void Viewing::pass() {
 void Viewing::serveCode(NavCode code) {
   // The key that has started the item must not pause it.
   if (code == NavCode::None || (code == NavCode::TogglePause && clock_.now() < startGuardUntil_)) return;
+  if (code == NavCode::ToggleSettings && state_ != ItemState::Ending) {
+    // A pause is settling already.
+    return display_.toggleSettings(state_ == ItemState::Playing || state_ == ItemState::Seeking);
+  }
+  if (code == NavCode::AudioModeChanged) return changeSound();
   const auto* known = std::ranges::find(codeRequests, code, &CodeRequest::code);
   if (known != codeRequests.end()) return serve(known->request);
   if (state_ == ItemState::Starting) return;
@@ -187,6 +195,14 @@ void Viewing::goTo(ItemRequest request, std::filesystem::path item) {
   display_.dismissError();
 }
 
+/// Even an item whose index cannot be trusted goes on where it was.
+void Viewing::changeSound() {
+  if (opened_) resumeUs_ = savedPosition();
+  display_.closeSettings();
+  serve(ItemRequest::ChangeSound);
+  soundModeChanged_ = state_ == ItemState::Finished;
+}
+
 ItemFacts Viewing::facts() const {
   return {.musicRoom = musicRoom_,
           .marksEpisode = display_.watchedToggleTarget() != nullptr,
@@ -241,6 +257,8 @@ void Viewing::steerPlayer(ItemActs acts, ItemRequest request) {
 }
 
 void Viewing::steerScreen(ItemActs acts) {
+  if (acts.has(ItemAct::DimLights)) context_.lights.hueTriggerPlay();
+  if (acts.has(ItemAct::RaiseLights)) context_.lights.hueTriggerPause();
   if (acts.has(ItemAct::Start)) display_.startVideoFadeIn();
   if (acts.has(ItemAct::FadeOut)) display_.startVideoFadeOut();
   if (acts.has(ItemAct::OpenStrip)) {
@@ -272,6 +290,7 @@ void Viewing::begin() {
   play_.start(startPosition());
   lookAhead();
   startGuardUntil_ = clock_.now() + startGuard;
+  display_.pauseForSettings();
 }
 
 void Viewing::seekStep(int direction) {
@@ -356,6 +375,7 @@ void Viewing::switchWatched() {
 // --- What is kept, and what follows ---
 
 std::int64_t Viewing::startPosition() {
+  if (resumeUs_) return *resumeUs_;
   const ResumeStep resume =
       resumeStep(isAvi_, context_.stored.users.resumePosition(path_), play_.durationUs());
   if (resume.dropStored) context_.stored.users.setPosition(path_, 0, user_);

@@ -8,7 +8,6 @@
 
 #include "base/background_job.h"
 #include "base/clock.h"
-#include "base/sound_mode.h"
 #include "display/toolkit/nav_code.h"
 #include "player/play.h"
 #include "viewing/held_volume.h"
@@ -23,13 +22,17 @@ namespace tavek {
 /// that follow (item_state.h). Main thread; no pass waits longer than a picture, or 50 ms.
 class Viewing {
  public:
-  Viewing(const PlayContext& context, const std::string& path, SoundMode soundMode);
+  /// `resumeUs`: where it starts, whatever is kept of it.
+  Viewing(const PlayContext& context, const std::string& path, std::optional<std::int64_t> resumeUs);
 
   /// Until the item is over. Throws what the player has failed with, unless the viewer has ended the item.
   void run();
 
   /// After run(): the item to open next. None returns to the caller; an empty path ends the run of items.
   const std::optional<std::filesystem::path>& nextPath() const { return nextPath_; }
+  /// The same item is to go on in another sound mode.
+  bool soundModeChanged() const { return soundModeChanged_; }
+  const std::optional<std::int64_t>& resumeUs() const { return resumeUs_; }
 
  private:
   /// A seek by keys.
@@ -40,6 +43,7 @@ class Viewing {
 
   void pass();
   void serveCode(NavCode code);
+  void changeSound();
   void serveVolume(NavCode code);
   void serveTimes(NavCode code);
   void serveSelection();
@@ -79,7 +83,8 @@ class Viewing {
   Clock& clock_;
   const std::string path_;
   const std::string user_;  ///< for whom it was started: all that is kept is theirs
-  const bool isAvi_;        ///< its index cannot be trusted, so it starts anew each time
+  std::optional<std::int64_t> resumeUs_;
+  const bool isAvi_;  ///< its index cannot be trusted, so it starts anew each time
   Play play_;
   ItemState state_ = ItemState::Starting;
   bool opened_ = false;
@@ -96,6 +101,7 @@ class Viewing {
   BackgroundJob<std::optional<std::filesystem::path>> following_;  ///< what plays after a song
   int trackSteps_ = 0;  ///< that keys have asked for, and neighbour_ looks for
   std::optional<std::filesystem::path> nextPath_;
+  bool soundModeChanged_ = false;
 };
 
 }  // namespace tavek

@@ -55,6 +55,15 @@ class KeysTest : public testing::Test {
     display->showStrip(true);
   }
   void goHome() { display->goHome(true); }
+  void openTabs() {
+    pause();
+    display->toggleSettings(false);
+  }
+  void openAudio() {
+    store.parts().settings.setSettingsTab("AUDIO");
+    openTabs();
+    key(SDLK_RETURN);
+  }
   void chooseUser() {
     goHome();
     display->runChooser();
@@ -75,26 +84,27 @@ class KeysTest : public testing::Test {
 TEST_F(KeysTest, EachKeyHasItsCodeOnEachScreen) {
   struct Row {
     SDL_Keycode sym;
-    NavCode running, paused, strip, home, users, music;
+    NavCode running, paused, strip, home, users, music, tabs, audio;
   };
   const Row rows[] = {
-      {SDLK_AUDIOPLAY, TogglePause, TogglePause, TogglePause, VoiceStart, VoiceStart, TogglePause},
-      {SDLK_LEFT, SeekBackward, VolumeDownPress, None, None, None, None},
-      {SDLK_RIGHT, SeekForward, VolumeUpPress, None, None, None, None},
-      {SDLK_UP, None, None, None, None, None, SeekBackward},
-      {SDLK_DOWN, None, None, None, None, None, SeekForward},
-      {SDLK_AUDIOREWIND, SeekBackward, SeekBackward, SeekBackward, None, None, SeekBackward},
-      {SDLK_AUDIOFASTFORWARD, SeekForward, SeekForward, SeekForward, None, None, SeekForward},
-      {SDLK_KP_ENTER, OpenPosters, OpenPosters, None, None, None, OpenPosters},
-      {SDLK_RETURN, OpenPosters, OpenPosters, None, None, None, OpenPosters},
-      {SDLK_MENU, ToggleSettings, None, None, None, None, ToggleSettings},
-      {SDLK_AC_HOME, GoHome, None, None, None, None, GoHome},
-      {SDLK_ESCAPE, None, None, ClosePosters, None, None, None},
-      {SDLK_AC_BACK, None, None, ClosePosters, None, None, None},
-      {SDLK_AC_SEARCH, None, None, VoiceStart, VoiceStart, VoiceStart, None},
-      {SDLK_PRINTSCREEN, None, Snapshot, None, None, None, None},
-      {SDLK_VOLUMEUP, None, None, None, None, None, None},
-      {SDLK_q, None, None, None, None, None, None},
+      {SDLK_AUDIOPLAY, TogglePause, TogglePause, TogglePause, VoiceStart, VoiceStart, TogglePause, None,
+       None},
+      {SDLK_LEFT, SeekBackward, VolumeDownPress, None, None, None, None, None, None},
+      {SDLK_RIGHT, SeekForward, VolumeUpPress, None, None, None, None, None, None},
+      {SDLK_UP, None, None, None, None, None, SeekBackward, None, AudioModeChanged},
+      {SDLK_DOWN, None, None, None, None, None, SeekForward, None, AudioModeChanged},
+      {SDLK_AUDIOREWIND, SeekBackward, SeekBackward, SeekBackward, None, None, SeekBackward, None, None},
+      {SDLK_AUDIOFASTFORWARD, SeekForward, SeekForward, SeekForward, None, None, SeekForward, None, None},
+      {SDLK_KP_ENTER, OpenPosters, OpenPosters, None, None, None, OpenPosters, None, AudioModeChanged},
+      {SDLK_RETURN, OpenPosters, OpenPosters, None, None, None, OpenPosters, None, AudioModeChanged},
+      {SDLK_MENU, ToggleSettings, None, None, None, None, ToggleSettings, None, None},
+      {SDLK_AC_HOME, GoHome, None, None, None, None, GoHome, GoHome, GoHome},
+      {SDLK_ESCAPE, None, None, ClosePosters, None, None, None, None, None},
+      {SDLK_AC_BACK, None, None, ClosePosters, None, None, None, None, None},
+      {SDLK_AC_SEARCH, None, None, VoiceStart, VoiceStart, VoiceStart, None, None, None},
+      {SDLK_PRINTSCREEN, None, Snapshot, None, None, None, None, None, None},
+      {SDLK_VOLUMEUP, None, None, None, None, None, None, None, None},
+      {SDLK_q, None, None, None, None, None, None, None, None},
   };
   const struct {
     const char* name;
@@ -104,6 +114,7 @@ TEST_F(KeysTest, EachKeyHasItsCodeOnEachScreen) {
       {"a film", &KeysTest::play, &Row::running},        {"a pause", &KeysTest::pause, &Row::paused},
       {"the strip", &KeysTest::browse, &Row::strip},     {"home", &KeysTest::goHome, &Row::home},
       {"the users", &KeysTest::chooseUser, &Row::users}, {"music", &KeysTest::playSong, &Row::music},
+      {"the tabs", &KeysTest::openTabs, &Row::tabs},     {"sound", &KeysTest::openAudio, &Row::audio},
   };
   for (const auto& screen : screens) {
     for (const Row& row : rows) {
@@ -169,6 +180,60 @@ TEST_F(KeysTest, NothingRunsOnWhenItsKeyIsUp) {
   EXPECT_EQ(display->currentFocus(), FocusName::Poster);
   display->setVideoPlaying(true);
   EXPECT_EQ(display->currentFocus(), FocusName::Movie) << "no seek is left behind";
+}
+
+TEST_F(KeysTest, SettingsOpenAndCloseIntoWhatWasThere) {
+  const struct {
+    const char* what;
+    void (KeysTest::*reach)();
+    bool asksForPause;
+  } cases[] = {{"a film", &KeysTest::play, true},           {"a pause", &KeysTest::pause, false},
+               {"the strip", &KeysTest::browse, false},     {"home", &KeysTest::goHome, false},
+               {"the users", &KeysTest::chooseUser, false}, {"music", &KeysTest::playSong, true}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    goHome();
+    (this->*c.reach)();
+    const FocusName before = display->currentFocus();
+    if (key(SDLK_MENU) == ToggleSettings) display->toggleSettings(true);
+    EXPECT_EQ(display->currentFocus(), FocusName::Settings);
+    EXPECT_EQ(display->takePauseToggle(), c.asksForPause);
+    for (const SDL_Keycode sym : {SDLK_AUDIOPLAY, SDLK_AUDIOREWIND}) EXPECT_EQ(key(sym), None) << "unseen";
+    EXPECT_EQ(key(SDLK_APPLICATION), None);
+    EXPECT_EQ(display->currentFocus(), before);
+    EXPECT_EQ(display->takePauseToggle(), c.asksForPause);
+  }
+  play();
+  display->toggleSettings(true);
+  display->toggleSettings(true);
+  EXPECT_FALSE(display->takePauseToggle()) << "closed before the player has heard of it";
+}
+
+/// Keys on the tabs and on the pages, with who has them afterwards.
+TEST_F(KeysTest, TabsLeadToTheirPagesAndBack) {
+  const struct {
+    SDL_Keycode sym;
+    FocusName focus;
+    const char* remembered;
+  } steps[] = {
+      {SDLK_LEFT, FocusName::Settings, "audio"},           {SDLK_LEFT, FocusName::Settings, "audio"},
+      {SDLK_RETURN, FocusName::UsersTab, "users"},         {SDLK_BACKSPACE, FocusName::Settings, "users"},
+      {SDLK_RIGHT, FocusName::Settings, "users"},          {SDLK_RIGHT, FocusName::Settings, "users"},
+      {SDLK_RETURN, FocusName::BluetoothTab, "bluetooth"}, {SDLK_AC_BACK, FocusName::Settings, "bluetooth"},
+      {SDLK_RIGHT, FocusName::Settings, "bluetooth"},      {SDLK_RETURN, FocusName::NetworkTab, "network"},
+      {SDLK_AC_BACK, FocusName::Settings, "network"},      {SDLK_RIGHT, FocusName::Settings, "network"},
+      {SDLK_RIGHT, FocusName::Settings, "network"},        {SDLK_KP_ENTER, FocusName::HueTab, "hue"},
+      {SDLK_AC_BACK, FocusName::Settings, "hue"},          {SDLK_RETURN, FocusName::AudioTab, "hue"},
+      {SDLK_AC_BACK, FocusName::Settings, "hue"},          {SDLK_BACKSPACE, FocusName::Home, "hue"},
+  };
+  goHome();
+  store.parts().settings.setSettingsTab("audio");
+  EXPECT_EQ(key(SDLK_MENU), None);
+  for (const auto& step : steps) {
+    EXPECT_EQ(key(step.sym), None);
+    EXPECT_EQ(display->currentFocus(), step.focus) << "step " << &step - steps;
+    EXPECT_EQ(store.parts().settings.settingsTab(), step.remembered) << "step " << &step - steps;
+  }
 }
 
 /// The way home and back in again.

@@ -111,14 +111,14 @@ TEST(ThemePlayer, GivesTheDeviceToWhoeverPlays) {
   StateStore store("");
   OneAtATime card;
   {
-    ThemePlayer player(card.factory(), SoundMode::Stereo, store.parts(), steadyClock());
+    ThemePlayer player(card.factory(), store.parts(), steadyClock());
     const PcmDeviceFactory shared = player.sharing(card.factory());
     for (const auto& file : {folder.path() / "gone.mp3", folder.path() / "empty.mp3"}) {
-      player.startTheme(file);
+      player.startTheme(file, SoundMode::Stereo);
       EXPECT_TRUE(soon([&] { return player.takeMissing(); })) << file;
     }
-    for (const auto& file : {folder.path() / "noise.mp3", silent}) player.startTheme(file);
-    player.startTheme(theme);
+    for (const auto& file : {folder.path() / "noise.mp3", silent}) player.startTheme(file, SoundMode::Stereo);
+    player.startTheme(theme, SoundMode::Stereo);
     EXPECT_TRUE(soon([&] { return card.sound.heard().size() > 20'000; }));
     const auto heard = card.sound.heard();
     EXPECT_NEAR(*std::ranges::max_element(heard), 32767 * 0.7 * 0.251, 300) << "12 dB below full";
@@ -129,10 +129,10 @@ TEST(ThemePlayer, GivesTheDeviceToWhoeverPlays) {
     EXPECT_LT(steadyClock().now() - before, 120ms + 100ms);
     EXPECT_TRUE(soon([&] { return !card.open(); }));
 
-    player.startTheme(brief);
+    player.startTheme(brief, SoundMode::Stereo);
     EXPECT_TRUE(soon([&] { return card.open(); }));
     EXPECT_TRUE(soon([&] { return !card.open(); })) << "it plays once, and gives the device back";
-    player.startTheme(theme);
+    player.startTheme(theme, SoundMode::Stereo);
     EXPECT_TRUE(soon([&] { return card.open(); }));
   }
   EXPECT_TRUE(soon([&] { return !card.open(); })) << "nothing plays on";

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -26,7 +27,8 @@ inline constexpr std::array keys{SDLK_RETURN,      SDLK_RETURN,   SDLK_RETURN,  
                                  SDLK_SPACE,       SDLK_AC_HOME,  SDLK_AUDIOPLAY,  SDLK_AUDIONEXT,
                                  SDLK_AUDIOPREV,   SDLK_VOLUMEUP, SDLK_VOLUMEDOWN, SDLK_AUDIOFASTFORWARD,
                                  SDLK_AUDIOREWIND, SDLK_a,        SDLK_m,          SDLK_s,
-                                 SDLK_PRINTSCREEN, SDLK_AC_BACK};
+                                 SDLK_PRINTSCREEN, SDLK_AC_BACK,  SDLK_MENU,       SDLK_BACKSPACE,
+                                 SDLK_TAB,         SDLK_DELETE};
 
 /// A clock that has a viewer with a restless hand before it, and surroundings that fail. Each sleep of the
 /// main thread is a pass; the sleep takes no time but what the workers need.
@@ -51,6 +53,8 @@ class RestlessViewer final : public Clock {
   test::FakeSound* card = nullptr;
   /// Called every now and then, between two passes.
   std::function<void()> check;
+  /// Whether a key may rename or remove a user.
+  std::function<bool()> editsUsers;
 
   /// Of real time, between two sleeps of the main thread.
   std::chrono::duration<double> longestPass() const { return longestPass_; }
@@ -87,6 +91,7 @@ class RestlessViewer final : public Clock {
 
   void press() {
     --left_;
+    if (editsUsers()) guestAdded_ = false;
     SDL_Event event{};
     event.type = held_ != 0 ? SDL_KEYUP : SDL_KEYDOWN;
     event.key.keysym.sym = held_ != 0 ? held_ : keys[random_() % keys.size()];
@@ -96,6 +101,10 @@ class RestlessViewer final : public Clock {
       event.key.repeat = 1;
     }
     held_ = event.type == SDL_KEYDOWN ? event.key.keysym.sym : 0;
+    SDL_PushEvent(&event);
+    if (!chance(50)) return;
+    event = {.type = SDL_TEXTINPUT};
+    std::strcpy(event.text.text, "\xC3\x84\"x");
     SDL_PushEvent(&event);
   }
 

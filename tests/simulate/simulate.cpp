@@ -13,9 +13,9 @@
 #include <SDL.h>
 
 #include "app/library_run.h"
-#include "app/options.h"
 #include "base/paths.h"
 #include "display/display.h"
+#include "lights/hue_lights.h"
 #include "simulate/made_library.h"
 #include "simulate/restless_viewer.h"
 #include "simulate/stored_text.h"
@@ -68,13 +68,19 @@ void simulate(long count, std::uint64_t seed, const fs::path& root, Findings& fi
     if (!viewer.stateIsGarbled() && fs::exists(stateFile())) checkStored(viewer, findings);
   };
   const Stored stored = state.parts();
+  viewer.editsUsers = [&] { return stored.settings.settingsTab() == "users"; };
   Seconds ending{};
   {
     Display display(0, 0, 160, 90, Orientation::OrientationAuto, stored, viewer);
-    const PlayContext context{
-        .display = display, .stored = stored, .clock = viewer, .language = {}, .soundDevice = card.factory()};
+    HueLights lights(stored.devices);
+    const PlayContext context{.display = display,
+                              .stored = stored,
+                              .clock = viewer,
+                              .language = {},
+                              .soundDevice = card.factory(),
+                              .lights = lights};
     display.goHome(true);
-    runLibrary(context, LaunchOptions{});
+    runLibrary(context);
     state.flush();
     ending = test::RestlessViewer::RealClock::now() - viewer.quitAt();
   }
@@ -101,6 +107,7 @@ int main(int count, char** words) {
   test::makeLibrary(folder.path());
   test::makeSlowTool(tools.path());
   setenv("TAVEK_MEDIA_ROOT", folder.path().c_str(), 1);
+  setenv("TAVEK_HOME", tools.path().c_str(), 1);
   setenv("TAVEK_TOOL_DIR", tools.path().c_str(), 1);
   setenv("SDL_VIDEODRIVER", "dummy", 1);
   setenv("SDL_RENDER_DRIVER", "software", 1);

@@ -258,6 +258,8 @@ TEST_F(StateStoreTest, ChangesUsers) {
   EXPECT_EQ(saved().profiles["Dan"].tv.seek, 3) << "of an item that was started before the rename";
   EXPECT_THAT(kept("persist.json"), HasSubstr("\n\t\t\t\"later\": 1\n"));
   for (const char* name : {"Zoe", "Bob", "Dan"}) users.removeUser(name);
+  for (const char* gone : {"Dan", "Ann"}) users.setPosition(in("tv/a"), 4, gone);
+  EXPECT_THAT(users.users(), ElementsAre("Cid")) << "an item that still plays brings nobody back";
   users.removeUser("Cid");
   EXPECT_EQ(users.activeUser() + saved().userNames[1], "AlexMaria");
   for (int i = 0; i < 18; ++i) settings.pushWifiHistory(std::to_string(i == 17 ? 5 : i));

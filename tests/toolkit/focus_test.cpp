@@ -17,6 +17,8 @@ TEST(Focus, FollowsFromTheFactsInTheirOrder) {
       {"Home", {.homeMode = true, .seekFocus = true}},
       {"UsersTab", {.homeMode = true, .chooserOpen = true, .stripShown = true}},
       {"Movie", {.chooserOpen = true}},
+      {"HueTab", {.settings = FocusName::HueTab, .homeMode = true, .stripShown = true}},
+      {"Screensaver", {.saverActive = true, .settings = FocusName::Settings}},
       {"Poster", {.stripShown = true, .stripAny = true, .seekFocus = true}},
       {"Movie", {.stripAny = true}},
       {"Tv", {.roomKind = series, .stripShown = true}},

@@ -44,17 +44,20 @@ TEST(ItemState, StepsByTheTable) {
     ItemFacts facts{};
   } rows[] = {
       {{S::Starting}, {R::Opened}, S::Playing, {Start}},
-      {{S::Starting}, {R::Selected, R::TrackFound, R::GoHome, R::Leave, R::StreamEnded}, S::Finished, {}},
+      {{S::Starting},
+       {R::Selected, R::TrackFound, R::GoHome, R::ChangeSound, R::Leave, R::StreamEnded},
+       S::Finished,
+       {}},
       {{S::Starting}, {R::PlaySelection}, same, {Resolve}},
 
-      {running, {R::TogglePause}, S::Paused, {StorePosition, Pause, ShowSeekBar}},
-      {standing, {R::TogglePause}, S::Playing, {StorePosition, Resume, ShowSeekBar}},
-      {{S::Settling}, {R::TogglePause}, S::Playing, {StorePosition, ShowSeekBar}},
+      {running, {R::TogglePause}, S::Paused, {StorePosition, Pause, RaiseLights, ShowSeekBar}},
+      {standing, {R::TogglePause}, S::Playing, {StorePosition, Resume, DimLights, ShowSeekBar}},
+      {{S::Settling}, {R::TogglePause}, S::Playing, {StorePosition, DimLights, ShowSeekBar}},
       {{S::Browsing}, {R::TogglePause}, same, {SwitchWatched}, {.marksEpisode = true}},
       {{S::Playing},
        {R::TogglePause},
        S::Paused,
-       {StorePosition, Pause, ShowSeekBar},
+       {StorePosition, Pause, RaiseLights, ShowSeekBar},
        {.marksEpisode = true}},
 
       {running, seekKeys, S::Seeking, {Seek}},
@@ -79,13 +82,14 @@ TEST(ItemState, StepsByTheTable) {
       {running, {R::ClosePosters}, same, {HideStrip}},
       {open, {R::PlaySelection}, same, {Resolve}},
 
-      {open, {R::Selected, R::PreviousItem, R::Leave}, S::Finished, {StorePosition}},
+      {open, {R::Selected, R::PreviousItem, R::ChangeSound, R::Leave}, S::Finished, {StorePosition}},
       {open, {R::TrackFound}, S::Finished, {StorePosition, Pause}},
       {open, {R::PreviousItem}, same, {SeekToStart, ShowSeekBar}, {.pastStart = true}},
       {running, {R::StreamEnded}, S::Finished, {StorePosition, ShowSeekBar}},
-      {open, {R::GoHome}, S::Ending, {StorePosition, Pause, FadeOut}},
+      {open, {R::GoHome}, S::Ending, {StorePosition, RaiseLights, Pause, FadeOut}},
+      {{S::Paused}, {R::GoHome}, S::Ending, {StorePosition, RaiseLights, FadeOut}},
       {{S::Paused}, {R::TrackFound}, S::Finished, {StorePosition, Pause}},
-      {{S::Paused}, {R::Leave}, S::Finished, {StorePosition}},
+      {{S::Paused}, {R::ChangeSound, R::Leave}, S::Finished, {StorePosition}},
       {{S::Ending}, {R::Leave, R::FadedOut}, S::Finished, {StorePosition}},
   };
   std::set<std::pair<S, R>> listed;

@@ -70,6 +70,7 @@ Meaning Home::confirmUser(Uint64 nowMs) {
   stored_.users.setActiveUser(selectedUser());
   stored_.users.setUserMode(selectedUser(), normalizeRoomName(roomNameOfRoot(room())));
   folderChange_ = {nowMs, room()};
+  confirmedOnce_ = true;
   view_.endFadeIn();
   return Handled();
 }

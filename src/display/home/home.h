@@ -43,6 +43,11 @@ class Home final : public Layer {
   void endFadeIn() { view_.endFadeIn(); }
   bool takePauseToggle() { return std::exchange(pauseToggle_, false); }
 
+  /// True once after a user was confirmed.
+  bool takeConfirmed() { return std::exchange(confirmedOnce_, false); }
+  /// The users may have changed.
+  Meaning followUsers(Uint64 nowMs) { return othersCame() ? takeRooms(nowMs) : Meaning(Unhandled()); }
+
   std::string activeUser() const { return stored_.users.activeUser(); }
   /// The selected room.
   std::filesystem::path room() const { return rooms_.current(); }
@@ -87,6 +92,7 @@ class Home final : public Layer {
   bool chooserOpen_ = false;
   bool pausedPlayback_ = false;  ///< the users lie over an item that ran
   bool pauseToggle_ = false;     ///< still to be told to whoever plays
+  bool confirmedOnce_ = false;   ///< still to be told
   std::optional<FolderChange> folderChange_;
 };
 

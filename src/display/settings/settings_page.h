@@ -14,7 +14,6 @@ namespace tavek {
 enum class PageAct {
   Unhandled,
   Handled,
-  ToTabs,       ///< the focus goes back to the tabs
   PreviousTab,  ///< the tab before this one
   ToAudio,      ///< the page is done with; Audio is the tab
   Close,        ///< the settings close

@@ -39,7 +39,7 @@ void UsersForm::openUsersTab() {
   reloadUsers();
   dialog_.reset();
   moveFocus(UsersFocus::NameField);
-  newUserName_.clear();
+  field_.clear();
 }
 
 void UsersForm::advance(Uint64 nowMs) {
@@ -144,17 +144,13 @@ void UsersForm::pressKeyboardKey() {
   }
 }
 
-/// To a place without keyboard.
+/// The keyboard goes, and the row that was edited keeps its name.
 void UsersForm::moveFocus(UsersFocus focus) {
   focus_ = focus;
-  keyboard_.showKeyboard(false);
-  leaveRename();
   userRowButtonFocus_ = false;
-}
-
-void UsersForm::leaveRename() {
+  keyboard_.showKeyboard(false);
+  if (renameIndex_) field_.clear();
   renameIndex_.reset();
-  renameUserName_.clear();
 }
 
 // --- Clicks ---
@@ -197,28 +193,26 @@ void UsersForm::typeText(std::string_view typed) {
 
 /// A whole one, or a byte that is none; letters of ASCII get the case that a name has.
 void UsersForm::appendNameCharacter(std::string_view character) {
-  std::string& name = editedField();
   std::string_view rest = character;
   const auto code = takeCharacter(rest);
-  if (!code || isControl(*code) || name.size() + character.size() > longestUserName) return;
+  if (!code || isControl(*code) || field_.size() + character.size() > longestUserName) return;
   if (isLetter(character.front())) {
-    const bool upper = keyboard_.shift() || name.empty();
-    name += upper ? std::string(1, toUpper(character.front())) : toLower(character);
+    const bool upper = keyboard_.shift() || field_.empty();
+    field_ += upper ? std::string(1, toUpper(character.front())) : toLower(character);
   } else {
-    name += character;
+    field_ += character;
   }
   keyboard_.setKeyboardShift(false);
 }
 
 void UsersForm::eraseNameCharacter() {
-  std::string& name = editedField();
   const auto continues = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
-  while (!name.empty() && continues(name.back())) name.pop_back();
-  if (!name.empty()) name.pop_back();
+  while (!field_.empty() && continues(field_.back())) field_.pop_back();
+  if (!field_.empty()) field_.pop_back();
 }
 
 void UsersForm::submitUserName() {
-  const std::string name = trim(field());
+  const std::string name = trim(field_);
   if (name.empty()) return say("Name cannot be empty.");
   if (name.size() > longestUserName) return say("Name cannot exceed 16 characters.");
   if (renameIndex_ && namesCollide(userNames_[*renameIndex_], name))
@@ -243,7 +237,7 @@ void UsersForm::addUser(const std::string& name) {
   users_.addUser(name);
   reloadUsers();
   selectedUser_ = userNames_.size() - 1;
-  newUserName_.clear();
+  field_.clear();
   moveFocus(focus_);
   say("Added \"" + name + "\"");
   usersChanged_();
@@ -258,8 +252,7 @@ void UsersForm::backToRow(std::size_t row, std::string status) {
 void UsersForm::beginUserRename() {
   openKeyboard();
   renameIndex_ = selectedUser_;
-  renameUserName_ = userNames_[selectedUser_];
-  newUserName_.clear();
+  field_ = userNames_[selectedUser_];
 }
 
 void UsersForm::askDeleteUser() {

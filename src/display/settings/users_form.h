@@ -71,7 +71,7 @@ class UsersForm {
   /// The row that is the editor of its name.
   std::optional<std::size_t> renameIndex() const { return renameIndex_; }
   /// What is typed into: the new name of that row, else that of a new user.
-  const std::string& field() const { return renameIndex_ ? renameUserName_ : newUserName_; }
+  const std::string& field() const { return field_; }
   /// Empty if there is nothing to tell.
   const std::string& usersStatus() const { return status_; }
 
@@ -100,7 +100,6 @@ class UsersForm {
   void pressKeyboardKey();
 
   void moveFocus(UsersFocus focus);
-  void leaveRename();
   void appendNameCharacter(std::string_view character);
   void eraseNameCharacter();
   void submitUserName();
@@ -111,7 +110,6 @@ class UsersForm {
   void askDeleteUser();
   void reloadUsers();
   void say(std::string status);
-  std::string& editedField() { return renameIndex_ ? renameUserName_ : newUserName_; }
 
   StoredUsers& users_;
   const std::function<void()> usersChanged_;
@@ -119,8 +117,7 @@ class UsersForm {
   std::size_t selectedUser_ = 0;
   bool userRowButtonFocus_ = false;  ///< on the selected row's delete button
   UsersFocus focus_ = UsersFocus::NameField;
-  std::string newUserName_;
-  std::string renameUserName_;
+  std::string field_;
   std::optional<std::size_t> renameIndex_;
   std::optional<DeleteDialog> dialog_;
   ScreenKeyboard keyboard_;

@@ -40,11 +40,11 @@ void tell(const char* what, const std::filesystem::path& file, const std::string
 }  // namespace
 
 struct ThemePlayer::Shared {
-  Shared(PcmDeviceFactory f, SoundMode m, const Stored& s, Clock& c)
-      : factory(std::move(f)), mode(m), stored(s), clock(c) {}
+  Shared(PcmDeviceFactory f, const Stored& s, Clock& c) : factory(std::move(f)), stored(s), clock(c) {}
 
   struct State {
     std::filesystem::path wanted;   ///< to be played next
+    SoundMode mode{};               ///< in which it is
     AudioOutput* output = nullptr;  ///< the thread's, while it plays
     bool atWork = false;            ///< the device may be open
     bool missing = false;
@@ -61,7 +61,6 @@ struct ThemePlayer::Shared {
   }
 
   const PcmDeviceFactory factory;
-  const SoundMode mode;
   const Stored stored;
   Clock& clock;
   Flag stop;  ///< ends what plays
@@ -69,8 +68,8 @@ struct ThemePlayer::Shared {
   std::condition_variable changed;
 };
 
-ThemePlayer::ThemePlayer(PcmDeviceFactory factory, SoundMode mode, const Stored& stored, Clock& clock)
-    : shared_(std::make_shared<Shared>(std::move(factory), mode, stored, clock)),
+ThemePlayer::ThemePlayer(PcmDeviceFactory factory, const Stored& stored, Clock& clock)
+    : shared_(std::make_shared<Shared>(std::move(factory), stored, clock)),
       ended_(std::make_shared<Flag>()),
       thread_([shared = shared_, ended = ended_] {
         run(shared);
@@ -84,11 +83,12 @@ ThemePlayer::~ThemePlayer() {
   leaveThread(std::move(thread_), std::move(ended_));
 }
 
-void ThemePlayer::startTheme(const std::filesystem::path& file) {
+void ThemePlayer::startTheme(const std::filesystem::path& file, SoundMode mode) {
   stopTheme();
   tell("start", file);
   const auto state = shared_->state.hold();
   state->wanted = file;
+  state->mode = mode;
   state->missing = false;
   shared_->changed.notify_all();
 }
@@ -114,21 +114,23 @@ PcmDeviceFactory ThemePlayer::sharing(PcmDeviceFactory factory) const {
 void ThemePlayer::run(const std::shared_ptr<Shared>& shared) {
   for (;;) {
     std::filesystem::path file;
+    SoundMode mode{};
     {
       auto state = shared->state.hold();
       shared->changed.wait(state.lock(), [&] { return state->over || !state->wanted.empty(); });
       if (state->over) return;
       file = std::exchange(state->wanted, {});
+      mode = state->mode;
       state->atWork = true;
       shared->stop = false;
     }
-    play(*shared, file);
+    play(*shared, file, mode);
     shared->state.hold()->atWork = false;
     shared->changed.notify_all();
   }
 }
 
-void ThemePlayer::play(Shared& shared, const std::filesystem::path& path) {
+void ThemePlayer::play(Shared& shared, const std::filesystem::path& path, SoundMode mode) {
   if (!isUsableFile(path)) {
     shared.state.hold()->missing = true;
     return;
@@ -142,7 +144,7 @@ void ThemePlayer::play(Shared& shared, const std::filesystem::path& path) {
   if (file->audioParameters() == nullptr) return tell("no audio stream", path);
   try {
     Codec codec(file->audioParameters());
-    AudioOutput output(file->audioParameters(), "", shared.mode, shared.stored, shared.factory, shared.clock,
+    AudioOutput output(file->audioParameters(), "", mode, shared.stored, shared.factory, shared.clock,
                        themeDb);
     sound(shared, *file, codec, output);
   } catch (const std::exception& error) {

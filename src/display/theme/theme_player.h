@@ -24,14 +24,14 @@ class Demultiplexer;
 /// No call of the owner waits. What fails is silent but under debugEnabled.
 class ThemePlayer {
  public:
-  ThemePlayer(PcmDeviceFactory factory, SoundMode mode, const Stored& stored, Clock& clock);
+  ThemePlayer(PcmDeviceFactory factory, const Stored& stored, Clock& clock);
   /// Silent at once; leaves the thread, which a dead disk may hold.
   ~ThemePlayer();
   ThemePlayer(const ThemePlayer&) = delete;
   ThemePlayer& operator=(const ThemePlayer&) = delete;
 
   /// The file from its beginning, in place of what plays.
-  void startTheme(const std::filesystem::path& file);
+  void startTheme(const std::filesystem::path& file, SoundMode mode);
   void stopTheme();
   /// True once for a file that is not there, or empty.
   bool takeMissing();
@@ -44,7 +44,7 @@ class ThemePlayer {
   /// What the owner and the thread know; the thread keeps it alive.
   struct Shared;
   static void run(const std::shared_ptr<Shared>& shared);
-  static void play(Shared& shared, const std::filesystem::path& path);
+  static void play(Shared& shared, const std::filesystem::path& path, SoundMode mode);
   static void sound(Shared& shared, Demultiplexer& file, Codec& codec, AudioOutput& output);
 
   const std::shared_ptr<Shared> shared_;

@@ -15,6 +15,7 @@ static_assert(focusTexts.size() == static_cast<std::size_t>(FocusName::Screensav
 
 FocusName focusOf(const FocusFacts& facts) {
   if (facts.saverActive) return FocusName::Screensaver;
+  if (facts.settings) return *facts.settings;
   if (facts.homeMode) return facts.chooserOpen ? FocusName::UsersTab : FocusName::Home;
   if (facts.musicWithAudio()) return facts.stripAny ? FocusName::Poster : FocusName::Music;
   if (!facts.stripShown) return facts.seekFocus ? FocusName::Seek : FocusName::Movie;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "library/media_kind.h"
 
@@ -25,9 +26,10 @@ enum class FocusName : std::int32_t {
 
 /// What the screens show, in one snapshot.
 struct FocusFacts {
-  bool saverActive = false;  ///< the screensaver runs
-  bool homeMode = false;     ///< the home screen has the screen
-  bool chooserOpen = false;  ///< its users can be chosen, over an item too
+  bool saverActive = false;                ///< the screensaver runs
+  std::optional<FocusName> settings = {};  ///< they lie over everything, with this focus
+  bool homeMode = false;                   ///< the home screen has the screen
+  bool chooserOpen = false;                ///< its users can be chosen, over an item too
   MediaKind roomKind = MediaKind::Movies;
   bool audioItem = false;   ///< the current item is an audio file
   bool stripShown = false;  ///< it covers the picture's lower part
