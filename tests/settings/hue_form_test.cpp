@@ -10,8 +10,7 @@ const HueScan found{
 const HueSettings stored{.bridge = "hue", .user = "me", .group = "1", .playScene = "a", .pauseScene = "d"};
 
 /// A letter for each key: the arrows, Return (h: held), Tab (T: with shift), Back, x for Backspace. Text
-/// stands in
-/// <>, and ! is a scan that succeeds, 0 one that finds nothing, ? one that fails.
+/// stands in <>; ! is a scan that succeeds, 0 one that finds nothing, ? one that fails.
 PageAct type(HueForm& form, std::string_view keys) {
   PageAct act = PageAct::Handled;
   for (; !keys.empty(); keys.remove_prefix(1)) {
