@@ -89,6 +89,7 @@ void HueForm::moveFocus(int step) {
 }
 
 PageAct HueForm::activate() {
+  if (hidden()) return PageAct::Handled;
   if (focus_ == HueRow::Enabled) enabled_ = !enabled_;
   if (focus_ >= HueRow::Group && focus_ <= HueRow::PauseScene) openList();
   if (focus_ != HueRow::Save) return PageAct::Handled;
@@ -103,6 +104,7 @@ void HueForm::change(HueRow row, std::string value) {
 }
 
 void HueForm::cycle(int step) {
+  if (hidden()) return;
   const std::vector<HueOption> values = valuesOf(focus_);
   if (values.empty()) return;
   change(focus_, values[around(placeOf(values, field(focus_)), step, values.size())].value);

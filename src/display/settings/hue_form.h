@@ -57,6 +57,8 @@ class HueForm {
   HueSettings settings() const;
 
  private:
+  /// With the lights off the focus goes through rows that are not shown.
+  bool hidden() const { return !enabled_ && focus_ != HueRow::Enabled && focus_ != HueRow::Save; }
   static bool takesText(HueRow row) { return row >= HueRow::Bridge && row <= HueRow::PauseScene; }
   std::string& field(HueRow row) { return fields_[static_cast<std::size_t>(row)]; }
   const std::string& field(HueRow row) const { return fields_[static_cast<std::size_t>(row)]; }

@@ -85,7 +85,8 @@ void drawValueRow(const FieldRow& field, int labelWidth) {
   const Row& row = field.row;
   const std::string value = field.value.empty() ? "(none)" : field.value;
   const SDL_Point size = textSize(row.font, value);
-  const ValueLayout layout = valueLayout(row.rect, labelWidth, size.x);
+  const int markWidth = field.isList ? 24 : 0;
+  const ValueLayout layout = valueLayout(row.rect, labelWidth, size.x + markWidth);
   drawPanel(row.renderer, layout.box, field.focused);
   drawText(row.renderer, row.font, value, layout.text.x, layout.text.y, row.text, row.shadow);
   if (field.isList) {
