@@ -64,7 +64,7 @@ void drawTabRow(const TabRow& row, int selected) {
       fillRect(row.renderer, {place.x, place.y + place.h - underlineHeight, place.w, underlineHeight},
                theme::accent);
     }
-    drawTextCentered(row.renderer, row.font, row.labels[index], place,
+    drawTextCentered(row.renderer, row.font, fitText(row.font, row.labels[index], place.w - 4), place,
                      isSelected ? theme::white : tabLabelColour, 1.0, tabShadow);
   }
 }
