@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include "base/paths.h"
+#include "library/backdrop.h"
+#include "library/fan_art.h"
+#include "library/media_paths.h"
+#include "library/overview.h"
+#include "support/temp_folder.h"
+
+namespace tavek {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string namesOf(const std::vector<Slide>& slides, const fs::path& root) {
+  std::string names;
+  for (const Slide& slide : slides)
+    names += slide.path.lexically_relative(root).string() + "=" + slide.name + " ";
+  return names;
+}
+
+TEST(FanArt, IsThatOfWhatIsThere) {
+  const test::TempFolder folder;
+  const fs::path movies = folder.path() / "movies";
+  for (const char* file :
+       {"B (1982)/B.mkv", "B (1982)/fanart.jpg", "A/A.mkv", "A/A.fanart.PNG", "A/poster.jpg", "C.mkv",
+        "C.FanArt.jpeg", "Gone/fanart.jpg", "Gone.fanart.jpg", "A/.fanart.jpg", "A/fanart.webp",
+        "D/fanart.jpg/x", "Брат 2/Брат 2.mkv", "Брат 2/fanart.jpg"})
+    test::writeText(movies / file, "x");
+  EXPECT_EQ(namesOf(listSlides(movies, {}, {}), movies),
+            "A/A.fanart.PNG=A C.FanArt.jpeg=C B (1982)/fanart.jpg=B (1982) Брат 2/fanart.jpg=Брат 2 ");
+  const std::vector<PosterTitle> posters{
+      {"c", "/x/2.jpg"}, {"b (1982)", "/x/1.jpg"}, {"none", "/x/0.jpg"}, {"c", "/x/3.jpg"}, {"", "/x/A.jpg"}};
+  EXPECT_EQ(namesOf(listSlides(movies, posters, {}), movies),
+            "B (1982)/fanart.jpg=B (1982) C.FanArt.jpeg=C A/A.fanart.PNG=A ");
+  EXPECT_EQ(listSlides(movies, {{"none", "/x/0.jpg"}}, {}).size(), 4U) << "as without posters";
+  EXPECT_TRUE(listSlides(movies / "nowhere", {}, {}).empty());
+  EXPECT_EQ(videoOfSlide({movies / "A/A.fanart.PNG", "A"}, {}), movies / "A/A.mkv");
+  EXPECT_EQ(videoOfSlide({movies / "Gone/fanart.jpg", "Gone"}, {}), std::nullopt);
+}
+
+TEST(FanArt, OfAShowNeedsAnyEpisode) {
+  for (const char* file : {"Show/Season 1/S01E01.mkv", "Show/fanart.jpg", "Empty/fanart.jpg"})
+    test::writeText(tvRoot() / file, "x");
+  EXPECT_EQ(namesOf(listSlides(tvRoot(), {}, {}), tvRoot()), "Show/fanart.jpg=Show ");
+  fs::remove_all(tvRoot());
+}
+
+TEST(Overview, IsReadOverItsEscapes) {
+  const std::pair<const char*, const char*> cases[] = {
+      {R"({"overview": "Plain."})", "Plain."},
+      {R"({"x":"overview","overview" : "a \"b\" \\ c\/d"})", R"(a "b" \ c/d)"},
+      {R"({"overview": " two\n\n lines\t\r "})", "two lines"},
+      {R"({"overview": "A\u0041\u00e9\u12\q"})", "AA??"},
+      {R"({"overview": "not closed)", "not closed"},
+      {R"({"overview": "   "})", ""},
+      {R"({"overview": null})", ""},
+      {R"({"title": "x"})", ""},
+      {"\"overview\":\"\\", ""},
+      {"", ""},
+  };
+  for (const auto& [text, overview] : cases) EXPECT_EQ(overviewIn(text).value_or(""), overview) << text;
+}
+
+/// What lies below the room, and what is found for Artist/Album/1.mp3, "-" standing for the album's folder.
+TEST(Backdrop, IsTheNearestOfTheFoldersAboveTheTrack) {
+  const struct {
+    const char *what, *files, *found;
+  } cases[] = {
+      {"none", "-/cover.jpg", ""},
+      {"the nearer folder, in spite of its lesser name", "-/fanart.jpg|Artist/backdrop.png", "-/fanart.jpg"},
+      {"names go first", "-/background.jpg|-/backdrop.png", "-/backdrop.png"},
+      {"then endings", "-/fanart.png|-/fanart.jpeg", "-/fanart.jpeg"},
+      {"the exact spelling", "-/BackDrop.JPG|-/fanart.png", "-/fanart.png"},
+      {"then any", "-/BackDrop.JPG|Artist/fanart.png", "-/BackDrop.JPG"},
+      {"up to the room", "fanart.png", "fanart.png"},
+      {"and not beyond", "../fanart.png|../music.jpg", ""},
+      {"neither folders nor other pictures", "-/fanart.jpg/x|-/fanart.webp", ""},
+  };
+  const auto at = [](const std::string& name) {
+    return musicRoot() / (name[0] == '-' ? "Artist/Album" + name.substr(1) : name);
+  };
+  for (const auto& [what, files, found] : cases) {
+    std::istringstream names(files);
+    for (std::string name; std::getline(names, name, '|');) test::writeText(at(name), "x");
+    EXPECT_EQ(findBackdrop(at("-/1.mp3")).value_or(""), *found == 0 ? fs::path() : at(found)) << what;
+    EXPECT_FALSE(findBackdrop(mediaRoot() / "other/1.mp3")) << what;
+    fs::remove_all(musicRoot());
+    fs::remove(mediaRoot() / "fanart.png");
+  }
+  test::writeText(at("fanart.jpg"), "");
+  EXPECT_FALSE(findBackdrop(at("1.mp3"))) << "an empty file is no picture";
+  fs::remove_all(musicRoot());
+}
+
+}  // namespace
+}  // namespace tavek
