@@ -1,8 +1,6 @@
 #include "sound/alsa_device.h"
 
-#include <chrono>
 #include <dlfcn.h>
-#include <fstream>
 
 #include <alsa/asoundlib.h>
 #include <gmock/gmock.h>

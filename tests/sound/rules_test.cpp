@@ -1,6 +1,4 @@
-#include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <numbers>
 
 #include <alsa/asoundlib.h>
@@ -111,10 +109,9 @@ TEST(Volume, TheLimiterHoldsThePeakAndAStepStaysBelowItsCeiling) {
 /// How many dB a shelf adds to a tone on the right of two channels; the left is silent.
 double raisedDb(Shelf shelf, double frequency) {
   Block block(96000, 0);
-  for (std::size_t i = 1; i < block.size(); i += 2) {
+  for (std::size_t i = 1; i < block.size(); i += 2)
     block[i] = static_cast<std::int16_t>(
         8000 * std::sin(std::numbers::pi * frequency / 48000 * static_cast<double>(i)));
-  }
   // In two blocks: the state carries over.
   applyShelf(shelf, std::span(block).first(1000), 2);
   applyShelf(shelf, std::span(block).subspan(1000), 2);
