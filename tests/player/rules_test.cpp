@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <utility>
-
 #include <gtest/gtest.h>
 
 #include "player/pacer.h"
@@ -58,10 +55,9 @@ TEST(Pacing, LeavesOutWhatIsTooLate) {
       {500'000, true, true, false},    {500'001, true, true, true}, {500'001, false, true, false},
       {10'000'000, true, true, false},
   };
-  for (const auto& c : cases) {
+  for (const auto& c : cases)
     EXPECT_EQ(leavesOut(c.behindUs, c.nextWaits, c.leftOutBefore), c.leftOut)
         << c.behindUs << " us, next waits: " << c.nextWaits << ", left out before: " << c.leftOutBefore;
-  }
 }
 
 /// Pictures on a screen that holds each up to its next refresh, and a sound that goes its way.
@@ -133,8 +129,7 @@ TEST(Pacer, KeepsUpWithTheSoundOnAScreenThatRefreshesSlowly) {
 
 TEST(PlaybackTimer, WorksOffFourIntervalsOfLateness) {
   using std::chrono::milliseconds;
-  for (const auto& [lateMs, restarts] :
-       {std::pair{150, false}, std::pair{170, true}, std::pair{1000, true}}) {
+  for (const auto& [lateMs, restarts] : {std::pair{150, false}, {170, true}, {1000, true}}) {
     PlaybackTimer timer;
     auto now = PlaybackTimer::Clock::time_point(milliseconds(5000));
     timer.reset(now);
@@ -147,8 +142,8 @@ TEST(PlaybackTimer, WorksOffFourIntervalsOfLateness) {
 }
 
 TEST(SeekRules, StepsGrowAndWrap) {
-  for (const auto& [heldMs, seconds] : {std::pair{0, 10}, std::pair{999, 10}, std::pair{1000, 20},
-                                        std::pair{4999, 50}, std::pair{5000, 60}, std::pair{60000, 60}}) {
+  for (const auto& [heldMs, seconds] :
+       {std::pair{0, 10}, {999, 10}, {1000, 20}, {4999, 50}, {5000, 60}, {60000, 60}}) {
     EXPECT_EQ(seekStepUs(heldMs), seconds * 1'000'000) << heldMs;
   }
   EXPECT_EQ(wrapPosition(-1, 100), 0);
