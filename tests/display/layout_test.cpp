@@ -1,14 +1,15 @@
-// Where the discs and posters lie, and what their labels say.
-#include <vector>
+// Where discs, posters and tracks lie, and what their labels say.
 
 #include <gtest/gtest.h>
 
 #include "display/home/home_layout.h"
 #include "display/home/rooms.h"
+#include "display/music/music_layout.h"
 #include "display/strip/letter_bar.h"
 #include "display/strip/strip_layout.h"
 #include "support/media_root.h"
 #include "support/offscreen.h"
+#include "support/table.h"
 
 namespace tavek {
 namespace {
@@ -85,18 +86,12 @@ TEST(StripLayout, StripRisesWithin120Milliseconds) {
 }
 
 TEST(StripLayout, LabelsTellSeasonAndEpisode) {
-  const struct {
-    int depth;
-    const char *poster, *label;
-  } cases[] = {{0, "/tv/Show/poster.jpg", ""},
-               {1, "/tv/Show/Specials/poster.jpg", "Season 0"},
-               {1, "/tv/Show/S02/poster.jpg", "Season 2"},
-               {1, "/tv/Show/Extras/poster.jpg", ""},
-               {2, "/tv/Show/Season 2/S02E05 Pilot.mkv", "Season 2, 05 Pilot"},
-               {2, "/tv/Show/Season 2/S02E05.mkv", "Season 2, 05"},
-               {2, "/tv/Show/Season 2/Pilot.mkv", ""},
-               {1, "/tv/Show/S01E03 Beside the Seasons.mkv", "Season 1, 03 Beside the Seasons"}};
-  for (const auto& c : cases) EXPECT_EQ(stripLabel(c.depth, c.poster), c.label) << c.poster;
+  for (const auto& [depth, poster, label] : test::table<3>(R"(
+      0 => /tv/Show/poster.jpg => ;; 1 => /tv/Show/Specials/poster.jpg => Season 0 ;; 1 => /tv/Show/Extras/poster.jpg =>
+      1 => /tv/Show/S02/poster.jpg => Season 2 ;; 2 => /tv/Show/Season 2/S02E05 Pilot.mkv => Season 2, 05 Pilot
+      2 => /tv/Show/Season 2/S02E05.mkv => Season 2, 05 ;; 2 => /tv/Show/Season 2/Pilot.mkv =>
+      1 => /tv/Show/S01E03 Beside the Seasons.mkv => Season 1, 03 Beside the Seasons)"))
+    EXPECT_EQ(stripLabel(std::stoi(depth), poster), label) << poster;
 }
 
 TEST(LetterBar, StartsAtTheSelectedName) {
@@ -133,6 +128,42 @@ TEST(Rooms, StoredRoomIsFound) {
   EXPECT_EQ(roomFor(rooms, (test::library.path() / "KIDS/x").string(), 1), 0U);
   EXPECT_EQ(roomFor({}, "tv", 0), 0U);
   EXPECT_EQ(roomLabel("/m/Series") + roomLabel("/m/Kids") + roomLabel("/"), "tvKidslibrary");
+}
+
+TEST(MusicLayout, LinesTellWhatIsKnown) {
+  const TrackInfo all{"Sun", "Ann", "Sky", "3", "1999", "Pop", "04:05"};
+  const std::tuple<std::optional<TrackInfo>, TrackLines> cases[] = {
+      {std::nullopt, {"07 Song", "", ""}},
+      {TrackInfo{}, {"07 Song", "", ""}},
+      {all, {"Sun", "Ann - Sky", "Track 3 | 04:05 | 1999"}},
+      {TrackInfo{"", "", "Sky", "3", "", "", "04:05"}, {"07 Song", "Sky", "Track 3 | 04:05"}},
+      {TrackInfo{"", "Ann", "", "", "1999", "", ""}, {"07 Song", "Ann", "1999"}},
+  };
+  for (const auto& [info, lines] : cases) EXPECT_EQ(trackLines("/media/music/07 Song.mp3", info), lines);
+}
+
+TEST(MusicLayout, ColumnHoldsTheCurrentTrackInItsMiddle) {
+  const struct {
+    SDL_Point window;
+    int edge, lineHeight;
+    std::size_t tracks, current;
+    SDL_Rect panel;
+    std::size_t first, rows;
+  } cases[] = {
+      {{1920, 1080}, 1080, 29, 3, 0, {1352, 925, 520, 107}, 0, 3},
+      {{1920, 1080}, 756, 29, 3, 0, {1352, 601, 520, 107}, 0, 3},
+      {{1920, 1080}, 1080, 96, 40, 0, {1352, 52, 520, 980}, 0, 10},
+      {{1920, 1080}, 1080, 96, 40, 20, {1352, 52, 520, 980}, 15, 10},
+      {{1920, 1080}, 1080, 96, 40, 39, {1352, 52, 520, 980}, 30, 10},
+      {{1920, 1080}, 756, 29, 40, 0, {1352, 48, 520, 977}, 0, 33},
+      {{470, 200}, 200, 18, 40, 1, {190, 20, 260, 164}, 0, 8},
+      {{400, 30}, 30, 18, 5, 2, {120, 20, 260, 20}, 2, 0},
+  };
+  for (const auto& c : cases) {
+    const ColumnLayout column = layoutColumn(c.window, c.edge, c.lineHeight, c.tracks, c.current);
+    EXPECT_EQ(column.panel, c.panel) << &c - cases;
+    EXPECT_EQ(std::pair(column.first, column.rows), std::pair(c.first, c.rows)) << &c - cases;
+  }
 }
 
 }  // namespace
