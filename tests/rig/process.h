@@ -1,9 +1,7 @@
 // Programs that a test starts, and the temporary folders in which they live. All waiting has a deadline.
 #pragma once
 
-#include <filesystem>
 #include <map>
-#include <string>
 #include <sys/types.h>
 #include <vector>
 
