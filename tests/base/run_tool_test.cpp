@@ -24,12 +24,7 @@ ToolCall shell(std::string script) {
 
 TEST(RunTool, GivesTheFirstTwelveBytesThatTheToolSaysAndHowItEnded) {
   using enum ToolEnd;
-  const struct {
-    const char *script, *input;
-    ToolEnd end;
-    int status;
-    const char* output;
-  } cases[] = {
+  const std::tuple<const char*, const char*, ToolEnd, int, const char*> cases[] = {
       {"printf 'a b\\n'; exit 3", "", Exited, 3, "a b\n"},
       {"cat", "", Exited, 0, ""},
       {"cat", "it's \"given\"", Exited, 0, "it's \"given\""},

@@ -26,20 +26,18 @@ std::string text(const UserDisc& disc) {
          std::to_string(disc.radius);
 }
 
+/// With the centre and radius of the first and the last one.
 TEST(HomeLayout, DiscsAreAsLargeAsTheirRowsAllow) {
-  const struct {
-    int users, width, height, rows;
-    const char *first, *last;  ///< centre and radius
-  } cases[] = {
+  const std::tuple<int, int, int, int, const char*, const char*> cases[] = {
       {1, 1920, 1080, 1, "960,540 360", "960,540 360"},  {2, 1920, 1080, 1, "534,540 360", "1386,540 360"},
       {5, 1920, 1080, 2, "392,324 185", "1386,756 185"}, {9, 1920, 1080, 2, "278,324 140", "1599,756 140"},
       {3, 1080, 1920, 3, "540,392 253", "540,1528 253"}, {40, 320, 240, 5, "55,56 8", "265,184 8"},
   };
-  for (const auto& c : cases) {
-    const HomeLayout layout = layoutHome(c.users, c.width, c.height);
-    EXPECT_EQ(layout.rows, c.rows) << c.users;
-    EXPECT_EQ(text(layout.discs.front()), c.first) << c.users;
-    EXPECT_EQ(text(layout.discs.back()), c.last) << c.users;
+  for (const auto& [users, width, height, rows, first, last] : cases) {
+    const HomeLayout layout = layoutHome(users, width, height);
+    EXPECT_EQ(layout.rows, rows) << users;
+    EXPECT_EQ(text(layout.discs.front()), first) << users;
+    EXPECT_EQ(text(layout.discs.back()), last) << users;
   }
   EXPECT_TRUE(layoutHome(0, 1920, 1080).discs.empty());
 }
@@ -66,12 +64,10 @@ TEST(StripLayout, SelectionStandsOutInItsSlot) {
 }
 
 TEST(StripLayout, ListScrollsUnderTheSelection) {
-  const struct {
-    int selected;
-    std::size_t count, scroll;
-  } cases[] = {{-1, 0, 0}, {10, 11, 0}, {5, 12, 0}, {6, 12, 1}, {11, 12, 1}, {50, 500, 45}, {499, 500, 489}};
-  for (const auto& c : cases)
-    EXPECT_EQ(stripScrollFor(c.selected, c.count), c.scroll) << c.selected << " of " << c.count;
+  const std::tuple<int, std::size_t, std::size_t> cases[] = {
+      {-1, 0, 0}, {10, 11, 0}, {5, 12, 0}, {6, 12, 1}, {11, 12, 1}, {50, 500, 45}, {499, 500, 489}};
+  for (const auto& [selected, count, scroll] : cases)
+    EXPECT_EQ(stripScrollFor(selected, count), scroll) << selected << " of " << count;
 }
 
 TEST(StripLayout, StripRisesWithin120Milliseconds) {
@@ -119,12 +115,11 @@ TEST(LetterBar, StartsAtTheSelectedName) {
 
 TEST(Rooms, StoredRoomIsFound) {
   const std::vector<fs::path> rooms{"/m/Kids", "/m/Movies", "/m/Series", "/m/music"};
-  const struct {
-    const char* hint;
-    std::size_t current, room;
-  } cases[] = {{"kids", 1, 0}, {"movies", 0, 1}, {"tv", 0, 2},        {"gone", 3, 3},
-               {"", 2, 2},     {"", 9, 1},       {"/m/Series/", 0, 2}};
-  for (const auto& c : cases) EXPECT_EQ(roomFor(rooms, c.hint, c.current), c.room) << c.hint << c.current;
+  const std::tuple<const char*, std::size_t, std::size_t> cases[] = {
+      {"kids", 1, 0}, {"movies", 0, 1}, {"tv", 0, 2},        {"gone", 3, 3},
+      {"", 2, 2},     {"", 9, 1},       {"/m/Series/", 0, 2}};
+  for (const auto& [hint, current, room] : cases)
+    EXPECT_EQ(roomFor(rooms, hint, current), room) << hint << current;
   EXPECT_EQ(roomFor(rooms, (test::library.path() / "KIDS/x").string(), 1), 0U);
   EXPECT_EQ(roomFor({}, "tv", 0), 0U);
   EXPECT_EQ(roomLabel("/m/Series") + roomLabel("/m/Kids") + roomLabel("/"), "tvKidslibrary");

@@ -116,29 +116,25 @@ class SaverTest : public testing::Test {
 };
 
 TEST_F(SaverTest, AKeyOnlyWakes) {
-  const struct {
-    const char* what;
-    std::function<void()> reach;
-    bool comes;
-  } states[] = {
+  const std::tuple<const char*, std::function<void()>, bool> states[] = {
       {"home", [&] { display.goHome(true); }, true},
       {"a film that runs", [&] { display.setVideoPlaying(true); }, false},
       {"a pause", [&] { display.setVideoPlaying(false), display.setVideoPaused(true); }, true},
       {"the strip", [&] { display.setVideoPlaying(false), display.showStrip(true); }, true},
       {"a song", [&] { display.alignWithItem(song), display.setVideoPlaying(true); }, true},
   };
-  for (const auto& state : states) {
-    SCOPED_TRACE(state.what);
+  for (const auto& [what, reach, comes] : states) {
+    SCOPED_TRACE(what);
     display.leaveHome();
     display.alignWithItem({});
-    state.reach();
+    reach();
     pass(milliseconds(10));
     const FocusName before = display.currentFocus();
     pass(milliseconds(299'000));
     EXPECT_EQ(display.currentFocus(), before);
     pass(milliseconds(2000));
-    EXPECT_EQ(display.currentFocus() == FocusName::Screensaver, state.comes);
-    if (!state.comes) continue;
+    EXPECT_EQ(display.currentFocus() == FocusName::Screensaver, comes);
+    if (!comes) continue;
     pass(milliseconds(250));
     EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None) << "a key that was held before";
     EXPECT_EQ(key(SDLK_RIGHT), NavCode::Wake);

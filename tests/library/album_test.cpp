@@ -35,9 +35,8 @@ class AlbumTest : public testing::Test {
 };
 
 TEST_F(AlbumTest, TagsAreReadByTheirVeryNameFirst) {
-  const struct {
-    const char *file, *tags, *told;  ///< title/artist/album/track/year/genre
-  } cases[] = {
+  // What is told: title/artist/album/track/year/genre.
+  const std::array<const char*, 3> cases[] = {
       {"a.flac",
        "-metadata TRACKTOTAL=9 -metadata track=03/12 -metadata album_artist=All -metadata album=Sky "
        "-metadata title=' Sun ' -metadata artist=Ann -metadata date=2004-05-12 -metadata genre=Pop",

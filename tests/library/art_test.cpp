@@ -64,9 +64,7 @@ TEST(Overview, IsReadOverItsEscapes) {
 
 /// What lies below the room, and what is found for Artist/Album/1.mp3, "-" standing for the album's folder.
 TEST(Backdrop, IsTheNearestOfTheFoldersAboveTheTrack) {
-  const struct {
-    const char *what, *files, *found;
-  } cases[] = {
+  const std::array<const char*, 3> cases[] = {
       {"none", "-/cover.jpg", ""},
       {"the nearer folder, in spite of its lesser name", "-/fanart.jpg|Artist/backdrop.png", "-/fanart.jpg"},
       {"names go first", "-/background.jpg|-/backdrop.png", "-/backdrop.png"},

@@ -28,33 +28,29 @@ int pop(PacketQueue& queue) {
 }
 
 TEST(MediaQueue, BlockedThreadsWakeUp) {
-  const struct {
-    const char* what;
-    void (*wake)(PacketQueue&);
-    bool taken;
-  } cases[] = {
+  const std::tuple<const char*, void (*)(PacketQueue&), bool> cases[] = {
       {"close", [](PacketQueue& q) { q.close(); }, false},
       {"clear", [](PacketQueue& q) { q.clear(); }, true},
       {"pop", [](PacketQueue& q) { pop(q); }, true},
       // By the rule within 50 ms; the rest is what a busy machine may take to run the threads again.
       {"a signal, which wakes nobody", [](PacketQueue&) { stopSignalled = true; }, false},
   };
-  for (const auto& c : cases) {
+  for (const auto& [what, wake, takes] : cases) {
     PacketQueue full({.count = 1}), empty({.count = 1});
     ASSERT_TRUE(push(full, 1));
-    bool taken = !c.taken;
+    bool taken = !takes;
     std::thread producer([&] { taken = push(full, 2); });
-    std::thread consumer([&] { EXPECT_EQ(pop(empty), -1) << c.what; });
+    std::thread consumer([&] { EXPECT_EQ(pop(empty), -1); });
     std::this_thread::sleep_for(milliseconds(70));
     const auto start = SteadyClock::now();
-    c.wake(full);
+    wake(full);
     if (!stopSignalled) empty.close();
     producer.join();
     consumer.join();
-    EXPECT_LT(SteadyClock::now() - start, milliseconds(150)) << c.what;
+    EXPECT_LT(SteadyClock::now() - start, milliseconds(150)) << what;
     stopSignalled = false;
-    EXPECT_EQ(taken, c.taken) << c.what;
-    EXPECT_EQ(pop(full), c.taken ? 2 : -1) << c.what;
+    EXPECT_EQ(taken, takes) << what;
+    EXPECT_EQ(pop(full), takes ? 2 : -1) << what;
   }
 }
 

@@ -97,13 +97,7 @@ TEST(Play, TakesItsTimeToTheEnd) {
       clip("-f lavfi -i testsrc=s=16x16:r=24:d=1 " + tone + "1 -c:v ffv1 -c:a pcm_s16le -ar 1 OUT", "avi");
   const std::string covered =
       clip(tone + "2 -f lavfi -i color=s=16x16:d=1:r=1 -c:v png -disposition:v:0 attached_pic OUT", "mp4");
-  const struct {
-    const char* what;
-    std::string path;
-    Sound sound;
-    int pictures;
-    double seconds;
-  } cases[] = {
+  const std::tuple<const char*, std::string, Sound, int, double> cases[] = {
       {"24 pictures a second", film("24", "2"), None, 48, 1.96},
       {"5 pictures a second", film("5", "3"), None, 15, 2.8},
       {"60 pictures a second", film("60", "2"), None, 120, 1.98},
@@ -118,15 +112,15 @@ TEST(Play, TakesItsTimeToTheEnd) {
       {"a song", song, Heard, 1, 3.0},
       {"a song without a device", song, Unheard, 1, 3.0},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.what);
-    Sitting sitting(c.path, c.sound);
+  for (const auto& [what, path, sound, pictures, length] : cases) {
+    SCOPED_TRACE(what);
+    Sitting sitting(path, sound);
     ASSERT_EQ(sitting.play.opening(), Play::Opening::Open);
     sitting.play.start(0);
     EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended);
-    EXPECT_EQ(sitting.pictures, c.pictures);
-    EXPECT_NEAR(sitting.playedSeconds, c.seconds, c.sound == None ? 0.05 : 0.3);
-    EXPECT_NEAR(double(sitting.play.positionUs()), c.seconds * 1e6, 100'000);
+    EXPECT_EQ(sitting.pictures, pictures);
+    EXPECT_NEAR(sitting.playedSeconds, length, sound == None ? 0.05 : 0.3);
+    EXPECT_NEAR(double(sitting.play.positionUs()), length * 1e6, 100'000);
     EXPECT_LE(sitting.longestTurn, milliseconds(50));
     EXPECT_EQ(sitting.play.heardUs(), 0);
     EXPECT_EQ(sitting.failure(), "");
@@ -155,18 +149,11 @@ void seeksAhead(Sitting& sitting) {
   sitting.play.requestSeek(1'250'000);
 }
 
-/// Three seconds, and what happens after the first.
+/// Three seconds, and what happens after the first; how much was heard then, -1 if the sound's thread may be
+/// anywhere, and at the end; and how often the device was opened.
 TEST(Play, KeepsItsPaceAndItsSound) {
   const std::string sounding = withSound("3", "3");
-  const struct {
-    const char* what;
-    std::string path;
-    Sound sound;
-    void (*happens)(Sitting&);
-    std::int64_t heardUs;  ///< after it; -1 if the sound's thread may be anywhere by then
-    double heardSeconds;   ///< at the end
-    int timesOpened;
-  } cases[] = {
+  const std::tuple<const char*, std::string, Sound, void (*)(Sitting&), std::int64_t, double, int> cases[] = {
       {"a pause without sound", film("24", "3"), None, pauses, 0, 0, 0},
       {"a pause without a device", sounding, Unheard, pauses, 0, 0, 0},
       {"a pause", sounding, Heard, pauses, 1'000'000, 3, 1},
@@ -176,20 +163,20 @@ TEST(Play, KeepsItsPaceAndItsSound) {
       {"the strip", sounding, Heard, givesItsDeviceAwayInAPause, 0, 3, 2},
       {"the device goes", sounding, Heard, losesItsDevice, 0, 1.5, 1},
   };
-  for (const auto& c : cases) {
-    Sitting sitting(c.path, c.sound);
+  for (const auto& [what, path, sound, happens, heardUs, heardSeconds, timesOpened] : cases) {
+    Sitting sitting(path, sound);
     sitting.play.start(0);
     sitting.run(seconds(1));
     if (sitting.play.sound() != nullptr) sitting.play.sound()->adjustVolume(-1);
-    c.happens(sitting);
-    const double heardUs = c.heardUs < 0 ? -1 : double(sitting.play.heardUs());
-    EXPECT_NEAR(heardUs, double(c.heardUs), c.heardUs > 0 ? 200'000 : 0) << c.what;
+    happens(sitting);
+    const double heard = heardUs < 0 ? -1 : double(sitting.play.heardUs());
+    EXPECT_NEAR(heard, double(heardUs), heardUs > 0 ? 200'000 : 0) << what;
     if (sitting.play.paused()) sitting.play.resume();
-    EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended) << c.what;
-    EXPECT_NEAR(sitting.playedSeconds, 3, c.sound == None ? 0.06 : 0.3) << c.what;
-    EXPECT_NEAR(double(sitting.card.heard().size()) / 44100 / 2, c.heardSeconds, 0.2) << c.what;
-    EXPECT_EQ(sitting.card.timesOpened(), c.timesOpened) << c.what;
-    EXPECT_EQ(sitting.failure(), "") << c.what;
+    EXPECT_EQ(sitting.run(seconds(20)), Play::Turn::Ended) << what;
+    EXPECT_NEAR(sitting.playedSeconds, 3, sound == None ? 0.06 : 0.3) << what;
+    EXPECT_NEAR(double(sitting.card.heard().size()) / 44100 / 2, heardSeconds, 0.2) << what;
+    EXPECT_EQ(sitting.card.timesOpened(), timesOpened) << what;
+    EXPECT_EQ(sitting.failure(), "") << what;
   }
 }
 
@@ -237,13 +224,7 @@ TEST(Play, GetsOverDamageOrFailsAsAnItem) {
   const std::string odd =
       clip("-f rawvideo -pix_fmt uyyvyy411 -s 16x16 -i /dev/zero -frames:v 9 -c copy -tag:v Y411 OUT", "avi");
   const std::string invalid = "FFmpeg: Invalid data found when processing input";
-  const struct {
-    const char* what;
-    std::string path;
-    bool opens;
-    int fewestPictures, mostPictures;
-    std::string error;  ///< its beginning
-  } cases[] = {
+  const std::tuple<const char*, std::string, bool, int, int, std::string> cases[] = {
       {"two pictures", damagedFilm(folder.path(), 20, 320, 300), true, 334, 334, ""},
       {"nine seconds", damagedFilm(folder.path(), 48, 263), true, 120, 120, ""},
       {"eleven seconds", damagedFilm(folder.path(), 47, 310), true, 0, 48, invalid},
@@ -252,15 +233,15 @@ TEST(Play, GetsOverDamageOrFailsAsAnItem) {
       {"no file", "/none.mkv", false, 0, 0, "FFmpeg: No such file"},
       {"no medium", "/etc/passwd", false, 0, 0, invalid},
   };
-  for (const auto& c : cases) {
-    Sitting sitting(c.path);
-    ASSERT_EQ(sitting.play.opening(), c.opens ? Play::Opening::Open : Play::Opening::Failed) << c.what;
-    if (c.opens) sitting.play.start(0);
-    EXPECT_TRUE(!c.opens || sitting.run(seconds(60)) == Play::Turn::Ended) << c.what;
-    EXPECT_GE(sitting.pictures, c.fewestPictures) << c.what;
-    EXPECT_LE(sitting.pictures, c.mostPictures) << c.what;
-    EXPECT_EQ(sitting.failure().substr(0, c.error.size()), c.error) << c.what << ": " << sitting.failure();
-    EXPECT_EQ(sitting.failure().empty(), c.error.empty()) << c.what;
+  for (const auto& [what, path, opens, fewestPictures, mostPictures, error] : cases) {
+    Sitting sitting(path);
+    ASSERT_EQ(sitting.play.opening(), opens ? Play::Opening::Open : Play::Opening::Failed) << what;
+    if (opens) sitting.play.start(0);
+    EXPECT_TRUE(!opens || sitting.run(seconds(60)) == Play::Turn::Ended) << what;
+    EXPECT_GE(sitting.pictures, fewestPictures) << what;
+    EXPECT_LE(sitting.pictures, mostPictures) << what;
+    EXPECT_EQ(sitting.failure().substr(0, error.size()), error) << what << ": " << sitting.failure();
+    EXPECT_EQ(sitting.failure().empty(), error.empty()) << what;
   }
 }
 

@@ -57,14 +57,7 @@ TEST(AudioOutput, TheDeviceHearsTheSourceAtItsRate) {
   // After the first volume, which lifts the peak to 32760 but no further than 12 dB.
   using enum SoundMode;
   const std::vector<int> six{5460, 10920, 16380, 21840, 27300, 32760};
-  const struct {
-    const char* layout;
-    AVSampleFormat format;
-    int rate;
-    SoundMode mode;
-    int mostChannels;
-    std::vector<int> frame;
-  } cases[] = {
+  const std::tuple<const char*, AVSampleFormat, int, SoundMode, int, std::vector<int>> cases[] = {
       {"mono", AV_SAMPLE_FMT_S16, 44100, Surround, 6, {14075, 14075}},
       {"5.1", AV_SAMPLE_FMT_FLT, 48000, Surround, 6, six},
       {"5.1(side)", AV_SAMPLE_FMT_FLTP, 44100, Auto, 6, six},
@@ -72,21 +65,21 @@ TEST(AudioOutput, TheDeviceHearsTheSourceAtItsRate) {
       {"5.1", AV_SAMPLE_FMT_FLTP, 48000, Stereo, 6, {26074, 32760}},
       {"5.1", AV_SAMPLE_FMT_FLTP, 48000, Surround, 2, {26074, 32760}},
   };
-  for (const auto& c : cases) {
-    Playing playing(test::parametersOf(c.layout, c.format, c.rate), c.mode);
-    playing.sound.setMostChannels(c.mostChannels);
+  for (const auto& [layout, format, rate, mode, mostChannels, frame] : cases) {
+    Playing playing(test::parametersOf(layout, format, rate), mode);
+    playing.sound.setMostChannels(mostChannels);
     playing.open();
     playing.output->write(test::frameOf(*playing.parameters, 5000, 5000).get());
-    const auto other = test::parametersOf("3.0", AV_SAMPLE_FMT_FLTP, c.rate);
+    const auto other = test::parametersOf("3.0", AV_SAMPLE_FMT_FLTP, rate);
     playing.output->write(test::frameOf(*other, 5000, 5000).get());
     playing.output.reset();
-    EXPECT_EQ(playing.sound.wish().rate, c.rate);
-    EXPECT_EQ(playing.sound.wish().strict, c.mode == Auto);
+    EXPECT_EQ(playing.sound.wish().rate, rate);
+    EXPECT_EQ(playing.sound.wish().strict, mode == Auto);
     const auto heard = playing.sound.heard();
-    const std::size_t samples = static_cast<std::size_t>(c.rate / 50) * c.frame.size();
-    ASSERT_EQ(heard.size(), 2 * samples) << c.layout << ": a decoder may change its mind";
+    const std::size_t samples = static_cast<std::size_t>(rate / 50) * frame.size();
+    ASSERT_EQ(heard.size(), 2 * samples) << layout << ": a decoder may change its mind";
     for (std::size_t i = 0; i < samples; ++i)
-      ASSERT_NEAR(heard[i], c.frame[i % c.frame.size()], 4) << c.layout << " sample " << i;
+      ASSERT_NEAR(heard[i], frame[i % frame.size()], 4) << layout << " sample " << i;
   }
 }
 

@@ -10,23 +10,17 @@ namespace {
 
 TEST(Texture, IsSmoothedButAtWholeMultiples) {
   constexpr auto Nearest = SDL_ScaleModeNearest, Linear = SDL_ScaleModeLinear, Best = SDL_ScaleModeBest;
-  const struct {
-    SDL_Point size, shown;
-    SDL_ScaleMode hinted, mode;
-  } cases[] = {{{1920, 1080}, {1920, 1080}, Best, Nearest}, {{960, 540}, {1920, 1080}, Nearest, Nearest},
-               {{960, 540}, {1920, 1080}, Best, Best},      {{1280, 720}, {1920, 1080}, Nearest, Linear},
-               {{720, 576}, {1440, 1080}, Nearest, Linear}, {{3840, 2160}, {1920, 1080}, Nearest, Linear},
-               {{1280, 720}, {1920, 1080}, Best, Best},     {{0, 0}, {100, 100}, Nearest, Linear}};
-  for (const auto& c : cases)
-    EXPECT_EQ(scaleModeFor(c.size, c.shown, c.hinted), c.mode) << c.size.x << " to " << c.shown.x;
+  const std::tuple<SDL_Point, SDL_Point, SDL_ScaleMode, SDL_ScaleMode> cases[] = {
+      {{1920, 1080}, {1920, 1080}, Best, Nearest}, {{960, 540}, {1920, 1080}, Nearest, Nearest},
+      {{960, 540}, {1920, 1080}, Best, Best},      {{1280, 720}, {1920, 1080}, Nearest, Linear},
+      {{720, 576}, {1440, 1080}, Nearest, Linear}, {{3840, 2160}, {1920, 1080}, Nearest, Linear},
+      {{1280, 720}, {1920, 1080}, Best, Best},     {{0, 0}, {100, 100}, Nearest, Linear}};
+  for (const auto& [size, shown, hinted, mode] : cases)
+    EXPECT_EQ(scaleModeFor(size, shown, hinted), mode) << size.x << " to " << shown.x;
 }
 
 TEST(FittedTo, FillsItsAreaOrLiesInItAndIsNeverEnlarged) {
-  const struct {
-    SDL_Point picture, area;
-    Fit fit;
-    SDL_Point fitted;
-  } cases[] = {
+  const std::tuple<SDL_Point, SDL_Point, Fit, SDL_Point> cases[] = {
       {{200, 100}, {50, 50}, Fit::Cover, {100, 50}}, {{200, 100}, {50, 50}, Fit::Inside, {50, 25}},
       {{100, 200}, {50, 50}, Fit::Cover, {50, 100}}, {{200, 100}, {300, 100}, Fit::Cover, {200, 100}},
       {{200, 100}, {0, 0}, Fit::Inside, {1, 1}},

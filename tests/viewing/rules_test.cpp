@@ -59,13 +59,10 @@ TEST(HeldVolume, StepsAtThePressAndEach150Milliseconds) {
 }
 
 TEST(HeldVolume, FillsTheBarUpToTheCeiling) {
-  const struct {
-    double volume, ceiling;
-    int percent;
-  } cases[] = {{-60, 0, 0}, {-30, 0, 50},  {0, 0, 100},      {6, 12, 92},
-               {3, 0, 100}, {-60, -60, 0}, {-59.9, -60, 100}};
-  for (const auto& c : cases)
-    EXPECT_EQ(volumePercent(c.volume, c.ceiling), c.percent) << c.volume << " of " << c.ceiling;
+  const std::tuple<double, double, int> cases[] = {{-60, 0, 0}, {-30, 0, 50},  {0, 0, 100},      {6, 12, 92},
+                                                   {3, 0, 100}, {-60, -60, 0}, {-59.9, -60, 100}};
+  for (const auto& [volume, ceiling, percent] : cases)
+    EXPECT_EQ(volumePercent(volume, ceiling), percent) << volume << " of " << ceiling;
 }
 
 }  // namespace
