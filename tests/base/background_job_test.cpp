@@ -1,22 +1,14 @@
 #include "base/background_job.h"
 
-#include <atomic>
-#include <stdexcept>
-
 #include <gtest/gtest.h>
+
+#include "support/wait.h"
 
 namespace tavek {
 namespace {
 
 using std::chrono::milliseconds;
 using SystemClock = std::chrono::steady_clock;
-
-template <typename Question>
-bool soon(Question question) {
-  const auto end = SystemClock::now() + milliseconds(5000);
-  while (!question() && SystemClock::now() < end) std::this_thread::sleep_for(milliseconds(1));
-  return question();
-}
 
 TEST(BackgroundJob, HandsMessagesOverInTheirOrder) {
   BackgroundJob<int> job;
@@ -26,7 +18,7 @@ TEST(BackgroundJob, HandsMessagesOverInTheirOrder) {
     for (int i = 1; i <= 3; ++i) side.post(i);
     throw std::runtime_error("the mailbox stays");
   });
-  ASSERT_TRUE(soon([&] { return !job.running(); }));
+  ASSERT_TRUE(test::waitUntil(5, [&] { return !job.running(); }));
   EXPECT_EQ(job.waiting(), 3U);
   for (int i = 1; i <= 3; ++i) EXPECT_EQ(job.take(), i);
   EXPECT_EQ(job.take(), std::nullopt);

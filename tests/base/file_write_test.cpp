@@ -1,8 +1,5 @@
 #include "base/file_write.h"
 
-#include <fstream>
-#include <tuple>
-
 #include <gtest/gtest.h>
 
 #include "support/temp_folder.h"
@@ -11,28 +8,20 @@ namespace tavek {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string contentOf(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void write(const fs::path& file, const char* text) {
-  std::ofstream(file) << text;
-}
+using namespace test;
 
 TEST(ReplaceFile, KeepsModesAndLinks) {
-  const test::TempFolder temp;
+  const TempFolder temp;
   const fs::path folder = temp.path() / "deep";
   const std::tuple<const char*, const char*, std::optional<mode_t>, mode_t> cases[] = {
-      {"file", "a longer text", 0600, 0600},
+      {"file", "longer", 0600, 0600},
       {"file", "kept", {}, 0600},
       {"link", "", 0640, 0640},
       {"link", "last", {}, 0640}};
   for (const auto& [name, bytes, mode, wanted] : cases) {
     EXPECT_TRUE(replaceFile(folder / name, bytes, mode));
     EXPECT_EQ(static_cast<mode_t>(fs::status(folder / "file").permissions()), wanted) << bytes;
-    EXPECT_EQ(contentOf(folder / "file"), bytes);
+    EXPECT_EQ(readText(folder / "file"), bytes);
     if (!fs::exists(folder / "link")) fs::create_symlink("file", folder / "link");
     EXPECT_TRUE(fs::is_symlink(folder / "link")) << bytes;
   }
@@ -41,18 +30,17 @@ TEST(ReplaceFile, KeepsModesAndLinks) {
 }
 
 TEST(RenameNoReplace, NeverTakesAName) {
-  const test::TempFolder temp;
+  const TempFolder temp;
   const auto at = [&](const char* name) { return temp.path() / name; };
-  write(at("a"), "a");
-  write(at("b"), "b");
+  writeText(at("a"), "a");
+  writeText(at("b"), "b");
   fs::create_symlink("nowhere", at("link"));
-  EXPECT_FALSE(renameNoReplace(at("a"), at("b")));
-  EXPECT_FALSE(renameNoReplace(at("a"), at("link")));
+  for (const char* taken : {"b", "link"}) EXPECT_FALSE(renameNoReplace(at("a"), at(taken))) << taken;
   EXPECT_FALSE(renameNoReplace(at("gone"), at("c")));
-  EXPECT_EQ(contentOf(at("a")) + contentOf(at("b")), "ab");
+  EXPECT_EQ(readText(at("a")) + readText(at("b")), "ab");
   EXPECT_TRUE(renameNoReplace(at("a"), at("c")));
   EXPECT_FALSE(fs::exists(at("a")));
-  EXPECT_EQ(contentOf(at("c")), "a");
+  EXPECT_EQ(readText(at("c")), "a");
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <csignal>
 #include <fcntl.h>
-#include <fstream>
 #include <thread>
 #include <unistd.h>
 
@@ -24,29 +23,23 @@ ToolCall shell(std::string script) {
 }
 
 TEST(RunTool, GivesTheFirstTwelveBytesThatTheToolSaysAndHowItEnded) {
-  const struct {
-    const char* script;
-    const char* input;
-    ToolEnd end;
-    int status;
-    const char* output;
-  } cases[] = {
-      {"printf 'a b\\n'; exit 3", "", ToolEnd::Exited, 3, "a b\n"},
-      {"cat", "", ToolEnd::Exited, 0, ""},
-      {"cat", "it's \"given\"", ToolEnd::Exited, 0, "it's \"given\""},
-      {"exit 0", "nobody reads this", ToolEnd::Exited, 0, ""},
-      {"echo lost >&2; exec >&-; sleep 0.1; exit 4", "", ToolEnd::Exited, 4, ""},
-      {"printf 'twelve bytes'; head -c 3000000 /dev/zero", "", ToolEnd::Exited, 0, "twelve bytes"},
-      {"kill -SEGV $$", "", ToolEnd::Killed, -1, ""},
+  using enum ToolEnd;
+  const std::tuple<const char*, const char*, ToolEnd, int, const char*> cases[] = {
+      {"printf 'a b\\n'; exit 3", "", Exited, 3, "a b\n"},
+      {"cat", "", Exited, 0, ""},
+      {"cat", "it's \"given\"", Exited, 0, "it's \"given\""},
+      {"exit 0", "nobody reads this", Exited, 0, ""},
+      {"echo lost >&2; exec >&-; sleep 0.1; exit 4", "", Exited, 4, ""},
+      {"printf 'twelve bytes'; head -c 3000000 /dev/zero", "", Exited, 0, "twelve bytes"},
+      {"kill -SEGV $$", "", Killed, -1, ""},
   };
-  for (const auto& c : cases) {
-    ToolCall call = shell(c.script);
-    call.input = c.input;
+  for (const auto& [script, input, end, status, output] : cases) {
+    ToolCall call = shell(script);
+    call.input = input;
     call.outputLimit = 12;
     const ToolResult result = runTool(call, never);
-    EXPECT_EQ(result.end, c.end) << c.script;
-    EXPECT_EQ(result.status, c.status) << c.script;
-    EXPECT_EQ(result.output, c.output) << c.script;
+    EXPECT_TRUE(result.end == end && result.status == status) << script << ": " << result.status;
+    EXPECT_EQ(result.output, output) << script;
   }
   EXPECT_EQ(runTool({.arguments = {"/no/such/tool"}}, never).end, ToolEnd::NotStarted);
   EXPECT_EQ(runTool({}, never).end, ToolEnd::NotStarted);
@@ -61,14 +54,10 @@ TEST(RunTool, EndsAtItsDeadlineAndWhenItIsStopped) {
     ToolCall call = shell(stubborn);
     call.deadline = milliseconds(byFlag ? 60'000 : 150);
     Flag stop;
-    std::thread stopper([&] {
-      std::this_thread::sleep_for(milliseconds(150));
-      stop = byFlag;
-    });
+    const std::jthread stopper([&] { std::this_thread::sleep_for(milliseconds(150)), stop = byFlag; });
     const auto start = SystemClock::now();
     EXPECT_EQ(runTool(call, stop).end, ToolEnd::Killed) << byFlag;
     EXPECT_LT(SystemClock::now() - start, milliseconds(500)) << byFlag;
-    stopper.join();
   }
   std::this_thread::sleep_for(milliseconds(800));
   EXPECT_FALSE(fs::exists(mark));
@@ -90,8 +79,7 @@ TEST(RunTool, InheritsNeitherDescriptorsNorIgnoredSignals) {
 
 TEST(ToolPath, LooksInTheGivenFolderFirst) {
   const test::TempFolder temp;
-  std::ofstream(temp.path() / "plain").flush();
-  std::ofstream(temp.path() / "tool").flush();
+  for (const char* name : {"plain", "tool"}) test::writeText(temp.path() / name, "");
   fs::permissions(temp.path() / "tool", fs::perms::owner_all);
   setenv("TAVEK_TOOL_DIR", temp.path().c_str(), 1);
   EXPECT_EQ(toolPath("tool", {"/bin/sh"}), (temp.path() / "tool").string());

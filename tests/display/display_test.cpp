@@ -1,10 +1,5 @@
 #include "display/display.h"
 
-#include <array>
-#include <cstdlib>
-#include <thread>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 #include "base/background_job.h"
@@ -78,16 +73,11 @@ TEST_F(DisplayTest, ShowsThePictureInItsProportions) {
 
 /// Pure red and pure green in each matrix, through GL and without.
 TEST_F(DisplayTest, ShowsColoursByTheirMatrix) {
-  const struct {
-    PictureColours colours;
-    std::array<std::uint8_t, 3> yuv;
-    Colour shown;
-  } cases[] = {
-      {PictureColours::Bt601, {81, 90, 240}, rgba(255, 0, 0)},
-      {PictureColours::Bt601, {145, 54, 34}, rgba(0, 255, 0)},
-      {PictureColours::Bt601Full, {76, 85, 255}, rgba(255, 0, 0)},
-      {PictureColours::Bt709, {63, 102, 240}, rgba(255, 0, 0)},
-      {PictureColours::Bt709, {173, 42, 26}, rgba(0, 255, 0)},
+  using enum PictureColours;
+  const std::tuple<PictureColours, std::array<int, 3>, Colour> cases[] = {
+      {Bt601, {81, 90, 240}, rgba(255, 0, 0)},     {Bt601, {145, 54, 34}, rgba(0, 255, 0)},
+      {Bt601Full, {76, 85, 255}, rgba(255, 0, 0)}, {Bt709, {63, 102, 240}, rgba(255, 0, 0)},
+      {Bt709, {173, 42, 26}, rgba(0, 255, 0)},
   };
   for (const char* driver : {"opengles2", "software"}) {
     SDL_setenv("SDL_RENDER_DRIVER", driver, 1);
@@ -95,20 +85,19 @@ TEST_F(DisplayTest, ShowsColoursByTheirMatrix) {
     SDL_RendererInfo info{};
     SDL_GetRendererInfo(display->renderer(), &info);
     EXPECT_STREQ(info.name, driver);
-    for (const auto& c : cases) {
-      const std::vector<std::uint8_t> planes[] = {std::vector<std::uint8_t>(64 * 36, c.yuv[0]),
-                                                  std::vector<std::uint8_t>(32 * 18, c.yuv[1]),
-                                                  std::vector<std::uint8_t>(32 * 18, c.yuv[2])};
-      display->presentFrame({.planes = {planes[0].data(), planes[1].data(), planes[2].data()},
+    for (const auto& [colours, yuv, shown] : cases) {
+      std::string planes;
+      for (const int sample : yuv) planes += std::string(64 * 36, static_cast<char>(sample));
+      const auto* data = reinterpret_cast<const std::uint8_t*>(planes.data());
+      display->presentFrame({.planes = {data, data + 64 * 36, data + 2 * 64 * 36},
                              .pitches = {64, 32, 32},
                              .width = 64,
                              .height = 36,
-                             .colours = c.colours},
+                             .colours = colours},
                             -1);
       const Colour seen = test::pixelAt(display->renderer(), width / 2, height / 2);
-      for (const auto channel : {redOf, greenOf, blueOf}) {
-        EXPECT_NEAR(channel(seen), channel(c.shown), 4) << driver << " " << static_cast<int>(c.colours);
-      }
+      for (const auto channel : {redOf, greenOf, blueOf})
+        EXPECT_NEAR(channel(seen), channel(shown), 4) << driver << " " << static_cast<int>(colours);
     }
   }
   unsetenv("SDL_RENDER_DRIVER");
@@ -124,17 +113,17 @@ TEST_F(DisplayTest, TurnsThePictureOnly) {
 TEST_F(DisplayTest, FadesInAndLeavesNoBlendingBehind) {
   const auto display = make();
   const Picture picture(320, 180);
+  const auto shownAfter = [&](Uint32 ms) {
+    SDL_Delay(ms);
+    display->presentFrame(picture.view(), -1);
+    return red(*display, 100, 100);
+  };
   display->startVideoFadeIn();
-  display->presentFrame(picture.view(), -1);
-  EXPECT_LT(red(*display, 100, 100), 120);
-  std::this_thread::sleep_for(std::chrono::milliseconds(520));
-  display->presentFrame(picture.view(), -1);
-  display->presentFrame(picture.view(), -1);
-  EXPECT_GT(red(*display, 100, 100), 240);
+  EXPECT_LT(shownAfter(0), 120);
+  shownAfter(520);
+  EXPECT_GT(shownAfter(0), 240);
   display->startVideoFadeOut();
-  std::this_thread::sleep_for(std::chrono::milliseconds(520));
-  display->presentFrame(picture.view(), -1);
-  EXPECT_EQ(red(*display, 100, 100), 0);
+  EXPECT_EQ(shownAfter(520), 0);
 }
 
 /// One that nobody sees has to be named.
@@ -160,30 +149,29 @@ TEST(PicturePlace, LiesByOrientationAndShape) {
   const struct {
     Orientation orientation;
     SDL_Point window, frame;
-    double aspect;
     SDL_Rect rect;
     int angle;
+    double aspect = 1;
   } cases[] = {
-      {OrientationAuto, {1920, 1080}, {1280, 720}, 1.0, {0, 0, 1920, 1080}, 0},
-      {OrientationAuto, {1920, 1080}, {720, 576}, 16.0 / 15, {240, 0, 1440, 1080}, 0},
-      {OrientationAuto, {1920, 1080}, {1920, 800}, 1.0, {0, 140, 1920, 800}, 0},
-      {OrientationAuto, {1920, 1080}, {1080, 1920}, 1.0, {420, -420, 1080, 1920}, 90},
-      {OrientationAuto, {1080, 1920}, {1920, 1080}, 1.0, {-420, 420, 1920, 1080}, 90},
-      {OrientationAuto, {1080, 1920}, {1080, 1920}, 1.0, {0, 0, 1080, 1920}, 0},
-      {OrientationAuto, {1000, 2000}, {1000, 500}, 1.0, {-500, 500, 2000, 1000}, 90},
-      {OrientationAuto, {1000, 2000}, {1200, 900}, 1.0, {-166, 499, 1333, 1000}, 90},
-      {OrientationLandscape, {1920, 1080}, {1080, 1920}, 1.0, {656, 0, 607, 1080}, 0},
-      {Orientation0, {1080, 1920}, {1920, 1080}, 1.0, {0, 656, 1080, 607}, 0},
-      {OrientationPortrait, {1920, 1080}, {1920, 1080}, 1.0, {419, 236, 1080, 607}, 90},
-      {Orientation270, {1080, 1920}, {1920, 1080}, 1.0, {-420, 420, 1920, 1080}, 270},
-      {Orientation180, {1920, 1080}, {1920, 1080}, 1.0, {0, 0, 1920, 1080}, 180},
-      {OrientationAuto, {0, 0}, {1920, 1080}, 1.0, {0, 0, 0, 0}, 0},
+      {OrientationAuto, {1920, 1080}, {1280, 720}, {0, 0, 1920, 1080}, 0},
+      {OrientationAuto, {1920, 1080}, {720, 576}, {240, 0, 1440, 1080}, 0, 16.0 / 15},
+      {OrientationAuto, {1920, 1080}, {1920, 800}, {0, 140, 1920, 800}, 0},
+      {OrientationAuto, {1920, 1080}, {1080, 1920}, {420, -420, 1080, 1920}, 90},
+      {OrientationAuto, {1080, 1920}, {1920, 1080}, {-420, 420, 1920, 1080}, 90},
+      {OrientationAuto, {1080, 1920}, {1080, 1920}, {0, 0, 1080, 1920}, 0},
+      {OrientationAuto, {1000, 2000}, {1000, 500}, {-500, 500, 2000, 1000}, 90},
+      {OrientationAuto, {1000, 2000}, {1200, 900}, {-166, 499, 1333, 1000}, 90},
+      {OrientationLandscape, {1920, 1080}, {1080, 1920}, {656, 0, 607, 1080}, 0},
+      {Orientation0, {1080, 1920}, {1920, 1080}, {0, 656, 1080, 607}, 0},
+      {OrientationPortrait, {1920, 1080}, {1920, 1080}, {419, 236, 1080, 607}, 90},
+      {Orientation270, {1080, 1920}, {1920, 1080}, {-420, 420, 1920, 1080}, 270},
+      {Orientation180, {1920, 1080}, {1920, 1080}, {0, 0, 1920, 1080}, 180},
+      {OrientationAuto, {0, 0}, {1920, 1080}, {0, 0, 0, 0}, 0},
   };
   for (const auto& c : cases) {
     const PicturePlace place = placePicture(c.orientation, c.window, c.frame, c.aspect);
     EXPECT_TRUE(place.rect == c.rect && place.angle == c.angle)
-        << "case " << &c - cases << ": " << place.rect.x << ' ' << place.rect.y << ' ' << place.rect.w << ' '
-        << place.rect.h << " at " << place.angle;
+        << "case " << &c - cases << ": " << testing::PrintToString(place.rect) << " at " << place.angle;
   }
 }
 

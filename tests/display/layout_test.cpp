@@ -1,14 +1,15 @@
-// Where the discs and posters lie, and what their labels say.
-#include <vector>
+// Where discs, posters and tracks lie, and what their labels say.
 
 #include <gtest/gtest.h>
 
 #include "display/home/home_layout.h"
 #include "display/home/rooms.h"
+#include "display/music/music_layout.h"
 #include "display/strip/letter_bar.h"
 #include "display/strip/strip_layout.h"
 #include "support/media_root.h"
 #include "support/offscreen.h"
+#include "support/table.h"
 
 namespace tavek {
 namespace {
@@ -25,20 +26,18 @@ std::string text(const UserDisc& disc) {
          std::to_string(disc.radius);
 }
 
+/// With the centre and radius of the first and the last one.
 TEST(HomeLayout, DiscsAreAsLargeAsTheirRowsAllow) {
-  const struct {
-    int users, width, height, rows;
-    const char *first, *last;  ///< centre and radius
-  } cases[] = {
+  const std::tuple<int, int, int, int, const char*, const char*> cases[] = {
       {1, 1920, 1080, 1, "960,540 360", "960,540 360"},  {2, 1920, 1080, 1, "534,540 360", "1386,540 360"},
       {5, 1920, 1080, 2, "392,324 185", "1386,756 185"}, {9, 1920, 1080, 2, "278,324 140", "1599,756 140"},
       {3, 1080, 1920, 3, "540,392 253", "540,1528 253"}, {40, 320, 240, 5, "55,56 8", "265,184 8"},
   };
-  for (const auto& c : cases) {
-    const HomeLayout layout = layoutHome(c.users, c.width, c.height);
-    EXPECT_EQ(layout.rows, c.rows) << c.users;
-    EXPECT_EQ(text(layout.discs.front()), c.first) << c.users;
-    EXPECT_EQ(text(layout.discs.back()), c.last) << c.users;
+  for (const auto& [users, width, height, rows, first, last] : cases) {
+    const HomeLayout layout = layoutHome(users, width, height);
+    EXPECT_EQ(layout.rows, rows) << users;
+    EXPECT_EQ(text(layout.discs.front()), first) << users;
+    EXPECT_EQ(text(layout.discs.back()), last) << users;
   }
   EXPECT_TRUE(layoutHome(0, 1920, 1080).discs.empty());
 }
@@ -65,12 +64,10 @@ TEST(StripLayout, SelectionStandsOutInItsSlot) {
 }
 
 TEST(StripLayout, ListScrollsUnderTheSelection) {
-  const struct {
-    int selected;
-    std::size_t count, scroll;
-  } cases[] = {{-1, 0, 0}, {10, 11, 0}, {5, 12, 0}, {6, 12, 1}, {11, 12, 1}, {50, 500, 45}, {499, 500, 489}};
-  for (const auto& c : cases)
-    EXPECT_EQ(stripScrollFor(c.selected, c.count), c.scroll) << c.selected << " of " << c.count;
+  const std::tuple<int, std::size_t, std::size_t> cases[] = {
+      {-1, 0, 0}, {10, 11, 0}, {5, 12, 0}, {6, 12, 1}, {11, 12, 1}, {50, 500, 45}, {499, 500, 489}};
+  for (const auto& [selected, count, scroll] : cases)
+    EXPECT_EQ(stripScrollFor(selected, count), scroll) << selected << " of " << count;
 }
 
 TEST(StripLayout, StripRisesWithin120Milliseconds) {
@@ -85,18 +82,12 @@ TEST(StripLayout, StripRisesWithin120Milliseconds) {
 }
 
 TEST(StripLayout, LabelsTellSeasonAndEpisode) {
-  const struct {
-    int depth;
-    const char *poster, *label;
-  } cases[] = {{0, "/tv/Show/poster.jpg", ""},
-               {1, "/tv/Show/Specials/poster.jpg", "Season 0"},
-               {1, "/tv/Show/S02/poster.jpg", "Season 2"},
-               {1, "/tv/Show/Extras/poster.jpg", ""},
-               {2, "/tv/Show/Season 2/S02E05 Pilot.mkv", "Season 2, 05 Pilot"},
-               {2, "/tv/Show/Season 2/S02E05.mkv", "Season 2, 05"},
-               {2, "/tv/Show/Season 2/Pilot.mkv", ""},
-               {1, "/tv/Show/S01E03 Beside the Seasons.mkv", "Season 1, 03 Beside the Seasons"}};
-  for (const auto& c : cases) EXPECT_EQ(stripLabel(c.depth, c.poster), c.label) << c.poster;
+  for (const auto& [depth, poster, label] : test::table<3>(R"(
+      0 => /tv/Show/poster.jpg => ;; 1 => /tv/Show/Specials/poster.jpg => Season 0 ;; 1 => /tv/Show/Extras/poster.jpg =>
+      1 => /tv/Show/S02/poster.jpg => Season 2 ;; 2 => /tv/Show/Season 2/S02E05 Pilot.mkv => Season 2, 05 Pilot
+      2 => /tv/Show/Season 2/S02E05.mkv => Season 2, 05 ;; 2 => /tv/Show/Season 2/Pilot.mkv =>
+      1 => /tv/Show/S01E03 Beside the Seasons.mkv => Season 1, 03 Beside the Seasons)"))
+    EXPECT_EQ(stripLabel(std::stoi(depth), poster), label) << poster;
 }
 
 TEST(LetterBar, StartsAtTheSelectedName) {
@@ -124,15 +115,50 @@ TEST(LetterBar, StartsAtTheSelectedName) {
 
 TEST(Rooms, StoredRoomIsFound) {
   const std::vector<fs::path> rooms{"/m/Kids", "/m/Movies", "/m/Series", "/m/music"};
-  const struct {
-    const char* hint;
-    std::size_t current, room;
-  } cases[] = {{"kids", 1, 0}, {"movies", 0, 1}, {"tv", 0, 2},        {"gone", 3, 3},
-               {"", 2, 2},     {"", 9, 1},       {"/m/Series/", 0, 2}};
-  for (const auto& c : cases) EXPECT_EQ(roomFor(rooms, c.hint, c.current), c.room) << c.hint << c.current;
+  const std::tuple<const char*, std::size_t, std::size_t> cases[] = {
+      {"kids", 1, 0}, {"movies", 0, 1}, {"tv", 0, 2},        {"gone", 3, 3},
+      {"", 2, 2},     {"", 9, 1},       {"/m/Series/", 0, 2}};
+  for (const auto& [hint, current, room] : cases)
+    EXPECT_EQ(roomFor(rooms, hint, current), room) << hint << current;
   EXPECT_EQ(roomFor(rooms, (test::library.path() / "KIDS/x").string(), 1), 0U);
   EXPECT_EQ(roomFor({}, "tv", 0), 0U);
   EXPECT_EQ(roomLabel("/m/Series") + roomLabel("/m/Kids") + roomLabel("/"), "tvKidslibrary");
+}
+
+TEST(MusicLayout, LinesTellWhatIsKnown) {
+  const TrackInfo all{"Sun", "Ann", "Sky", "3", "1999", "Pop", "04:05"};
+  const std::tuple<std::optional<TrackInfo>, TrackLines> cases[] = {
+      {std::nullopt, {"07 Song", "", ""}},
+      {TrackInfo{}, {"07 Song", "", ""}},
+      {all, {"Sun", "Ann - Sky", "Track 3 | 04:05 | 1999"}},
+      {TrackInfo{"", "", "Sky", "3", "", "", "04:05"}, {"07 Song", "Sky", "Track 3 | 04:05"}},
+      {TrackInfo{"", "Ann", "", "", "1999", "", ""}, {"07 Song", "Ann", "1999"}},
+  };
+  for (const auto& [info, lines] : cases) EXPECT_EQ(trackLines("/media/music/07 Song.mp3", info), lines);
+}
+
+TEST(MusicLayout, ColumnHoldsTheCurrentTrackInItsMiddle) {
+  const struct {
+    SDL_Point window;
+    int edge, lineHeight;
+    std::size_t tracks, current;
+    SDL_Rect panel;
+    std::size_t first, rows;
+  } cases[] = {
+      {{1920, 1080}, 1080, 29, 3, 0, {1352, 925, 520, 107}, 0, 3},
+      {{1920, 1080}, 756, 29, 3, 0, {1352, 601, 520, 107}, 0, 3},
+      {{1920, 1080}, 1080, 96, 40, 0, {1352, 52, 520, 980}, 0, 10},
+      {{1920, 1080}, 1080, 96, 40, 20, {1352, 52, 520, 980}, 15, 10},
+      {{1920, 1080}, 1080, 96, 40, 39, {1352, 52, 520, 980}, 30, 10},
+      {{1920, 1080}, 756, 29, 40, 0, {1352, 48, 520, 977}, 0, 33},
+      {{470, 200}, 200, 18, 40, 1, {190, 20, 260, 164}, 0, 8},
+      {{400, 30}, 30, 18, 5, 2, {120, 20, 260, 20}, 2, 0},
+  };
+  for (const auto& c : cases) {
+    const ColumnLayout column = layoutColumn(c.window, c.edge, c.lineHeight, c.tracks, c.current);
+    EXPECT_EQ(column.panel, c.panel) << &c - cases;
+    EXPECT_EQ(std::pair(column.first, column.rows), std::pair(c.first, c.rows)) << &c - cases;
+  }
 }
 
 }  // namespace

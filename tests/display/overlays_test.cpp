@@ -1,9 +1,3 @@
-#include <chrono>
-#include <cstdint>
-#include <filesystem>
-#include <string>
-#include <thread>
-
 #include <gtest/gtest.h>
 
 #include "display/playback/clear_logo.h"
@@ -35,15 +29,11 @@ TEST(OverlaysTest, TimesAreWrittenWithHoursOnlyFromOneHourOn) {
 
 TEST(OverlaysTest, FadesRunForHalfASecondAfterTheChange) {
   FadePair pair;
-  EXPECT_EQ(advanceFade(pair, false, 1000), 0.0);
-  EXPECT_EQ(advanceFade(pair, true, 1100), 0.0);
-  EXPECT_EQ(advanceFade(pair, true, 1050), 0.0) << "a clock behind the stamp";
-  EXPECT_EQ(advanceFade(pair, true, 1350), 0.5);
-  EXPECT_EQ(advanceFade(pair, true, 9000), 1.0);
-  EXPECT_EQ(advanceFade(pair, false, 9100), 1.0);
-  EXPECT_EQ(advanceFade(pair, false, 9350), 0.5);
-  EXPECT_EQ(advanceFade(pair, false, 9600), 0.0);
-  EXPECT_EQ(advanceFade(pair, false, 9350), 0.0) << "at rest";
+  // At 1050 the clock is behind the stamp, and at last all is at rest.
+  const std::tuple<bool, Uint64, double> steps[] = {
+      {false, 1000, 0.0}, {true, 1100, 0.0},  {true, 1050, 0.0},  {true, 1350, 0.5}, {true, 9000, 1.0},
+      {false, 9100, 1.0}, {false, 9350, 0.5}, {false, 9600, 0.0}, {false, 9350, 0.0}};
+  for (const auto& [shown, nowMs, alpha] : steps) EXPECT_EQ(advanceFade(pair, shown, nowMs), alpha) << nowMs;
 }
 
 TEST(SeekBarTest, LayoutLeavesRoomForTheWiderSideText) {

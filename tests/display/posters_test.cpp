@@ -37,13 +37,10 @@ class PostersTest : public testing::Test {
   /// "name:width" of each poster, with * for a watched one and > for the selected one.
   std::string shown() const {
     std::string text;
-    for (const Poster& poster : posters.list()) {
-      const bool selected =
-          &poster == &posters.list()[static_cast<std::size_t>(std::max(posters.selectedPoster(), 0))];
-      text += (selected && posters.selectedPoster() >= 0 ? ">" : "") +
+    for (int number = 0; const Poster& poster : posters.list())
+      text += (number++ == posters.selectedPoster() ? ">" : "") +
               poster.path.lexically_relative(at("")).string() + ":" + std::to_string(poster.width) +
               (poster.watched ? "* " : " ");
-    }
     return text;
   }
 
@@ -115,7 +112,7 @@ TEST_F(PostersTest, TheVeryNameIsSelected) {
     }
   }
   // Other scripts stand behind the last letter.
-  for (const auto& [text, name] : {std::pair{"s", 1U}, std::pair{"star trek d", 1U}, std::pair{"z", 2U}}) {
+  for (const auto& [text, name] : {std::pair{"s", 1U}, {"star trek d", 1U}, {"z", 2U}}) {
     posters.jumpToTyped(text);
     EXPECT_EQ(selected(), names[name]) << text;
   }

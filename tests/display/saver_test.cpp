@@ -1,7 +1,3 @@
-#include <functional>
-#include <tuple>
-
-#include <SDL_image.h>
 #include <gtest/gtest.h>
 
 #include "base/process_flags.h"
@@ -11,11 +7,13 @@
 #include "state/state_store.h"
 #include "support/media_root.h"
 #include "support/offscreen.h"
+#include "support/table.h"
 #include "support/turned_clock.h"
 
 namespace tavek {
 namespace {
 
+namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
 TEST(SaverRules, FadeTurnsAroundWhereItStands) {
@@ -55,16 +53,10 @@ TEST(SaverRules, SlidesStandForAMinute) {
 }
 
 TEST(SaverRules, TitlesAndBadges) {
-  const std::tuple<const char*, const char*, const char*> titles[] = {
-      {"Blade Runner (1982)", "Blade Runner", "1982"},
-      {" Das Boot ( 1981 ) ", "Das Boot", "1981"},
-      {"Film (19825)", "Film (19825)", ""},
-      {"Film (abcd)", "Film (abcd)", ""},
-      {"(1982)", "(1982)", ""},
-      {"1982", "1982", ""},
-  };
-  for (const auto& [text, title, year] : titles)
-    EXPECT_EQ(splitTitleYear(text), (TitleYear{title, year})) << text;
+  for (const auto& [text, title, year] : test::table<3>(R"(
+      Blade Runner (1982) => Blade Runner => 1982 ;; Das Boot ( 1981 ) => Das Boot => 1981 ;; 1982 => 1982
+      Film (19825) => Film (19825) ;; Film (abcd) => Film (abcd) ;; (1982) => (1982))"))
+    EXPECT_EQ(splitTitleYear(" " + text + " "), (TitleYear{title, year})) << text;
   const std::tuple<int, int, std::string> badges[] = {
       {3840, 2160, "4K"}, {2160, 3840, "4K"}, {3840, 1600, "FHD"}, {1920, 1080, "FHD"},
       {1920, 800, "HD"},  {1280, 720, "HD"},  {1279, 720, ""},     {0, 0, ""}};
@@ -76,27 +68,23 @@ TEST(IdleScans, AskOnceAndThenOnceAnHour) {
   const ScanRequests requests{[&](const auto& room) { asked.push_back("tmdb " + room.string()); },
                               [&](const auto& room) { asked.push_back("tv " + room.string()); }};
   IdleScans scans;
-  const struct {
-    const char* room;
-    MediaKind kind;
-    Uint64 at;
-    std::vector<std::string> asked;
-  } steps[] = {
-      {"/m/films", MediaKind::Movies, 1000, {"tmdb /m/films", "tmdb /m/films"}},
-      {"/m/x/../films", MediaKind::Movies, 3'600'999, {}},
-      {"/m/films", MediaKind::Movies, 500, {}},
-      {"/m/films", MediaKind::Movies, 3'601'000, {"tmdb /m/films"}},
-      {"/m/shows", MediaKind::Series, 2000, {"tv /m/shows", "tv /m/shows"}},
-      {"/m/Kids", MediaKind::Series, 2000, {"tmdb /m/Kids", "tmdb /m/Kids"}},
-      {"/m/songs", MediaKind::Music, 2000, {}},
-      {"/m/clips", MediaKind::Videos, 2000, {}},
+  using enum MediaKind;
+  const std::tuple<const char*, MediaKind, Uint64, std::vector<std::string>> steps[] = {
+      {"/m/films", Movies, 1000, {"tmdb /m/films", "tmdb /m/films"}},
+      {"/m/x/../films", Movies, 3'600'999, {}},
+      {"/m/films", Movies, 500, {}},
+      {"/m/films", Movies, 3'601'000, {"tmdb /m/films"}},
+      {"/m/shows", Series, 2000, {"tv /m/shows", "tv /m/shows"}},
+      {"/m/Kids", Series, 2000, {"tmdb /m/Kids", "tmdb /m/Kids"}},
+      {"/m/songs", Music, 2000, {}},
+      {"/m/clips", Videos, 2000, {}},
   };
-  for (const auto& step : steps) {
+  for (const auto& [room, kind, at, expected] : steps) {
     asked.clear();
-    requestScans(scans, requests, step.room, step.kind, step.at);
-    EXPECT_EQ(asked, step.asked) << step.room << " at " << step.at;
+    requestScans(scans, requests, room, kind, at);
+    EXPECT_EQ(asked, expected) << room << " at " << at;
   }
-  requestScans(scans, {}, "/m/more", MediaKind::Movies, 2000);
+  requestScans(scans, {}, "/m/more", Movies, 2000);
 }
 
 class SaverTest : public testing::Test {
@@ -119,7 +107,8 @@ class SaverTest : public testing::Test {
     display.presentBlank();
   }
 
-  const std::filesystem::path film = test::library.path() / "movies/Red (1982)/Red (1982).mkv";
+  const fs::path film = test::library.path() / "movies/Red (1982)/Red (1982).mkv";
+  const fs::path song = test::library.path() / "music/a.mp3";
   const bool offscreen = (test::useOffscreenDriver(), true);
   test::TurnedClock clock;
   StateStore store{""};
@@ -127,41 +116,36 @@ class SaverTest : public testing::Test {
 };
 
 TEST_F(SaverTest, AKeyOnlyWakes) {
-  const struct {
-    const char* what;
-    std::function<void()> reach;
-    bool comes;
-  } states[] = {
+  const std::tuple<const char*, std::function<void()>, bool> states[] = {
       {"home", [&] { display.goHome(true); }, true},
       {"a film that runs", [&] { display.setVideoPlaying(true); }, false},
       {"a pause", [&] { display.setVideoPlaying(false), display.setVideoPaused(true); }, true},
       {"the strip", [&] { display.setVideoPlaying(false), display.showStrip(true); }, true},
-      {"a song",
-       [&] { display.alignWithItem(test::library.path() / "music/a.mp3"), display.setVideoPlaying(true); },
-       true},
+      {"a song", [&] { display.alignWithItem(song), display.setVideoPlaying(true); }, true},
   };
-  for (const auto& state : states) {
+  for (const auto& [what, reach, comes] : states) {
+    SCOPED_TRACE(what);
     display.leaveHome();
     display.alignWithItem({});
-    state.reach();
+    reach();
     pass(milliseconds(10));
     const FocusName before = display.currentFocus();
     pass(milliseconds(299'000));
-    EXPECT_EQ(display.currentFocus(), before) << state.what;
+    EXPECT_EQ(display.currentFocus(), before);
     pass(milliseconds(2000));
-    EXPECT_EQ(display.currentFocus() == FocusName::Screensaver, state.comes) << state.what;
-    if (!state.comes) continue;
+    EXPECT_EQ(display.currentFocus() == FocusName::Screensaver, comes);
+    if (!comes) continue;
     pass(milliseconds(250));
     EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None) << "a key that was held before";
-    EXPECT_EQ(key(SDLK_RIGHT), NavCode::Wake) << state.what;
-    EXPECT_EQ(key(SDLK_RIGHT, true, true), NavCode::None) << state.what;
-    EXPECT_EQ(key(SDLK_RIGHT, false), NavCode::None) << state.what;
-    EXPECT_EQ(display.currentFocus(), before) << state.what;
-    EXPECT_EQ(key(SDLK_RETURN), NavCode::Wake) << "it still fades over " << state.what;
+    EXPECT_EQ(key(SDLK_RIGHT), NavCode::Wake);
+    EXPECT_EQ(key(SDLK_RIGHT, true, true), NavCode::None);
+    EXPECT_EQ(key(SDLK_RIGHT, false), NavCode::None);
+    EXPECT_EQ(display.currentFocus(), before);
+    EXPECT_EQ(key(SDLK_RETURN), NavCode::Wake) << "it still fades";
     pass(milliseconds(600));
-    EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None) << state.what;
-    EXPECT_EQ(key(SDLK_RETURN, false), NavCode::None) << state.what;
-    EXPECT_EQ(display.currentFocus(), before) << state.what;
+    EXPECT_EQ(key(SDLK_RETURN, true, true), NavCode::None);
+    EXPECT_EQ(key(SDLK_RETURN, false), NavCode::None);
+    EXPECT_EQ(display.currentFocus(), before);
     display.hideStrip();
     pass(milliseconds(300));
   }
@@ -169,7 +153,7 @@ TEST_F(SaverTest, AKeyOnlyWakes) {
 
 TEST_F(SaverTest, SongsThatFollowEachOtherKeepNobodyAwake) {
   display.leaveHome();
-  display.alignWithItem(test::library.path() / "music/a.mp3");
+  display.alignWithItem(song);
   display.setVideoPlaying(true);
   pass(milliseconds(10));
   pass(milliseconds(200'000));
@@ -180,33 +164,29 @@ TEST_F(SaverTest, SongsThatFollowEachOtherKeepNobodyAwake) {
 }
 
 TEST_F(SaverTest, SlidesStandAtHalfStrengthUntilTheyVanish) {
-  const SurfacePtr red(SDL_CreateRGBSurfaceWithFormat(0, 640, 360, 24, SDL_PIXELFORMAT_RGB24));
-  SDL_FillRect(red.get(), nullptr, SDL_MapRGB(red->format, 255, 0, 0));
-  IMG_SavePNG(red.get(), (film.parent_path() / "fanart.png").c_str());
-  test::writeText(test::library.path() / "movies/Broken/Broken.mkv", "x");
-  test::writeText(test::library.path() / "movies/Broken/fanart.png", "no picture");
+  const fs::path films = test::library.path() / "movies", broken = films / "Broken/fanart.png";
+  const std::string red = test::png(640, 360, rgba(255, 0, 0));
+  test::writeText(films / "Red (1982)/fanart.png", red);
+  test::writeText(films / "Broken/Broken.mkv", "x");
+  test::writeText(broken, "no picture");
   display.goHome(true);
   for (int i = 0; i < 400 && display.currentFolder().filename() != "movies"; ++i, SDL_Delay(1))
     pass(milliseconds(1));
   pass(milliseconds(300'000));
-  const auto middle = [&] {
-    SDL_Rect place{160, 40, 1, 1};
-    Uint32 pixel = 0;
-    SDL_RenderReadPixels(display.renderer(), &place, SDL_PIXELFORMAT_ARGB8888, &pixel, sizeof pixel);
-    return pixel & 0xffffff;
+  const auto turns = [&](Colour colour) {
+    const auto middle = [&] { return test::pixelAt(display.renderer(), 160, 40); };
+    for (int i = 0; i < 2000 && middle() != colour; ++i, SDL_Delay(1)) pass(milliseconds(10));
+    return middle() == colour;
   };
-  for (int i = 0; i < 2000 && middle() != 0x800000; ++i, SDL_Delay(1)) pass(milliseconds(10));
-  EXPECT_EQ(middle(), 0x800000U);
-  std::filesystem::remove_all(film.parent_path());
+  EXPECT_TRUE(turns(rgba(128, 0, 0)));
+  fs::remove_all(film.parent_path());
   pass(milliseconds(600));
   pass(milliseconds(60'000));
-  for (int i = 0; i < 2000 && middle() != 0; ++i, SDL_Delay(1)) pass(milliseconds(10));
-  EXPECT_EQ(middle(), 0U) << "its file is gone";
-  std::filesystem::remove(test::library.path() / "movies/Broken/fanart.png");
-  IMG_SavePNG(red.get(), (test::library.path() / "movies/Broken/fanart.png").c_str());
+  EXPECT_TRUE(turns(theme::black)) << "its file is gone";
+  fs::remove(broken);
+  test::writeText(broken, red);
   pass(milliseconds(60'000));
-  for (int i = 0; i < 2000 && middle() != 0x800000; ++i, SDL_Delay(1)) pass(milliseconds(10));
-  EXPECT_EQ(middle(), 0x800000U) << "new art is found";
+  EXPECT_TRUE(turns(rgba(128, 0, 0))) << "new art is found";
 }
 
 }  // namespace

@@ -5,11 +5,11 @@
 // the undo does not give back what was there.
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <fcntl.h>
-#include <map>
+#include <functional>
 #include <random>
 #include <set>
+#include <span>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -120,36 +120,40 @@ class Library {
   std::string check() {
     const Fate first{oneIn(3) ? Fault::Refuse : Fault::Kill, between(1, 40)};
     const Fate second{Fault::Kill, between(1, 40)};
-    std::string complaint = inChild([&] { return scan(100, first); });
-    if (complaint.empty()) complaint = findLost();
-    if (complaint.empty()) complaint = inChild([&] { return scanUntilNothingChanges(); });
-    if (complaint.empty()) complaint = findLost();
-    if (complaint.empty()) complaint = findWrongMarks();
-    if (complaint.empty()) complaint = inChild([&] { return takeBack(second); });
-    if (complaint.empty()) complaint = inChild([&] { return takeBack({}); });
-    if (complaint.empty() && filesBelow(room_) != start_)
-      complaint = "the undo does not give back what was there";
-    return complaint.empty() ? findWrongMarks() : complaint;
+    const std::function<std::string()> steps[] = {
+        [&] { return inChild([&] { return scan(100, first); }); },
+        [&] { return findLost(); },
+        [&] { return inChild([&] { return scanUntilNothingChanges(); }); },
+        [&] { return findLost(); },
+        [&] { return findWrongMarks(); },
+        [&] { return inChild([&] { return takeBack(second); }); },
+        [&] { return inChild([&] { return takeBack({}); }); },
+        [&] { return filesBelow(room_) == start_ ? "" : "the undo does not give back what was there"; },
+        [&] { return findWrongMarks(); }};
+    for (const auto& step : steps) {
+      if (std::string complaint = step(); !complaint.empty()) return complaint;
+    }
+    return {};
   }
 
  private:
-  static constexpr auto stems =
-      std::to_array<const char*>({"Alien", "alien", "Alien.1979", "Alien CD1", "Alien CD2", "Up", "S01E01",
-                                  "e2", "\xc4x", "a\nb", "Up-trailer", "Heat (1995)"});
-  static constexpr auto endings = std::to_array<const char*>({".mkv", ".avi", ".MKV"});
-  static constexpr auto beside = std::to_array<const char*>(
-      {".srt", ".en.srt", ".nfo", "-thumb.jpg", ".poster.jpg", ".jpg", ".x.srt", ".de.mka"});
-  static constexpr auto folders =
-      std::to_array<const char*>({"", "", "", "Alien/", "Alien (1979)/", "Box/", "Box/in/", "Up (2009)/",
-                                  "Extras/", ".hidden/", "x/VIDEO_TS/"});
-  static constexpr auto names = std::to_array<const char*>(
-      {"Alien (1979)", "Alien (1979)", "alien (1979)", "Up (2009)", "Box", "S01E01 - One", "e2", "..",
-       "../out", "/tmp/x", "", ".x", "a/b", "Extras", "Trailer", "\xc4y", "Heat (1995)", "Alien", "x"});
+  static constexpr const char* stems[] = {"Alien",     "alien", "Alien.1979", "Alien CD1",
+                                          "Alien CD2", "Up",    "S01E01",     "e2",
+                                          "\xc4x",     "a\nb",  "Up-trailer", "Heat (1995)"};
+  static constexpr const char* endings[] = {".mkv", ".avi", ".MKV"};
+  static constexpr const char* beside[] = {".srt",        ".en.srt", ".nfo",   "-thumb.jpg",
+                                           ".poster.jpg", ".jpg",    ".x.srt", ".de.mka"};
+  static constexpr const char* folders[] = {"",           "",        "",           "Alien/",  "Alien (1979)/",
+                                            "Box/",       "Box/in/", "Up (2009)/", "Extras/", ".hidden/",
+                                            "x/VIDEO_TS/"};
+  static constexpr const char* names[] = {
+      "Alien (1979)", "Alien (1979)", "alien (1979)", "Up (2009)", "Box", "S01E01 - One", "e2",
+      "..",           "../out",       "/tmp/x",       "",          ".x",  "a/b",          "Extras",
+      "Trailer",      "\xc4y",        "Heat (1995)",  "Alien",     "x"};
 
   int between(int least, int most) { return std::uniform_int_distribution(least, most)(random_); }
   bool oneIn(int times) { return between(1, times) == 1; }
-  template <typename Table>
-  std::string pick(const Table& table) {
+  std::string pick(std::span<const char* const> table) {
     return table[static_cast<std::size_t>(between(0, static_cast<int>(table.size()) - 1))];
   }
 
@@ -199,11 +203,7 @@ class Library {
     }
     close(ends[1]);
     std::string complaint;
-    for (char bytes[512];;) {
-      const ssize_t count = read(ends[0], bytes, sizeof bytes);
-      if (count <= 0) break;
-      complaint.append(bytes, static_cast<std::size_t>(count));
-    }
+    for (char byte = 0; read(ends[0], &byte, 1) == 1;) complaint += byte;
     close(ends[0]);
     int status = 0;
     waitpid(child, &status, 0);
@@ -220,7 +220,7 @@ class Library {
     for (const auto& [name, content] : filesBelow(room_)) {
       const fs::path video = room_ / name;
       if (!isVideoFile(video) || !fs::exists(video)) continue;
-      const std::string wanted = names[std::hash<std::string>{}(content) % names.size()];
+      const std::string wanted = names[std::hash<std::string>{}(content) % std::size(names)];
       const fs::path now = (series_ ? renameEpisodeTo : tidyFilm)(context, room_, video, wanted);
       if (!fs::exists(fs::symlink_status(now))) return "it tells of " + now.string() + ", which is not there";
     }
@@ -283,14 +283,13 @@ int main(int argc, char** argv) {
   const long count = argc > 1 ? std::atol(argv[1]) : 1000;
   const std::uint64_t seed = argc > 2 ? std::strtoull(argv[2], nullptr, 10) : 1;
   int failures = 0;
-  for (long i = 0; i < count && failures < 10; ++i) {
-    const std::uint64_t own = seed + static_cast<std::uint64_t>(i);
+  for (std::uint64_t own = seed; own < seed + static_cast<std::uint64_t>(count) && failures < 10; ++own) {
     const std::string complaint = Library(own).check();
     if (complaint.empty()) continue;
-    std::printf("seed %llu: %s\n", static_cast<unsigned long long>(own), complaint.c_str());
+    std::printf("seed %ju: %s\n", std::uintmax_t{own}, complaint.c_str());
     ++failures;
   }
-  std::printf("%ld libraries from seed %llu: %s\n", count, static_cast<unsigned long long>(seed),
+  std::printf("%ld libraries from seed %ju: %s\n", count, std::uintmax_t{seed},
               failures == 0 ? "good" : "BAD");
   return failures == 0 ? EXIT_SUCCESS : EXIT_FAILURE;
 }

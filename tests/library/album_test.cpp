@@ -1,11 +1,11 @@
 #include "library/album.h"
 
-#include <cstdlib>
 #include <thread>
 
 #include <gtest/gtest.h>
 
 #include "library/track_info.h"
+#include "support/table.h"
 #include "support/temp_folder.h"
 
 namespace tavek {
@@ -35,9 +35,8 @@ class AlbumTest : public testing::Test {
 };
 
 TEST_F(AlbumTest, TagsAreReadByTheirVeryNameFirst) {
-  const struct {
-    const char *file, *tags, *told;  ///< title/artist/album/track/year/genre
-  } cases[] = {
+  // What is told: title/artist/album/track/year/genre.
+  const std::array<const char*, 3> cases[] = {
       {"a.flac",
        "-metadata TRACKTOTAL=9 -metadata track=03/12 -metadata album_artist=All -metadata album=Sky "
        "-metadata title=' Sun ' -metadata artist=Ann -metadata date=2004-05-12 -metadata genre=Pop",
@@ -84,9 +83,7 @@ TEST_F(AlbumTest, FilesAreKnownUntilTheyChange) {
 
 TEST_F(AlbumTest, TracksStandByNumberThenByName) {
   make("x.flac", "-metadata track=10 -metadata title=Ten");
-  make("2 Song.mp3", "");
-  make("b.mp3", "");
-  make("A.mp3", "");
+  for (const char* plain : {"2 Song.mp3", "b.mp3", "A.mp3"}) make(plain, "");
   make("0 zero.mp3", "-metadata track=0");
   make("disc 2 - 10.mp3", "-metadata track=10");
   const fs::path huge = make("c.mp3", "-metadata track=99999999999");
@@ -98,16 +95,10 @@ TEST_F(AlbumTest, TracksStandByNumberThenByName) {
       "0 zero.mp3=0 zero A.mp3=A b.mp3=b ";
   EXPECT_EQ(namesOf(albumTracks(huge, TagReading::Read, never)), order);
   EXPECT_EQ(namesOf(albumTracks(huge, TagReading::Known, never)), order) << "now they are known";
-  const struct {
-    const char* from;
-    int step;
-    const char* to;
-  } steps[] = {{"x.flac", 1, "c.mp3"}, {"x.flac", -2, "7 broken.ogg"},
-               {"2 Song.mp3", -1, ""}, {"b.mp3", 1, ""},
-               {"gone.mp3", 1, ""},    {"b.mp3", 0, ""},
-               {"b.mp3", -99, ""}};
-  for (const auto& [from, step, to] : steps) {
-    const auto next = neighbourTrack(folder_.path() / from, step, never);
+  for (const auto& [from, step, to] : test::table<3>(R"(
+      x.flac => 1 => c.mp3 ;; x.flac => -2 => 7 broken.ogg ;; 2 Song.mp3 => -1 => ;; b.mp3 => 1 =>
+      gone.mp3 => 1 => ;; b.mp3 => 0 => ;; b.mp3 => -99 =>)")) {
+    const auto next = neighbourTrack(folder_.path() / from, std::stoi(step), never);
     EXPECT_EQ(next.value_or("").filename(), to) << from << " and " << step;
   }
 }
@@ -147,8 +138,8 @@ TEST_F(AlbumTest, ThreadsShareWhatIsKnown) {
 }
 
 TEST(TrackInfo, DurationsAreWrittenWithHoursOnlyFromOneHourOn) {
-  for (const auto& [seconds, text] : {std::pair{0, ""}, std::pair{187, "03:07"}, std::pair{3787, "1:03:07"},
-                                      std::pair{36'000, "10:00:00"}}) {
+  for (const auto& [seconds, text] :
+       {std::pair{0, ""}, {187, "03:07"}, {3787, "1:03:07"}, {36'000, "10:00:00"}}) {
     EXPECT_EQ(durationText(seconds * 1'000'000LL), text);
   }
 }

@@ -1,7 +1,5 @@
 #include "library/episode_still.h"
 
-#include <fstream>
-
 #include <gtest/gtest.h>
 
 #include "base/run_tool.h"
@@ -11,13 +9,9 @@ namespace tavek {
 namespace {
 
 namespace fs = std::filesystem;
+using test::readText;
 
 const Flag never;
-
-std::string contentOf(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 /// The arguments of ffprobe, which tells this length, and of ffmpeg. Both lie in a folder whose name needs
 /// quotes.
@@ -32,7 +26,7 @@ std::string callsFor(const char* length, const fs::path& video, const fs::path& 
   setenv("TAVEK_TOOL_DIR", folder.c_str(), 1);
   makeEpisodeThumb(video, still, never);
   unsetenv("TAVEK_TOOL_DIR");
-  std::string calls = contentOf(folder / "calls");
+  std::string calls = readText(folder / "calls");
   std::replace(calls.begin(), calls.end(), '\0', '|');
   return calls;
 }
@@ -58,9 +52,9 @@ TEST(EpisodeStill, IsMadeOnceByTheRealTools) {
   runTool({.arguments = {"ffmpeg", "-loglevel", "error", "-f", "lavfi", "-i", "testsrc=duration=0.8", video}},
           never);
   makeEpisodeThumb(video, still, never);
-  EXPECT_TRUE(contentOf(still).starts_with("\xff\xd8"));
+  EXPECT_TRUE(readText(still).starts_with("\xff\xd8"));
   // In the frame header: 8 bits, 480 lines of 320.
-  EXPECT_NE(contentOf(still).find(std::string("\x08\x01\xe0\x01\x40", 5)), std::string::npos);
+  EXPECT_NE(readText(still).find(std::string("\x08\x01\xe0\x01\x40", 5)), std::string::npos);
   EXPECT_EQ(callsFor("1", video, still), "");
   EXPECT_NE(callsFor("1", video, temp.path()), "") << "a folder is no still";
 }

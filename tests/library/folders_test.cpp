@@ -1,6 +1,3 @@
-#include <fstream>
-#include <set>
-
 #include <gtest/gtest.h>
 
 #include "base/paths.h"
@@ -10,6 +7,7 @@
 #include "library/next_item.h"
 #include "library/poster_listing.h"
 #include "support/media_root.h"
+#include "support/table.h"
 
 namespace tavek {
 namespace {
@@ -115,25 +113,15 @@ TEST(NextItem, FollowsEpisodesAndTracks) {
        "Other/1x01.mkv|Other/1x02 Two.mkv|Other/S01E04.mkv|S01E09.mkv");
   make("music/Album", "2 Two.flac|07 Seven.flac|00 Zero.mp3|a.mp3|Bonus.flac|cover.jpg|inner/3 Three.flac");
   // An item, and the one after it or nothing.
-  constexpr const char* cases[][2] = {
-      {"tv/Show/Season 1/S01E02.mp3", "tv/Show/Season 1/S01E03.mkv"},
-      {"tv/Show/Season 1/S01E03.mkv", "tv/Show/Season 2/S02E01 Back.mkv"},
-      {"tv/Show/Season 1/../Season 1/S01E02.mp3", "tv/Show/Season 1/S01E03.mkv"},
-      {"tv/Show/Season 1/S01E02 renamed.mp3", "tv/Show/Season 1/S01E03.mkv"},
-      {"tv/Show/Season 2/S02E01 Back.mkv", ""},
-      {"tv/Show/Season 1/Extra.mkv", ""},
-      {"tv/Show/Season 1/S07E01.mp3", ""},
-      {"tv/Other/1x01.mkv", "tv/Other/1x02 Two.mkv"},
-      {"tv/Other/1x02 Two.mkv", "tv/Other/S01E04.mkv"},
-      {"tv/S01E09.mkv", "tv/Show/Season 2/S02E01 Back.mkv"},
-      {"music/Album/2 Two.flac", "music/Album/07 Seven.flac"},
-      {"music/Album/07 Seven.flac", "music/Album/00 Zero.mp3"},
-      {"music/Album/00 Zero.mp3", "music/Album/a.mp3"},
-      {"music/Album/a.mp3", "music/Album/Bonus.flac"},
-      {"music/Album/Bonus.flac", ""},
-      {"music/Gone/1 One.flac", ""},
-  };
-  for (const auto& [current, expected] : cases) {
+  for (const auto& [current, expected] : test::table(R"(
+      tv/Show/Season 1/S01E02.mp3 => tv/Show/Season 1/S01E03.mkv ;; tv/Show/Season 2/S02E01 Back.mkv =>
+      tv/Show/Season 1/S01E03.mkv => tv/Show/Season 2/S02E01 Back.mkv ;; tv/Show/Season 1/Extra.mkv =>
+      tv/Show/Season 1/../Season 1/S01E02.mp3 => tv/Show/Season 1/S01E03.mkv ;; tv/Show/Season 1/S07E01.mp3 =>
+      tv/Show/Season 1/S01E02 renamed.mp3 => tv/Show/Season 1/S01E03.mkv ;; music/Gone/1 One.flac =>
+      tv/Other/1x01.mkv => tv/Other/1x02 Two.mkv ;; tv/Other/1x02 Two.mkv => tv/Other/S01E04.mkv
+      tv/S01E09.mkv => tv/Show/Season 2/S02E01 Back.mkv ;; music/Album/2 Two.flac => music/Album/07 Seven.flac
+      music/Album/07 Seven.flac => music/Album/00 Zero.mp3 ;; music/Album/00 Zero.mp3 => music/Album/a.mp3
+      music/Album/a.mp3 => music/Album/Bonus.flac ;; music/Album/Bonus.flac =>)")) {
     const auto next = nextItemAfter(library.path() / current, {});
     EXPECT_EQ(next ? next->lexically_relative(library.path()) : "", expected) << current;
   }
@@ -218,16 +206,11 @@ TEST(Listing, IsWhatTheFolderCallsFor) {
 
 TEST(Listing, GivesAPosterTheFilmOfItsFolder) {
   // The folder of the poster, the videos there, the one that it plays.
-  constexpr const char* folders[][3] = {
-      {"Two (1990)", "More.mkv|Two (1991).mkv", "Two (1991).mkv"},
-      {"1984 (1956)", "1984.mkv|b.mkv", "1984.mkv"},
-      {"ÄRGER (1990)", "ärger.mkv|b.mkv", "ärger.mkv"},
-      {"Box", "One.mkv|Two.mkv", ""},
-      {"Shelf", "Far/One.mkv", ""},
-      {"Any (1990)", "one.mkv|one-sample.mkv|Any 1990/Any 1990.mkv", "Any 1990/Any 1990.mkv"},
-  };
-  for (const auto& [name, videos, plays] : folders) {
-    make(std::string("own/") + name, videos);
+  for (const auto& [name, videos, plays] : test::table<3>(R"(
+      Two (1990) => More.mkv|Two (1991).mkv => Two (1991).mkv ;; 1984 (1956) => 1984.mkv|b.mkv => 1984.mkv
+      ÄRGER (1990) => ärger.mkv|b.mkv => ärger.mkv ;; Box => One.mkv|Two.mkv => ;; Shelf => Far/One.mkv =>
+      Any (1990) => one.mkv|one-sample.mkv|Any 1990/Any 1990.mkv => Any 1990/Any 1990.mkv)")) {
+    make("own/" + name, videos);
     const fs::path folder = library.path() / "own" / name;
     const auto found = findVideoForPoster(folder / "poster.jpg", {}, Flag());
     EXPECT_EQ(found ? fs::path(*found).lexically_relative(folder) : "", plays) << name;

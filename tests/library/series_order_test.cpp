@@ -1,12 +1,12 @@
 #include "library/series_order.h"
 
 #include <algorithm>
-#include <chrono>
 #include <random>
 
 #include <gtest/gtest.h>
 
 #include "library/poster_listing.h"
+#include "support/table.h"
 #include "support/temp_folder.h"
 
 namespace tavek {
@@ -22,24 +22,19 @@ SeriesOrder orderOf(const std::vector<std::string>& titles) {
 TEST(SeriesOrder, FindsTitlesByTheirForms) {
   const SeriesOrder order =
       orderOf({"film", "part 2", "film", "", "chapter 2", "alien 3", "the sea", "战狼 2"});
-  const std::pair<const char*, int> cases[] = {
-      {"film", 0},    {"film 1999", 0}, {"film_1999", 0},  {"volume 2", 1}, {"chapter-2", 2},
-      {"alien³", -1}, {"ALIEN 3", 3},   {"a sea", -1},     {"sea", 4},      {"xthe seax", 4},
-      {"战狼 2", 5},  {"战狼", 5},      {"战狼 2 end", 5}, {"狼", -1},      {"something", -1},
-      {"", -1},       {"f", 0},         {"7", -1},
-  };
-  for (const auto& [title, sequence] : cases)
-    EXPECT_EQ(order.sequenceOf(makeMatchKey(title)).value_or(-1), sequence) << title;
+  for (const auto& [title, sequence] : test::table(R"(
+      film => 0 ;; film 1999 => 0 ;; film_1999 => 0 ;; volume 2 => 1 ;; chapter-2 => 2 ;; alien³ => -1 ;; ALIEN 3 => 3
+      a sea => -1 ;; sea => 4 ;; xthe seax => 4 ;; 战狼 2 => 5 ;; 战狼 => 5 ;; 战狼 2 end => 5 ;; 狼 => -1
+      something => -1 ;; => -1 ;; f => 0 ;; 7 => -1)"))
+    EXPECT_EQ(std::to_string(order.sequenceOf(makeMatchKey(title)).value_or(-1)), sequence) << title;
 }
 
 /// The rule without its indices: each step over all entries in their order.
 int sequenceByRule(const std::vector<std::string>& titles, const std::string& title) {
   const MatchKey wanted = makeMatchKey(title);
   const auto firstWhere = [&](auto matches) {
-    for (std::size_t i = 0; i < titles.size(); ++i) {
-      if (matches(makeMatchKey(titles[i]))) return static_cast<int>(i);
-    }
-    return -1;
+    const auto at = std::ranges::find_if(titles, [&](auto& each) { return matches(makeMatchKey(each)); });
+    return at == titles.end() ? -1 : static_cast<int>(at - titles.begin());
   };
   const auto holds = [](const std::string& a, const std::string& b) {
     return a.find(b) != std::string::npos;
@@ -85,16 +80,15 @@ TEST(SeriesOrder, OrdersAListingInSpiteOfDamage) {
   const test::TempFolder folder;
   for (const char* name : {"A", "B", "C", "Ü"})
     test::writeText(folder.path() / (name + std::string(".jpg")), "x");
-  const struct {
-    const char *text, *order, *said;
-  } cases[] = {
+  const std::string ignored = "series.json ignored (no order entries): ";
+  const std::tuple<const char*, const char*, std::string> cases[] = {
       {R"({"order": ["B.jpg", "A.jpg"]})", "BACÜ", ""},
       {R"({"order": [1, {"x": "C"}, "/elsewhere/B.jpg", "\u00dc.jpg", "A)", "CBAÜ", ""},
       {R"(x "order" : "order" [ "\C.jpg", "C.png", "\/B" ] "A")", "CBAÜ", ""},
       {R"({"order": ["Ü.jpg"]})", "ÜABC", ""},
-      {R"({"order": [1, 2]})", "ABCÜ", "series.json ignored (no order entries): "},
-      {R"({"sequence": ["B"]})", "ABCÜ", "series.json ignored (no order entries): "},
-      {"", "ABCÜ", "series.json ignored (no order entries): "},
+      {R"({"order": [1, 2]})", "ABCÜ", ignored},
+      {R"({"sequence": ["B"]})", "ABCÜ", ignored},
+      {"", "ABCÜ", ignored},
   };
   for (const auto& [text, order, said] : cases) {
     test::writeText(folder.path() / "series.json", text);
@@ -104,7 +98,7 @@ TEST(SeriesOrder, OrdersAListingInSpiteOfDamage) {
       listed += std::filesystem::path(poster.path).stem();
     EXPECT_EQ(listed, order) << text;
     const std::string words = testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(words.starts_with(said) && words.empty() == (*said == '\0')) << words;
+    EXPECT_TRUE(words.starts_with(said) && words.empty() == said.empty()) << words;
   }
   test::writeText(folder.path() / "inner/series.json", "of another program");
   testing::internal::CaptureStderr();

@@ -1,7 +1,5 @@
 #include "media/codec.h"
 
-#include <cstdlib>
-
 #include <gmock/gmock.h>
 
 #include "base/process_flags.h"
@@ -32,11 +30,8 @@ std::string opened(AVCodecID id, const char* ownDecoder) {
 // No test machine has the decoders of the box, so what is seen here is the road without them.
 TEST(Codec, FallsBackToSoftwareInSilenceButForHevc) {
   av_log_set_level(AV_LOG_INFO);
-  const struct {
-    AVCodecID id;
-    const char* ownDecoder;
-    const char* outcome;  ///< its beginning
-  } cases[] = {
+  // The own decoder, and how the outcome begins.
+  const std::tuple<AVCodecID, const char*, const char*> cases[] = {
       {AV_CODEC_ID_H264, "", "[CODEC] opened decoder=h264 codec=h264 w=0 h=0\n"},
       {AV_CODEC_ID_HEVC, "", "FFmpeg: No HEVC hardware decoder"},
       {AV_CODEC_ID_NONE, "", "FFmpeg: Unsupported codec"},
@@ -45,7 +40,7 @@ TEST(Codec, FallsBackToSoftwareInSilenceButForHevc) {
       {AV_CODEC_ID_MP3, "flac", "[CODEC] opened decoder=mp3float "},
       {AV_CODEC_ID_MP3, "no such", "[CODEC] opened decoder=mp3float "},
   };
-  for (const auto& c : cases) EXPECT_THAT(opened(c.id, c.ownDecoder), StartsWith(c.outcome)) << c.ownDecoder;
+  for (const auto& [id, own, outcome] : cases) EXPECT_THAT(opened(id, own), StartsWith(outcome)) << own;
   setenv("TAVEK_SOFTWARE_HEVC", "1", 1);
   EXPECT_EQ(opened(AV_CODEC_ID_HEVC, ""), "[CODEC] opened decoder=hevc codec=hevc w=0 h=0\n");
   unsetenv("TAVEK_SOFTWARE_HEVC");

@@ -1,9 +1,5 @@
 #include "media/conversion.h"
 
-#include <array>
-#include <stdexcept>
-#include <string>
-
 #include <gmock/gmock.h>
 
 #include "media/colour.h"
@@ -32,9 +28,8 @@ ffmpeg::FramePtr makePicture(AVPixelFormat format, std::array<int, 3> colour, in
     const int value = colour[plane] << shift;
     const bool half = plane > 0 && frame->linesize[plane] < frame->linesize[0];
     const int bytes = frame->linesize[plane] * (half ? size / 2 : size);
-    for (int i = 0; i < bytes; ++i) {
+    for (int i = 0; i < bytes; ++i)
       frame->data[plane][i] = static_cast<std::uint8_t>(shift == 0 ? value : i % 2 == 0 ? value : value >> 8);
-    }
   }
   return frame;
 }

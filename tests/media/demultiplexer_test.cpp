@@ -1,7 +1,5 @@
 #include "media/demultiplexer.h"
 
-#include <algorithm>
-#include <fstream>
 #include <sys/stat.h>
 
 #include <gmock/gmock.h>
@@ -46,7 +44,7 @@ TEST_F(MovieFile, FailsToOpenWithItsReason) {
   const std::string segment = make("segment.ts", "-f lavfi -i testsrc=s=64x48:r=10:d=1 -c:v mpeg2video");
   const std::string song = make("song.mp3", "-f lavfi -i sine=d=0.2");
   const auto write = [&](const char* name, const std::string& text) {
-    std::ofstream(folder_.path() / name) << text;
+    test::writeText(folder_.path() / name, text);
     return (folder_.path() / name).string();
   };
   const std::string pipe = (folder_.path() / "pipe.mkv").string();
@@ -73,12 +71,8 @@ TEST_F(MovieFile, EndsWhenItIsInterrupted) {
   Demultiplexer demuxer(makeMovie(), {}, Pictures::Needed, interrupt);
   interrupt = true;
   int packets = 0;
-  // What was read ahead may still come.
-  while (demuxer.readPacket(packet_.get())) {
-    av_packet_unref(packet_.get());
-    ++packets;
-  }
-  EXPECT_LT(packets, 60);
+  for (; demuxer.readPacket(packet_.get()); ++packets) av_packet_unref(packet_.get());
+  EXPECT_LT(packets, 60) << "what was read ahead may still come";
 }
 
 /// Positions count from the first moment of the file, and seeking counts so too.
@@ -121,9 +115,8 @@ TEST_F(MovieFile, TellsADamagedPacket) {
   for (int number = 0; demuxer.readPacket(packet_.get()); av_packet_unref(packet_.get())) {
     if (++number == 3) std::fill_n(packet_->data, packet_->size, std::uint8_t{0x5A});
     damaged += codec.sendPacket(packet_.get()) == Decoded::Damaged ? 1 : 0;
-    for (Decoded outcome{}; (outcome = codec.receiveFrame(frame.get())) != Decoded::NotNow;) {
+    for (Decoded outcome{}; (outcome = codec.receiveFrame(frame.get())) != Decoded::NotNow;)
       (outcome == Decoded::Done ? frames : damaged) += 1;
-    }
   }
   EXPECT_EQ(damaged, 1);
   EXPECT_GE(frames, 8);

@@ -1,24 +1,17 @@
 // mutate <count> <seed> <folder>: plays damaged clips, and fails if one crashes, hangs, or is neither played
 // nor reported. That one is left in the folder.
 #include <algorithm>
-#include <array>
-#include <chrono>
-#include <cstdint>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
-#include <string>
-#include <thread>
 #include <unistd.h>
 
 #include "player/play.h"
 #include "rig/media.h"
+#include "rig/process.h"
 #include "state/state_store.h"
 #include "support/fake_device.h"
 #include "support/turned_clock.h"
+#include "support/wait.h"
 
 extern "C" {
 #include <libavutil/log.h>
@@ -33,14 +26,8 @@ using std::chrono::seconds;
 using Random = std::mt19937_64;
 using SteadyClock = std::chrono::steady_clock;
 
-struct Kind {
-  const char* extension;
-  const char* codecs;
-};
-
-constexpr const char* source = "-f lavfi -i testsrc=s=64x48:r=24:d=2 -f lavfi -i sine=d=2 ";
-
-constexpr Kind films[] = {
+/// An extension, and ffmpeg's words for what lies under it.
+constexpr const char* kinds[][2] = {
     {"mkv", "-c:v libx264 -preset ultrafast -g 12 -c:a flac"},
     {"mp4", "-c:v libx264 -preset ultrafast -g 12 -c:a aac"},
     {"mov", "-c:v mjpeg -c:a pcm_s16le"},
@@ -51,9 +38,10 @@ constexpr Kind films[] = {
     {"ogv", "-c:v libtheora -g 12 -c:a libvorbis"},
     {"flv", "-c:v flv1 -g 12 -ar 44100 -c:a libmp3lame"},
     {"wmv", "-c:v wmv2 -g 12 -c:a wmav2"},
+    {"flac", "-vn -c:a flac"},
+    {"mp3", "-vn -c:a libmp3lame"},
+    {"ogg", "-vn -c:a libvorbis"},
 };
-
-constexpr Kind songs[] = {{"flac", "-c:a flac"}, {"mp3", "-c:a libmp3lame"}, {"ogg", "-c:a libvorbis"}};
 
 std::size_t below(std::size_t bound, Random& random) {
   return bound == 0 ? 0 : random() % bound;
@@ -98,61 +86,46 @@ void boast(std::string& bytes, Random& random) {
 
 constexpr std::array damages{flip, cut, swap, zero, boast};
 
-struct Mutant {
-  fs::path path;
-  bool isSong;
-};
-
-Mutant makeMutant(std::uint64_t number, const fs::path& folder) {
+fs::path makeMutant(std::uint64_t number, const fs::path& folder) {
   Random random(number);
-  const std::size_t which = below(std::size(films) + std::size(songs), random);
-  const bool isSong = which >= std::size(films);
-  const Kind& kind = isSong ? songs[which - std::size(films)] : films[which];
-  const std::string words = (isSong ? "-f lavfi -i sine=d=2 " : source) + std::string(kind.codecs) + " OUT";
-  std::ifstream whole(rig::makeFile(words, kind.extension, TAVEK_TEST_MEDIA), std::ios::binary);
-  std::string bytes{std::istreambuf_iterator<char>(whole), {}};
+  const auto& [extension, codecs] = kinds[below(std::size(kinds), random)];
+  const std::string words =
+      std::string("-f lavfi -i testsrc=s=64x48:r=24:d=2 -f lavfi -i sine=d=2 ") + codecs + " OUT";
+  std::string bytes = test::readText(rig::makeFile(words, extension, TAVEK_TEST_MEDIA));
   damages[below(damages.size(), random)](bytes, random);
-  fs::path path = folder / (std::to_string(number) + "." + kind.extension);
-  std::ofstream(path, std::ios::binary) << bytes;
-  return {std::move(path), isSong};
+  fs::path path = folder / (std::to_string(number) + "." + extension);
+  test::writeText(path, bytes);
+  return path;
 }
 
 enum class Outcome { Played, Reported, Cut, Nothing, Hung };
 
 /// Plays a while, goes to the middle, and on to the end. What damaged times stretch is cut off.
 Outcome played(Play& play, test::FakeSound& card, const Clock& clock) {
-  constexpr seconds patience{20};
-  constexpr seconds beforeSeek{1};
-  constexpr std::int64_t targetUs = 500'000;
-  constexpr seconds longest{60};
-
-  const auto giveUp = SteadyClock::now() + patience;
-  while (play.opening() == Play::Opening::Underway) {
-    if (SteadyClock::now() > giveUp) return Outcome::Hung;
-    std::this_thread::sleep_for(microseconds(50));
-  }
+  const auto giveUp = SteadyClock::now() + seconds(20);
+  if (!test::waitUntil(20, [&] { return play.opening() != Play::Opening::Underway; })) return Outcome::Hung;
   if (play.opening() == Play::Opening::Failed) return Outcome::Reported;
 
   play.start(0);
   bool shown = false;
   bool sought = false;
   const auto begun = clock.now();
-  while (clock.now() - begun < longest) {
+  const auto heardOrSeen = [&](Outcome outcome) {
+    return shown || !card.heard().empty() ? outcome : Outcome::Nothing;
+  };
+  while (clock.now() - begun < seconds(60)) {
     if (SteadyClock::now() > giveUp) return Outcome::Hung;
     const Play::Turn turn = play.nextTurn();
-    if (turn == Play::Turn::Ended) {
-      if (play.error()) return Outcome::Reported;
-      return shown || !card.heard().empty() ? Outcome::Played : Outcome::Nothing;
-    }
+    if (turn == Play::Turn::Ended) return play.error() ? Outcome::Reported : heardOrSeen(Outcome::Played);
     if (turn == Play::Turn::Picture) {
       shown = true;
       play.presented();
     }
-    if (sought || clock.now() - begun < beforeSeek) continue;
-    play.requestSeek(targetUs);
+    if (sought || clock.now() - begun < seconds(1)) continue;
+    play.requestSeek(500'000);
     sought = true;
   }
-  return shown || !card.heard().empty() ? Outcome::Cut : Outcome::Nothing;
+  return heardOrSeen(Outcome::Cut);
 }
 
 Outcome watch(const std::string& path) {
@@ -180,18 +153,17 @@ int main(int count, char** words) {
   const std::uint64_t first = std::stoull(words[2]);
   std::array<int, 5> outcomes{};
   for (std::uint64_t number = first; number < first + std::stoull(words[1]); ++number) {
-    const Mutant mutant = makeMutant(number, folder);
+    const fs::path mutant = makeMutant(number, folder);
     // Whatever no longer answers at all ends here, with its clip in the folder.
     alarm(60);
-    const auto begun = SteadyClock::now();
-    const Outcome outcome = watch(mutant.path.string());
-    const double seconds = std::chrono::duration<double>(SteadyClock::now() - begun).count();
+    const double begun = rig::now();
+    const Outcome outcome = watch(mutant.string());
     ++outcomes[static_cast<std::size_t>(outcome)];
     if (outcome == Outcome::Nothing || outcome == Outcome::Hung)
-      std::printf("%s: %s after %.1f s\n", mutant.path.c_str(),
-                  outcome == Outcome::Hung ? "hangs" : "shows nothing", seconds);
+      std::printf("%s: %s after %.1f s\n", mutant.c_str(),
+                  outcome == Outcome::Hung ? "hangs" : "shows nothing", rig::now() - begun);
     else
-      fs::remove(mutant.path);
+      fs::remove(mutant);
   }
   std::printf("%d played, %d reported, %d cut off, %d showed nothing, %d hung\n", outcomes[0], outcomes[1],
               outcomes[2], outcomes[3], outcomes[4]);

@@ -1,19 +1,17 @@
-#include <atomic>
-#include <chrono>
-#include <functional>
 #include <semaphore>
-#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "player/media_queue.h"
 #include "player/sound_clock.h"
 #include "player/stale_frames.h"
+#include "support/wait.h"
 
 namespace tavek {
 namespace {
 
 using std::chrono::milliseconds;
+using test::waitUntil;
 using SteadyClock = std::chrono::steady_clock;
 
 bool push(PacketQueue& queue, unsigned round) {
@@ -29,40 +27,30 @@ int pop(PacketQueue& queue) {
   return queue.pop(packet) ? static_cast<int>(packet.seekRound) : -1;
 }
 
-bool soon(const auto& question) {
-  const auto limit = SteadyClock::now() + std::chrono::seconds(5);
-  while (!question() && SteadyClock::now() < limit) std::this_thread::sleep_for(milliseconds(1));
-  return question();
-}
-
 TEST(MediaQueue, BlockedThreadsWakeUp) {
-  const struct {
-    const char* what;
-    void (*wake)(PacketQueue&);
-    bool taken;
-  } cases[] = {
+  const std::tuple<const char*, void (*)(PacketQueue&), bool> cases[] = {
       {"close", [](PacketQueue& q) { q.close(); }, false},
       {"clear", [](PacketQueue& q) { q.clear(); }, true},
       {"pop", [](PacketQueue& q) { pop(q); }, true},
       // By the rule within 50 ms; the rest is what a busy machine may take to run the threads again.
       {"a signal, which wakes nobody", [](PacketQueue&) { stopSignalled = true; }, false},
   };
-  for (const auto& c : cases) {
+  for (const auto& [what, wake, takes] : cases) {
     PacketQueue full({.count = 1}), empty({.count = 1});
     ASSERT_TRUE(push(full, 1));
-    bool taken = !c.taken;
+    bool taken = !takes;
     std::thread producer([&] { taken = push(full, 2); });
-    std::thread consumer([&] { EXPECT_EQ(pop(empty), -1) << c.what; });
+    std::thread consumer([&] { EXPECT_EQ(pop(empty), -1); });
     std::this_thread::sleep_for(milliseconds(70));
     const auto start = SteadyClock::now();
-    c.wake(full);
+    wake(full);
     if (!stopSignalled) empty.close();
     producer.join();
     consumer.join();
-    EXPECT_LT(SteadyClock::now() - start, milliseconds(150)) << c.what;
+    EXPECT_LT(SteadyClock::now() - start, milliseconds(150)) << what;
     stopSignalled = false;
-    EXPECT_EQ(taken, c.taken) << c.what;
-    EXPECT_EQ(pop(full), c.taken ? 2 : -1) << c.what;
+    EXPECT_EQ(taken, takes) << what;
+    EXPECT_EQ(pop(full), takes ? 2 : -1) << what;
   }
 }
 
@@ -87,20 +75,14 @@ class Decoder {
 };
 
 TEST(FrameQueue, IsBoundByBytesAsWell) {
-  const struct {
-    const char* what;
-    std::size_t bytes, taken;
-  } cases[] = {
-      {"small pictures by their count", 6'144, 20},
-      {"large ones by their bytes", 1'500'000, 13},
-      {"huge ones still have a few", 24'000'000, 3},
-  };
-  for (const auto& c : cases) {
+  // Small pictures by their count, large ones by their bytes; huge ones still have a few.
+  for (const auto& [bytes, taken] :
+       {std::pair<std::size_t, std::size_t>{6'144, 20}, {1'500'000, 13}, {24'000'000, 3}}) {
     FrameQueue queue({.count = 20, .bytes = 20'000'000, .countAtLeast = 3});
-    const Decoder decoder(queue, [&] { return av_buffer_alloc(c.bytes); });
-    EXPECT_TRUE(soon([&] { return decoder.taken >= c.taken; })) << c.what;
+    const Decoder decoder(queue, [size = bytes] { return av_buffer_alloc(size); });
+    test::waitUntil(5, [&, most = taken] { return decoder.taken >= most; });
     std::this_thread::sleep_for(milliseconds(20));
-    EXPECT_EQ(decoder.taken, c.taken) << c.what;
+    EXPECT_EQ(decoder.taken, taken) << bytes;
     queue.close();
   }
 }
@@ -116,9 +98,9 @@ TEST(FrameQueue, GivesADecoderItsPicturesBackWhenItIsClosed) {
     free.acquire();
     return av_buffer_create(byte, 1, giveBack, &free, 0);
   });
-  EXPECT_TRUE(soon([&] { return decoder.taken == 4; }));
+  EXPECT_TRUE(waitUntil(5, [&] { return decoder.taken == 4; }));
   queue.close();
-  EXPECT_TRUE(soon([&] { return decoder.ended.load(); })) << "the decoder waits for its pictures";
+  EXPECT_TRUE(waitUntil(5, [&] { return decoder.ended.load(); })) << "the decoder waits for its pictures";
   queue.clear();
 }
 
@@ -155,7 +137,7 @@ TEST(SoundClock, StaysBetweenWhatIsHeardAndWhatIsWritten) {
   SoundClock clock;
   clock.wrote(0, 600'000, 450'000, t0);
   for (const auto& [afterMs, heardUs] :
-       {std::pair{-20, 150'000}, std::pair{100, 250'000}, std::pair{450, 600'000}, std::pair{900, 600'000}}) {
+       {std::pair{-20, 150'000}, {100, 250'000}, {450, 600'000}, {900, 600'000}}) {
     EXPECT_EQ(clock.heardUs(t0 + milliseconds(afterMs)), heardUs) << afterMs;
   }
 }

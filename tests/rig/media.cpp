@@ -36,10 +36,9 @@ std::string rawPictures(const Clip& clip) {
 
 std::string pictureFilters(const Clip& clip) {
   const std::string size = std::to_string(clip.width) + ":";
-  if (clip.backdrop.empty()) {
+  if (clip.backdrop.empty())
     return "[0:v]scale=" + size + std::to_string(clip.height) + ":flags=neighbor,format=yuv420p," +
            clip.filters;
-  }
   return "[0:v]crop=20:4:0:0,scale=" + size + std::to_string(clip.height / 3) + ":flags=neighbor[n];" +
          clip.backdrop + "[b];[b][n]overlay=shortest=1,format=yuv420p," + clip.filters;
 }
@@ -75,9 +74,8 @@ fs::path makeClip(const Clip& clip, const fs::path& folder) {
   std::ostringstream words;
   words << "-f rawvideo -pix_fmt gray -video_size " << stripCells << "x" << rawRows << " -framerate "
         << clip.rate << " -i " << raw.string();
-  if (!clip.sound.empty()) {
+  if (!clip.sound.empty())
     words << " -f lavfi -i aevalsrc=" << clip.sound << ":s=" << clip.soundRate << ":d=" << clip.seconds;
-  }
   if (!clip.video.empty())
     words << " -filter_complex " << pictureFilters(clip) << "[v] -map [v] " << clip.video;
   if (!clip.sound.empty()) words << " -map 1:a " << clip.audio;

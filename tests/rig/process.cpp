@@ -18,9 +18,6 @@ namespace {
 double seconds(const timeval& time) {
   return double(time.tv_sec) + double(time.tv_usec) / 1e6;
 }
-double seconds(const timespec& time) {
-  return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
-}
 
 std::vector<std::string> childEnvironment(const Environment& given) {
   std::vector<std::string> lines;
@@ -43,18 +40,14 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
 }  // namespace
 
 double now() {
-  timespec time{};
-  clock_gettime(CLOCK_MONOTONIC, &time);
-  return seconds(time);
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
 Program::Program(const std::vector<std::string>& arguments, const Environment& environment, int outputPipe) {
   std::vector<std::string> words = arguments;
   std::vector<std::string> variables = childEnvironment(environment);
-  std::vector<char*> argv = pointers(words);
-  std::vector<char*> envp = pointers(variables);
-  const std::string out = folder_.path() / "out";
-  const std::string err = folder_.path() / "err";
+  const std::vector<char*> argv = pointers(words), envp = pointers(variables);
+  const std::string out = folder_.path() / "out", err = folder_.path() / "err";
   startedAt_ = now();
   id_ = fork();
   if (id_ == 0) {
@@ -95,7 +88,7 @@ double Program::cpuSeconds() const {
   clockid_t clock{};
   timespec time{};
   if (clock_getcpuclockid(id_, &clock) != 0 || clock_gettime(clock, &time) != 0) return 0;
-  return seconds(time);
+  return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
 }
 
 }  // namespace tavek::rig

@@ -1,31 +1,17 @@
 // Programs that a test starts, and the temporary folders in which they live. All waiting has a deadline.
 #pragma once
 
-#include <chrono>
-#include <filesystem>
 #include <map>
-#include <string>
 #include <sys/types.h>
-#include <thread>
 #include <vector>
 
 #include "support/temp_folder.h"
+#include "support/wait.h"
 
 namespace tavek::rig {
 
 /// Seconds on CLOCK_MONOTONIC: the one clock of all rig measurements.
 double now();
-
-/// Polls until the question is answered with true; false when the seconds are over.
-template <typename Question>
-bool waitUntil(double seconds, Question question) {
-  const double end = now() + seconds;
-  while (!question()) {
-    if (now() >= end) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
-  }
-  return true;
-}
 
 /// Lets the time of a measurement go by.
 inline void let(double seconds) {
@@ -34,6 +20,7 @@ inline void let(double seconds) {
 
 using test::readText;
 using test::TempFolder;
+using test::waitUntil;
 using test::writeText;
 
 using Environment = std::map<std::string, std::string>;

@@ -15,8 +15,7 @@ namespace tavek::rig {
 namespace {
 
 // Fields of the dump header, in 32-bit big-endian words.
-constexpr int headerBytesField = 0;
-constexpr int colourCountField = 19;
+constexpr int headerBytesField = 0, colourCountField = 19;
 constexpr std::size_t colourBytes = 12;
 
 constexpr int numberBits = 16;
@@ -96,23 +95,18 @@ std::optional<int> Screen::number(const Line& line) const {
 
 bool Screen::focusWindow(double seconds) {
   return waitUntil(seconds, [this] {
-    Window root = 0;
-    Window parent = 0;
-    Window* children = nullptr;
+    Window root = 0, parent = 0, focused = 0, *children = nullptr;
     unsigned count = 0;
+    int revert = 0;
     XQueryTree(display_, DefaultRootWindow(display_), &root, &parent, &children, &count);
     window_ = 0;
     for (unsigned i = 0; i < count; ++i) {
       XWindowAttributes attributes{};
-      if (XGetWindowAttributes(display_, children[i], &attributes) != 0 &&
-          attributes.map_state == IsViewable) {
-        window_ = children[i];
-      }
+      XGetWindowAttributes(display_, children[i], &attributes);
+      if (attributes.map_state == IsViewable) window_ = children[i];
     }
     if (children != nullptr) XFree(children);
     if (window_ == 0) return false;
-    Window focused = 0;
-    int revert = 0;
     XSetInputFocus(display_, window_, RevertToParent, CurrentTime);
     XGetInputFocus(display_, &focused, &revert);
     return focused == window_;
@@ -147,8 +141,7 @@ Watch::~Watch() {
 
 std::vector<Sight> Watch::sights(double since) const {
   const std::scoped_lock hold(lock_);
-  const auto isBefore = [](const Sight& sight, double time) { return sight.at < time; };
-  return {std::lower_bound(sights_.begin(), sights_.end(), since, isBefore), sights_.end()};
+  return {std::ranges::lower_bound(sights_, since, {}, &Sight::at), sights_.end()};
 }
 
 std::vector<Sight> Watch::numbered(int from, int to) const {

@@ -2,14 +2,9 @@
 #pragma once
 
 #include <atomic>
-#include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <string>
-#include <thread>
-#include <vector>
 
 #include "rig/process.h"
 
@@ -18,15 +13,12 @@ struct _XDisplay;
 namespace tavek::rig {
 
 struct Point {
-  int x = 0;
-  int y = 0;
+  int x = 0, y = 0;
 };
 
-/// Where the number strip of a picture lies on the screen: from its first cell's outer edge to the last
-/// one's.
+/// Where the number strip of a picture lies: from its first cell's outer edge to the last one's.
 struct Line {
-  Point from;
-  Point to;
+  Point from, to;
 };
 
 /// The strip of a picture that fills a 1920 by 1080 screen.

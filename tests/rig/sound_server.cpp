@@ -43,8 +43,7 @@ double Recording::level() const {
 }
 
 double Recording::pitch() const {
-  std::size_t first = 0;
-  std::size_t last = 0;
+  std::size_t first = 0, last = 0;
   int crossings = -1;
   for (std::size_t i = 1; i < samples.size(); ++i) {
     if (samples[i - 1] >= 0 || samples[i] < 0) continue;
@@ -75,9 +74,8 @@ SoundServer::SoundServer() {
                                "module-null-sink sink_name=rig rate=48000 channels=2 norewinds=1", "-L",
                                "module-native-protocol-unix auth-anonymous=1 socket=" + socket},
       environment());
-  if (!waitUntil(20, [this] { return std::filesystem::exists(folder_.path() / "socket"); })) {
+  if (!waitUntil(20, [this] { return std::filesystem::exists(folder_.path() / "socket"); }))
     throw std::runtime_error("no sound server: " + server_->errors());
-  }
   int ends[2];
   if (pipe(ends) != 0) throw std::runtime_error("no pipe");
   recorder_ = std::make_unique<Program>(
@@ -86,9 +84,8 @@ SoundServer::SoundServer() {
       environment(), ends[1]);
   close(ends[1]);
   reader_ = std::jthread([this, end = ends[0]] { readSamples(end); });
-  if (!waitUntil(20, [this] { return recording().samples.size() > recordRate / 10; })) {
+  if (!waitUntil(20, [this] { return recording().samples.size() > recordRate / 10; }))
     throw std::runtime_error("no recorder: " + recorder_->errors());
-  }
 }
 
 Environment SoundServer::environment() const {

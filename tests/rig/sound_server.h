@@ -1,13 +1,9 @@
 // A sound server of a test's own, with a device that is paced in real time and a recorder of what it plays.
 #pragma once
 
-#include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <signal.h>
-#include <thread>
-#include <vector>
 
 #include "rig/process.h"
 

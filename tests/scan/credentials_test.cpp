@@ -6,6 +6,7 @@
 
 #include "base/process_flags.h"
 #include "scan/scan_schedule.h"
+#include "support/table.h"
 #include "support/temp_folder.h"
 
 namespace tavek {
@@ -49,9 +50,8 @@ TEST_F(CredentialFiles, AreReadOnlyIfTheyAreFiles) {
   fs::create_directories(folders.home);
   const fs::path pipe = folders.home / "pipe";
   ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-  for (const fs::path& none : {pipe, folders.home, folders.home / "missing", fs::path("/dev/null")}) {
+  for (const fs::path& none : {pipe, folders.home, folders.home / "missing", fs::path("/dev/null")})
     EXPECT_EQ(readConfigText(none), std::nullopt) << none;
-  }
   writeText(folders.home / "lines", "{\"Key\"\n:\n\"a\nb\"}");
   EXPECT_EQ(readConfigText(folders.home / "lines"), "{\"Key\":\"ab\"}");
   writeText(folders.home / "long", std::string(100'000, ' ') + R"("Key":"late")");
@@ -81,10 +81,7 @@ TEST_F(CredentialFiles, GiveTheirKeysAndKeepThemOutOfTheLog) {
 }
 
 TEST(CredentialKeys, AreReadInTheirOrder) {
-  const struct {
-    const char* text;
-    std::optional<std::string> key;
-  } values[] = {
+  const std::pair<const char*, std::optional<std::string>> values[] = {
       {R"({"Key" : "abc"})", "abc"}, {R"({"Key":""})", {}},
       {R"({"Key":"a)", {}},          {R"({"Key")", {}},
       {R"({"key":"a"})", {}},        {R"({"Key":5,"Other":"x"})", "Other"},
@@ -93,10 +90,7 @@ TEST(CredentialKeys, AreReadInTheirOrder) {
   };
   for (const auto& [text, key] : values) EXPECT_EQ(readConfigString(text, "Key"), key) << text;
 
-  const struct {
-    const char* text;
-    std::string fanart;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {R"({"Key":"5","APIKey":"4","ApiKey":"3","client_key":"c","ClientKey":"d"})", "3 c  "},
       {R"({"FanartKey":"8","Key":"5","FanartClientKey":"9","clientKey":"7"})", "5 7  "},
       {R"({"api_key":"1","ApiKey":"3","TvdbKey":"a","tvdb_key":"b","TVDBKey":"c"})", "1  c "},
@@ -110,66 +104,36 @@ TEST(CredentialKeys, AreReadInTheirOrder) {
 }
 
 constexpr std::int64_t now = 1'000'000;
-using Time = std::optional<std::int64_t>;
 
 TEST(ScanSchedule, ScansARoomOnceADay) {
-  const struct {
-    std::int64_t at;
-    TmdbScanRecord record;
-    const char* folder;
-    bool force;
-    ScanDecision decision;
-  } rows[] = {
-      {now,
-       {now - 86399, "movies", {}},
-       "movies",
-       false,
-       {false, "scan skipped for movies (last run under 24h)"}},
-      {now, {now - 86400, "movies", {}}, "movies", false, {true}},
-      {now,
-       {now - 5, "Movies", {}},
-       "movies",
-       false,
-       {false, "scan skipped for Movies (last run under 24h)"}},
-      {now, {now - 5, "", {}}, "", false, {false, "scan skipped (last run under 24h)"}},
-      {now, {now - 5, "movies", {}}, "movies", true, {true, "scan forced by --tmdb-scan"}},
-      {now, {now + 5, "movies", {}}, "movies", false, {true}},
-      {now, {{}, "movies", {}}, "movies", false, {true}},
-      {0, {0, "movies", {}}, "movies", false, {true}},
-      {now, {now - 5, {}, {}}, "movies", false, {true}},
-      {now, {now - 5, "movies", {}}, "kids", false, {true}},
-      {now,
-       {now - 5, "kids", now - 3600},
-       "movies",
-       false,
-       {false, "scan skipped for movies (last run under 24h)"}},
-      {now, {now - 5, "kids", now - 86400}, "movies", false, {true}},
-      {now, {now - 5, "kids", now - 5}, "movies", true, {true, "scan forced by --tmdb-scan"}},
+  const auto before = [](const std::string& seconds) {
+    return seconds == "-" ? std::nullopt : std::optional(now - std::stoi(seconds));
   };
-  for (const auto& row : rows) {
-    EXPECT_EQ(tmdbScanDue(row.at, row.record, row.folder, row.force), row.decision)
-        << row.folder << " " << row.at - row.record.last.value_or(0);
+  // The last scan: its age, its room, its age in this run; the room that is asked for; what is said.
+  for (const auto& [age, label, inRun, room, said] : test::table<5>(R"(
+      86399 => movies => - => movies => skipped for movies ;; 86400 => movies => - => movies => scanned
+      5 => Movies => - => movies => skipped for Movies ;; 5 => => - => => skipped ;; 5 => - => - => movies => scanned
+      -5 => movies => - => movies => scanned ;; - => movies => - => movies => scanned ;; 5 => movies => - => kids => scanned
+      5 => kids => 3600 => movies => skipped for movies ;; 5 => kids => 86400 => movies => scanned)")) {
+    const TmdbScanRecord record{before(age), label == "-" ? std::nullopt : std::optional(label),
+                                before(inRun)};
+    const ScanDecision due = tmdbScanDue(now, record, room, false);
+    EXPECT_EQ(due.run, said == "scanned") << age << label << inRun;
+    EXPECT_EQ(due.line, due.run ? "" : "scan " + said + " (last run under 24h)");
+    EXPECT_EQ(tmdbScanDue(now, record, room, true), (ScanDecision{true, "scan forced by --tmdb-scan"}));
   }
+  EXPECT_TRUE(tmdbScanDue(0, {0, "movies", {}}, "movies", false).run) << "the clock fails";
 }
 
 TEST(ScanSchedule, ScansTheArtOfSeriesAndAtTheStartOnceADay) {
-  const struct {
-    std::int64_t at;
-    Time last;
-    bool request, start;
-  } rows[] = {
-      {now, {}, true, true},
-      {now, now - 86399, false, false},
-      {now, now - 86400, true, true},
-      {now, now + 1, true, true},
-      {now, now, false, false},
-      {0, {}, true, true},
-      {0, 5, true, false},
-      {-1, -7, true, false},
-      {now, INT64_MIN, true, true},
-      {now, INT64_MAX, true, true},
-      {INT64_MAX, INT64_MIN, true, true},
-  };
+  constexpr std::int64_t yesterday = now - 86400, least = INT64_MIN, most = INT64_MAX;
+  const std::tuple<std::int64_t, std::optional<std::int64_t>, bool, bool> rows[] = {
+      {now, {}, true, true},        {now, yesterday + 1, false, false},
+      {now, yesterday, true, true}, {now, now + 1, true, true},
+      {now, now, false, false},     {0, {}, true, true},
+      {0, 5, true, false},          {-1, -7, true, false},
+      {now, least, true, true},     {now, most, true, true},
+      {most, least, true, true}};
   for (const auto& [at, last, request, start] : rows) {
     const ScanDecision due = fanartScanDue(at, last, false);
     EXPECT_EQ(due.run, request) << at;

@@ -1,11 +1,9 @@
 #include "scan/replies.h"
 
-#include <chrono>
-
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "scan/reply_text.h"
+#include "support/table.h"
 
 namespace tavek {
 namespace {
@@ -45,25 +43,12 @@ TEST(Ids, AreThoseOfTheThingItself) {
   EXPECT_EQ(readTvdbNumber(R"({"id":1,"tvdb_id": 121361})"), 121361);
   EXPECT_EQ(readTvdbNumber(R"({"id":1,"tvdb_id":null,"x":7})"), std::nullopt);
 
-  const struct {
-    const char* text;
-    std::optional<std::string> id;
-  } rows[] = {
-      {"121361\n", "121361"},
-      {" 12 ", "12"},
-      {"<tvshow><id>81189</id>", "81189"},
-      {"<ID> \n81189\n</Id>", "81189"},
-      {"<id>12</id><id>345</id>", "345"},
-      {"<id>81189", {}},
-      {"tvdb: 12", {}},
-      {"tvdb: 12 TheTVDB=3456", "3456"},
-      {"{\"tvdb_id\" : \"789\"}", "789"},
-      {"<tvdbid> 456 </tvdbid><id>123</id>", "456"},
-      {"imdb 12345", {}},
-      {"9999999999999999999", {}},
-      {"", {}},
-  };
-  for (const auto& [text, id] : rows) EXPECT_EQ(readTvdbId(text), id) << text;
+  for (const auto& [text, id] : test::table(R"(
+      121361 => 121361 ;; <tvshow><id>81189</id> => 81189 ;; <ID>  81189 </Id> => 81189 ;; <id>12</id><id>345</id> => 345
+      <id>81189 => - ;; tvdb: 12 => - ;; tvdb: 12 TheTVDB=3456 => 3456 ;; {"tvdb_id" : "789"} => 789
+      <tvdbid> 456 </tvdbid><id>123</id> => 456 ;; imdb 12345 => - ;; 9999999999999999999 => - ;; => -)"))
+    EXPECT_EQ(readTvdbId(text).value_or("-"), id) << text;
+  EXPECT_EQ(readTvdbId(" 12\n"), "12");
 }
 
 TEST(Art, IsEnglishOfItsKindAndSeason) {
@@ -84,13 +69,9 @@ TEST(Art, IsEnglishOfItsKindAndSeason) {
   EXPECT_EQ(pickArt(body, "clearlogo", ".png"), std::nullopt);
   EXPECT_TRUE(hasList(body, "tvtheme"));
   EXPECT_FALSE(hasList(body, "clearlogo"));
-  const struct {
-    std::int32_t season;
-    std::optional<std::string> url;
-  } seasons[] = {{3, "https://a/3.jpg"}, {4, "https://a/4.jpg"}, {12, "https://a/12.jpg"}, {1, {}}, {13, {}}};
-  for (const auto& [season, url] : seasons) {
-    EXPECT_EQ(pickSeasonArt(body, "seasonposter", ".jpg", season), url) << season;
-  }
+  for (const auto& [season, url] : {std::pair{3, "3"}, {4, "4"}, {12, "12"}, {1, ""}, {13, ""}})
+    EXPECT_EQ(pickSeasonArt(body, "seasonposter", ".jpg", season).value_or("https://a/.jpg"),
+              "https://a/" + std::string(url) + ".jpg");
 }
 
 TEST(Pictures, HavePlainPaths) {
@@ -106,44 +87,32 @@ TEST(Pictures, HavePlainPaths) {
 }
 
 TEST(Episodes, ComeInPages) {
-  const EpisodePage page =
-      readEpisodePage(R"({"status":"success","data":{"series":{"name":"Show","episodes":null},
+  const char* const body = R"({"status":"success","data":{"series":{"name":"Show","episodes":null},
       "episodes":[{"id":1,"name":"One","seasonNumber":1,"number":1,"nameTranslations":["eng"],"x":{"number":9}},
         {"name":"Old","seasonNumber":1,"number":2},{"name":"Two","episodeName":"2nd","season":"1",
          "episodeNumber":"2"},{"name":null,"seasonNumber":1,"number":3},{"name":"No","number":4},
         {"name":"Special","seasonNumber":0,"number":1}]},
-      "links":{"prev":null,"self":"https://x/?page=0","next":"https://x/default?page=1","total_items":6}})",
-                      0);
+      "links":{"prev":null,"self":"https://x/?page=0","next":"https://x/default?page=1","total_items":6}})";
+  const EpisodePage page = readEpisodePage(body, 0);
   EXPECT_EQ(page.entries, (EpisodeTable{{{1, 1}, "One"}, {{1, 2}, "2nd"}, {{0, 1}, "Special"}}));
   EXPECT_EQ(page.next, 1);
   EXPECT_EQ(EpisodeHash()({2, 5}), 2630847827U);
 
-  EXPECT_EQ(
-      readEpisodePage(R"({"data":[{"name":"A","season":2,"number":7}],"next": 3})", 2).entries.at({2, 7}),
-      "A");
-  const struct {
-    const char* body;
-    std::int32_t page;
-    std::optional<std::int32_t> next;
-  } rows[] = {
-      {R"({"links":{"next": 3}})", 2, 3},
-      {R"({"next":3})", 3, {}},
-      {R"({"next":-1})", 0, {}},
-      {R"({"links":{"next":null}})", 0, {}},
-      {R"({"links":{"next":"https://x/?page=4&language=eng"}})", 3, 4},
-      {R"({"links":{"next":"https://x/?page=99999999999"}})", 3, {}},
-      {R"({"links":{"next":"https://x/"}})", 3, {}},
-      {R"({"data":[]})", 0, {}},
-      {R"({"links":null})", 0, {}},
-  };
-  for (const auto& [body, number, next] : rows) EXPECT_EQ(readEpisodePage(body, number).next, next) << body;
+  EXPECT_EQ(readEpisodePage(R"({"data":[{"name":"A","season":2,"number":7}]})", 2).entries.at({2, 7}), "A");
+  // What comes after the page of this number.
+  for (const auto& [reply, number, next] : test::table<3>(R"(
+      {"links":{"next": 3}} => 2 => 3 ;; {"next":3} => 3 => - ;; {"next":-1} => 0 => - ;; {"links":{"next":null}} => 0 => -
+      {"links":{"next":"https://x/?page=4&language=eng"}} => 3 => 4 ;; {"links":{"next":"https://x/?page=99999999999"}} => 3 => -
+      {"links":{"next":"https://x/"}} => 3 => - ;; {"data":[]} => 0 => - ;; {"links":null} => 0 => -)")) {
+    const auto found = readEpisodePage(reply, std::stoi(number)).next;
+    EXPECT_EQ(found ? std::to_string(*found) : "-", next) << reply;
+  }
 }
 
 TEST(Tokens, MayStandInAHeader) {
   EXPECT_EQ(readToken(R"({"status":"success","data":{"token":"a.b-c"}})"), "a.b-c");
-  for (const char* bad : {"", R"({"token":""})", R"({"token":"a\r\nb"})", R"({"token":"a)"}) {
+  for (const char* bad : {"", R"({"token":""})", R"({"token":"a\r\nb"})", R"({"token":"a)"})
     EXPECT_EQ(readToken(bad), std::nullopt) << bad;
-  }
 }
 
 TEST(Replies, TakeTimeInProportionToTheirLength) {

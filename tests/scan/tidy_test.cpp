@@ -1,8 +1,5 @@
 #include "scan/tidy.h"
 
-#include <csignal>
-#include <map>
-#include <sys/resource.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
@@ -12,13 +9,13 @@
 #include "scan/undo_renames.h"
 #include "state/state_store.h"
 #include "support/media_root.h"
+#include "support/table.h"
 
 namespace tavek {
 namespace {
 
 namespace fs = std::filesystem;
 using namespace test;
-using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -38,11 +35,6 @@ Tree treeOf(const fs::path& room) {
   return tree;
 }
 
-struct Film {
-  std::string path;
-  std::string wanted;
-};
-
 class TidyTest : public testing::Test {
  protected:
   static fs::path freshFile() {
@@ -53,6 +45,11 @@ class TidyTest : public testing::Test {
   /// Each holds its own name, and as many bytes more as are told.
   void put(const std::string& name, std::size_t more = 0) const {
     writeText(room / name, name + std::string(more, '.'));
+  }
+  /// A bar stands between the names.
+  void putAll(const std::string& names) const {
+    std::istringstream list(names);
+    for (std::string name; std::getline(list, name, '|');) put(name);
   }
   std::string at(const std::string& name) const { return (room / name).string(); }
   std::string tidyOne(const std::string& name, const std::string& wanted) const {
@@ -85,62 +82,41 @@ class TidyTest : public testing::Test {
 
 TEST_F(TidyTest, PutsAMessyRoomInOrderOnceAndBack) {
   const std::string nfd = "Ame\xcc\x81lie", nfc = "Am\xc3\xa9lie", latin = "\xc4lien";
+  putAll(
+      "Alien.1979.1080p.en.srt|Alien.1979.1080p.pt-BR.forced.srt|Alien.1979.1080p.nfo|"
+      "Alien.1979.1080p-thumb.jpg|Alien.1979.1080p.poster.jpg|Alien.1979.1080p.Extra.jpg|"
+      "Alien.1979.1080p.avi|aliens/aliens.srt|aliens/poster.jpg|aliens/Extras/making of.mkv|"
+      "aliens/aliens-trailer.mkv|aliens/.hidden.mkv|Box/Down.mkv|Box/Up.de.srt|Box/Down.srt|Box/poster.jpg|"
+      "deep/er/Heat.1995.mkv|deep/er/poster.jpg|Long CD1.avi|Long CD2.avi|1917.2019.mkv|2012.mkv|"
+      "solaris.mkv|Taken.mkv|Taken/other.txt|Taken/Taken.avi|Same.mkv|same.mkv|ships/VIDEO_TS/a.vob|"
+      "Show S01E02.mkv|Trailers/x.mkv|sample.mkv|Paw/Season 1/one.mkv|Season of/w.mkv|.secret/y.mkv|🎬.mkv|" +
+      nfd + ".mkv|" + latin + ".mkv|" + latin + ".srt");
   put("Alien.1979.1080p.mkv", 50);
-  for (const char* name :
-       {"Alien.1979.1080p.en.srt", "Alien.1979.1080p.pt-BR.forced.srt", "Alien.1979.1080p.nfo",
-        "Alien.1979.1080p-thumb.jpg", "Alien.1979.1080p.poster.jpg", "Alien.1979.1080p.Extra.jpg",
-        "Alien.1979.1080p.avi"})
-    put(name);
   put("aliens/aliens.mkv", 9);
-  for (const char* name : {"aliens/aliens.srt", "aliens/poster.jpg", "aliens/Extras/making of.mkv",
-                           "aliens/aliens-trailer.mkv", "aliens/.hidden.mkv"})
-    put(name);
   put("Box/Up.mkv", 5);
-  for (const char* name : {"Box/Down.mkv", "Box/Up.de.srt", "Box/Down.srt", "Box/poster.jpg"}) put(name);
-  put("deep/er/Heat.1995.mkv");
-  put("deep/er/poster.jpg");
-  for (const char* name :
-       {"Long CD1.avi", "Long CD2.avi", "1917.2019.mkv", "2012.mkv", "solaris.mkv", "Taken.mkv",
-        "Taken/other.txt", "Taken/Taken.avi", "Same.mkv", "same.mkv", "ships/VIDEO_TS/a.vob",
-        "Show S01E02.mkv", "Trailers/x.mkv", "sample.mkv", "Paw/Season 1/one.mkv", "Season of/w.mkv",
-        ".secret/y.mkv", "\xf0\x9f\x98\x80.mkv"})
-    put(name);
-  put(nfd + ".mkv");
-  put(latin + ".mkv");
-  put(latin + ".srt");
   fs::create_symlink("../outside", room / "linked");
   writeText(mediaRoot() / "outside/film.mkv", "outside");
   fs::create_symlink("2012.mkv", room / "link.mkv");
-  const std::vector<std::pair<Film, std::string>> films{
-      {{"Alien.1979.1080p.avi", "Alien (1979)"}, "Alien.1979.1080p.avi"},
-      {{"Alien.1979.1080p.mkv", "Alien (1979)"}, "Alien (1979)/Alien (1979).mkv"},
-      {{"aliens/aliens.mkv", "Aliens (1986)"}, "Aliens (1986)/Aliens (1986).mkv"},
-      {{"Box/Down.mkv", "Down (2001)"}, "Box/Down.mkv"},
-      {{"Box/Up.mkv", "Up (2009)"}, "Up (2009)/Up (2009).mkv"},
-      {{"deep/er/Heat.1995.mkv", "Heat (1995)"}, "Heat (1995)/Heat (1995).mkv"},
-      {{"Long CD1.avi", "Long (1990)"}, "Long CD1.avi"},
-      {{"Long CD2.avi", "Long (1990)"}, "Long CD2.avi"},
-      {{"1917.2019.mkv", "1917 (2019)"}, "1917 (2019)/1917 (2019).mkv"},
-      {{"2012.mkv", "2012"}, "2012/2012.mkv"},
-      {{"solaris.mkv", "Солярис (1972)"}, "Солярис (1972)/Солярис (1972).mkv"},
-      {{"Taken.mkv", "Taken"}, "Taken.mkv"},
-      {{"Same.mkv", "same"}, "same/same.mkv"},
-      {{"same.mkv", "Same"}, "Same/Same.mkv"},
-      {{"ships/VIDEO_TS/a.vob", "Ships"}, "ships/VIDEO_TS/a.vob"},
-      {{"Show S01E02.mkv", "Show"}, "Show S01E02.mkv"},
-      {{"Paw/Season 1/one.mkv", "One (2001)"}, "Paw/Season 1/one.mkv"},
-      {{"Season of/w.mkv", "Season of (2011)"}, "Season of (2011)/Season of (2011).mkv"},
-      {{"Trailers/x.mkv", "X (1999)"}, "Trailers/x.mkv"},
-      {{"sample.mkv", "Sample (2000)"}, "sample.mkv"},
-      {{".secret/y.mkv", "Y"}, ".secret/y.mkv"},
-      {{"\xf0\x9f\x98\x80.mkv", "Emoji"}, "Emoji/Emoji.mkv"},
-      {{nfd + ".mkv", nfc}, nfc + "/" + nfc + ".mkv"},
-      {{latin + ".mkv", "Latin"}, "Latin/Latin.mkv"},
-      {{"linked/film.mkv", "Film"}, "linked/film.mkv"},
-      {{"link.mkv", "Link"}, "link.mkv"}};
+  // "-" stands for the place where it is.
+  std::vector<std::array<std::string, 3>> films = table<3>(R"(
+      Alien.1979.1080p.avi => Alien (1979) => - ;; Alien.1979.1080p.mkv => Alien (1979) => Alien (1979)/Alien (1979).mkv
+      aliens/aliens.mkv => Aliens (1986) => Aliens (1986)/Aliens (1986).mkv ;; Box/Down.mkv => Down (2001) => -
+      Box/Up.mkv => Up (2009) => Up (2009)/Up (2009).mkv ;; 2012.mkv => 2012 => 2012/2012.mkv
+      deep/er/Heat.1995.mkv => Heat (1995) => Heat (1995)/Heat (1995).mkv ;; Long CD1.avi => Long (1990) => -
+      Long CD2.avi => Long (1990) => - ;; 1917.2019.mkv => 1917 (2019) => 1917 (2019)/1917 (2019).mkv
+      solaris.mkv => Солярис (1972) => Солярис (1972)/Солярис (1972).mkv ;; Taken.mkv => Taken => -
+      Same.mkv => same => same/same.mkv ;; same.mkv => Same => Same/Same.mkv ;; ships/VIDEO_TS/a.vob => Ships => -
+      Show S01E02.mkv => Show => - ;; Paw/Season 1/one.mkv => One (2001) => - ;; Trailers/x.mkv => X (1999) => -
+      Season of/w.mkv => Season of (2011) => Season of (2011)/Season of (2011).mkv ;; sample.mkv => Sample (2000) => -
+      .secret/y.mkv => Y => - ;; 🎬.mkv => Emoji => Emoji/Emoji.mkv ;; linked/film.mkv => Film => - ;; link.mkv => Link => -)");
+  films.push_back({nfd + ".mkv", nfc, nfc + "/" + nfc + ".mkv"});
+  films.push_back({latin + ".mkv", "Latin", "Latin/Latin.mkv"});
+  for (auto& [film, wanted, goal] : films) {
+    if (goal == "-") goal = film;
+  }
 
   const Tree before = treeOf(room);
-  for (const auto& [film, goal] : films) EXPECT_EQ(tidyOne(film.path, film.wanted), goal);
+  for (const auto& [film, wanted, goal] : films) EXPECT_EQ(tidyOne(film, wanted), goal);
   const Tree after = treeOf(room);
   for (const char* ending : {".en.srt", ".pt-BR.forced.srt", ".nfo", "-thumb.jpg", ".poster.jpg"})
     EXPECT_EQ(after.at(std::string("Alien (1979)/Alien (1979)") + ending),
@@ -154,32 +130,32 @@ TEST_F(TidyTest, PutsAMessyRoomInOrderOnceAndBack) {
   EXPECT_FALSE(after.contains("deep") || after.contains("aliens"));
 
   restart(200);
-  for (const auto& [film, goal] : films) EXPECT_EQ(tidyOne(goal, film.wanted), goal);
+  for (const auto& [film, wanted, goal] : films) EXPECT_EQ(tidyOne(goal, wanted), goal);
   EXPECT_EQ(treeOf(room), after);
 
   const UndoReport report = undo();
   EXPECT_EQ(report.skipped, 0U) << testing::PrintToString(report.lines);
   EXPECT_EQ(treeOf(room), before);
   restart(300);
-  for (const auto& [film, goal] : films) tidyOne(film.path, film.wanted);
+  for (const auto& [film, wanted, goal] : films) tidyOne(film, wanted);
   EXPECT_EQ(treeOf(room), before) << "what was taken back stays so";
   EXPECT_EQ(readText(mediaRoot() / "outside/film.mkv"), "outside");
 }
 
 TEST_F(TidyTest, LeavesWhatMustNotBeTouched) {
-  for (const auto& [wanted, why] :
-       std::vector<std::pair<std::string, std::string>>{{"", "no name"},
-                                                        {"..", "the folder above"},
-                                                        {".Film", "hidden"},
-                                                        {"../Film", "out of the room"},
-                                                        {"Fi/lm", "a folder"},
-                                                        {"Fi\nlm", "a control character"},
-                                                        {std::string("Fi\0lm", 5), "an end of the text"},
-                                                        {std::string(181, 'a'), "a name of 181 bytes"},
-                                                        {"Trailer", "a name that would hide it"},
-                                                        {"Extras", "a folder that would hide it"},
-                                                        {"File", "a file in the way of the folder"},
-                                                        {"Link", "a link in the way of the folder"}}) {
+  const std::pair<std::string, const char*> names[] = {{"", "no name"},
+                                                       {"..", "the folder above"},
+                                                       {".Film", "hidden"},
+                                                       {"../Film", "out of the room"},
+                                                       {"Fi/lm", "a folder"},
+                                                       {"Fi\nlm", "a control character"},
+                                                       {std::string("Fi\0lm", 5), "an end of the text"},
+                                                       {std::string(181, 'a'), "a name of 181 bytes"},
+                                                       {"Trailer", "a name that would hide it"},
+                                                       {"Extras", "a folder that would hide it"},
+                                                       {"File", "a file in the way of the folder"},
+                                                       {"Link", "a link in the way of the folder"}};
+  for (const auto& [wanted, why] : names) {
     put("film.mkv");
     put("File");
     std::error_code ignored;
@@ -189,8 +165,7 @@ TEST_F(TidyTest, LeavesWhatMustNotBeTouched) {
   EXPECT_EQ(tidyOne("film.mkv", std::string(180, 'a')).size(), 365U);
   EXPECT_EQ(tidyOne("gone.mkv", "Gone"), "gone.mkv");
 
-  put("plays/plays.mkv");
-  put("plays/plays-trailer.mkv");
+  putAll("plays/plays.mkv|plays/plays-trailer.mkv");
   playing = at("plays/plays-trailer.mkv");
   EXPECT_EQ(tidyOne("plays/plays.mkv", "Plays (2001)"), "plays/plays.mkv");
   put("plays.mkv");
@@ -202,8 +177,7 @@ TEST_F(TidyTest, LeavesWhatMustNotBeTouched) {
 }
 
 TEST_F(TidyTest, RenamesNothingThatItCannotLog) {
-  put("film.mkv");
-  put("film.srt");
+  putAll("film.mkv|film.srt");
   const Tree before = treeOf(room);
   fs::create_directory(room / renameLogName);
   EXPECT_EQ(tidyOne("film.mkv", "Film"), "film.mkv") << "no log can be made";
@@ -212,13 +186,7 @@ TEST_F(TidyTest, RenamesNothingThatItCannotLog) {
   EXPECT_EQ(tidyOne("film.mkv", "Film"), "film.mkv") << "a link instead of a log";
   fs::remove(room / renameLogName);
   writeText(room / renameLogName, "{\"broken\n");
-  std::signal(SIGXFSZ, SIG_IGN);
-  rlimit old{};
-  getrlimit(RLIMIT_FSIZE, &old);
-  const rlimit full{40, old.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &full);
-  EXPECT_EQ(tidyOne("film.mkv", "Film"), "film.mkv") << "the disk is full";
-  setrlimit(RLIMIT_FSIZE, &old);
+  onFullDisk(40, [&] { EXPECT_EQ(tidyOne("film.mkv", "Film"), "film.mkv"); });
   EXPECT_EQ(treeOf(room), before);
   EXPECT_EQ(readText(room / renameLogName), "{\"broken\n");
   EXPECT_FALSE(fs::exists(mediaRoot() / "elsewhere"));
@@ -226,8 +194,7 @@ TEST_F(TidyTest, RenamesNothingThatItCannotLog) {
 }
 
 TEST_F(TidyTest, LeavesAClosedFolderAsItIs) {
-  put("film/film.mkv");
-  put("film/film.srt");
+  putAll("film/film.mkv|film/film.srt");
   const Tree before = treeOf(room);
   fs::permissions(mediaRoot(), fs::perms::all);
   fs::permissions(room, fs::perms::all);
@@ -275,16 +242,13 @@ TEST_F(TidyTest, TakesWhatIsRememberedAlong) {
 
 TEST_F(TidyTest, MakesUpForACrash) {
   StoredUsers& users = store.parts().users;
-  put("heat/heat.mkv");
-  put("heat/heat.en.srt");
+  putAll("heat/heat.mkv|heat/heat.en.srt");
   users.setPosition(at("heat/heat.mkv"), 7, "Ann");
   store.flush(std::chrono::seconds(5));
   // Logged and done on the disk, and then the power went.
-  writeText(room / renameLogName, R"({"time":50,"old":"heat/heat.mkv","new":"heat/Heat.mkv"})"
-                                  "\n"
-                                  R"({"time":50,"old":"heat","new":"Heat"})"
-                                  "\n"
-                                  R"({"time":50,"old":"c.mkv","new":"C/)");
+  writeText(room / renameLogName, R"({"time":50,"old":"heat/heat.mkv","new":"heat/Heat.mkv"}
+{"time":50,"old":"heat","new":"Heat"}
+{"time":50,"old":"c.mkv","new":"C/)");
   fs::rename(room / "heat/heat.mkv", room / "heat/Heat.mkv");
   fs::rename(room / "heat", room / "Heat");
   settleRenames(context, room);
@@ -297,9 +261,7 @@ TEST_F(TidyTest, MakesUpForACrash) {
   EXPECT_EQ(users.resumePosition(at("heat/heat.mkv")), 7);
 
   // Only what belongs to the film had moved.
-  put("Up (2009)/Up (2009).srt");
-  put("up.mkv");
-  put("up.nfo");
+  putAll("Up (2009)/Up (2009).srt|up.mkv|up.nfo");
   EXPECT_EQ(tidyOne("up.mkv", "Up (2009)"), "Up (2009)/Up (2009).mkv");
   EXPECT_TRUE(fs::exists(room / "Up (2009)/Up (2009).nfo"));
 }
@@ -307,11 +269,10 @@ TEST_F(TidyTest, MakesUpForACrash) {
 TEST_F(TidyTest, GivesEpisodesTheirNames) {
   room = mediaRoot() / "tv";
   const std::string season = "Show/Season 1/";
-  for (const char* name :
-       {"e1.mkv", "e1-thumb.jpg", "e1.en.srt", "e10.mkv", "e10.srt", "tvshow.nfo", "e2.mkv", "e3.mkv"})
+  for (const char* name : {"e1.mkv", "e1-thumb.jpg", "e1.en.srt", "e10.mkv", "e10.srt", "tvshow.nfo",
+                           "e2.mkv", "e3.mkv", "S01E03 - Three.mp4"})
     put(season + name);
   put(season + "e2.avi", 30);
-  put(season + "S01E03 - Three.mp4");
   EXPECT_EQ(tidyOne(season + "e1.mkv", "S01E01 - One"), season + "S01E01 - One.mkv");
   EXPECT_EQ(tidyOne(season + "e2.mkv", "S01E02 - Two"), season + "e2.mkv") << "the smaller of two";
   EXPECT_EQ(tidyOne(season + "e2.avi", "S01E02 - Two"), season + "S01E02 - Two.avi");
@@ -326,7 +287,7 @@ TEST_F(TidyTest, GivesEpisodesTheirNames) {
 
 TEST_F(TidyTest, TakesScansBackOneByOneAsFarAsTheyFit) {
   EXPECT_FALSE(undo().found);
-  for (const char* name : {"a.mkv", "b.mkv", "c.mkv"}) put(name);
+  putAll("a.mkv|b.mkv|c.mkv");
   tidyOne("a.mkv", "A");
   restart(200);
   tidyOne("b.mkv", "B");
@@ -346,16 +307,11 @@ TEST_F(TidyTest, TrustsNoLog) {
   writeText(mediaRoot() / "outside/film.mkv", "outside");
   fs::create_symlink("../outside", room / "link");
   std::string log;
-  for (const auto& [old, now] :
-       std::vector<std::pair<std::string, std::string>>{{"/tmp/film.mkv", "in/film.mkv"},
-                                                        {"../film.mkv", "in/film.mkv"},
-                                                        {"in/../../x.mkv", "in/film.mkv"},
-                                                        {"taken.mkv", "../outside/film.mkv"},
-                                                        {"taken.mkv", "link/film.mkv"},
-                                                        {"link/x.mkv", "in/film.mkv"},
-                                                        {".x.mkv", "in/film.mkv"},
-                                                        {"taken.log", renameLogName.data()},
-                                                        {"", "in/film.mkv"}})
+  for (const auto& [old, now] : table(R"(
+      /tmp/film.mkv => in/film.mkv ;; ../film.mkv => in/film.mkv ;; in/../../x.mkv => in/film.mkv ;; => in/film.mkv
+      taken.mkv => ../outside/film.mkv ;; taken.mkv => link/film.mkv ;; link/x.mkv => in/film.mkv
+      .x.mkv => in/film.mkv ;; taken.log => )" +
+                                      std::string(renameLogName)))
     log += R"({"time":1,"old":")" + old + R"(","new":")" + now + "\"}\n";
   log += R"({"time":1,"old":")" + std::string(1 << 20, 'x') + "\"}\n{\"time\":1}\n[1]\n\0\n{";
   writeText(room / renameLogName, log);
@@ -367,31 +323,20 @@ TEST_F(TidyTest, TrustsNoLog) {
 }
 
 TEST(TidyRules, TellsWhatBelongsToAVideo) {
-  for (const auto& [name, ending] :
-       std::vector<std::pair<std::string, std::string>>{{"Alien.srt", ".srt"},
-                                                        {"Alien.eng.SRT", ".eng.SRT"},
-                                                        {"Alien.zh-Hans.sdh.ass", ".zh-Hans.sdh.ass"},
-                                                        {"Alien-fanart1.jpg", "-fanart1.jpg"},
-                                                        {"Alien.de.mka", ".de.mka"},
-                                                        {"Alien.3.srt", ".3.srt"},
-                                                        {"Alien.Resurrection.srt", ""},
-                                                        {"Alien 3.srt", ""},
-                                                        {"Alien.mkv", ""},
-                                                        {"Alien", ""},
-                                                        {"Aliens.srt", ""},
-                                                        {"Alien..srt", ""},
-                                                        {"Alien.x.nfo", ""}})
+  for (const auto& [name, ending] : table(R"(
+      Alien.srt => .srt ;; Alien.eng.SRT => .eng.SRT ;; Alien.zh-Hans.sdh.ass => .zh-Hans.sdh.ass ;; Alien =>
+      Alien-fanart1.jpg => -fanart1.jpg ;; Alien.de.mka => .de.mka ;; Alien.3.srt => .3.srt ;; Alien.mkv =>
+      Alien.Resurrection.srt => ;; Alien 3.srt => ;; Aliens.srt => ;; Alien..srt => ;; Alien.x.nfo =>)"))
     EXPECT_EQ(companionEnding(name, "Alien"), ending) << name;
-  for (const auto& [a, b] : {std::pair("Film CD1", "Film CD2"), std::pair("film.part.1", "film.part.2"),
-                             std::pair("Film (2001) disc9", "Film (2001) disc10")})
+  for (const auto& [a, b] : table("Film CD1 => Film CD2 ;; film.part.1 => film.part.2 ;;"
+                                  "Film (2001) disc9 => Film (2001) disc10"))
     EXPECT_TRUE(areParts(a, b)) << a;
-  for (const auto& [a, b] : {std::pair("Film 1", "Film 2"), std::pair("It Part 1 (1990)", "It Part 2 (1991)"),
-                             std::pair("ABCD1", "ABCD2")})
+  for (const auto& [a, b] :
+       table("Film 1 => Film 2 ;; It Part 1 (1990) => It Part 2 (1991) ;; ABCD1 => ABCD2"))
     EXPECT_FALSE(areParts(a, b)) << a;
-  for (const auto& [stem, bonus] :
-       {std::pair("The.Big.Short", false), std::pair("Alien-short", true), std::pair("Alien.sample", true),
-        std::pair("Theme", true), std::pair("Trailer Park (2001)", false), std::pair("The Interview", false)})
-    EXPECT_EQ(isBonus(stem), bonus) << stem;
+  for (const char* stem : {"Alien-short", "Alien.sample", "Theme"}) EXPECT_TRUE(isBonus(stem)) << stem;
+  for (const char* stem : {"The.Big.Short", "Trailer Park (2001)", "The Interview"})
+    EXPECT_FALSE(isBonus(stem)) << stem;
 }
 
 }  // namespace

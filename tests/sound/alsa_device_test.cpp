@@ -1,8 +1,6 @@
 #include "sound/alsa_device.h"
 
-#include <chrono>
 #include <dlfcn.h>
-#include <fstream>
 
 #include <alsa/asoundlib.h>
 #include <gmock/gmock.h>
@@ -33,9 +31,8 @@ struct ScriptedDevice {
 /// A new device with this ELD file.
 void plugIn(ScriptedDevice scripted, const char* eld = "") {
   static const test::TempFolder folder;
-  std::filesystem::create_directories(folder.path() / "card0");
-  std::ofstream(folder.path() / "card0" / "eld#0.0") << eld;
-  std::ofstream(folder.path() / "asound.conf") << "pcm.!default { type null }\n";
+  test::writeText(folder.path() / "card0/eld#0.0", eld);
+  test::writeText(folder.path() / "asound.conf", "pcm.!default { type null }\n");
   setenv("ALSA_CONFIG_PATH", (folder.path() / "asound.conf").c_str(), 1);
   setenv("TAVEK_PROC_ASOUND", folder.path().c_str(), 1);
   device = std::move(scripted);
@@ -83,10 +80,9 @@ snd_pcm_sframes_t snd_pcm_writei(snd_pcm_t* pcm, const void* buffer, snd_pcm_ufr
 }
 }
 
-constexpr const char* noMonitor = "monitor_present 0\n";
-constexpr const char* stereoSink = "monitor_present 1\nsad0_channels 2\n";
-constexpr const char* quadSink = "monitor_present 1\nsad0_channels 4\n";
-constexpr const char* surroundSink = "monitor_present 1\nsad0_channels 8\n";
+constexpr const char *noMonitor = "monitor_present 0\n", *stereoSink = "monitor_present 1\nsad0_channels 2\n",
+                     *quadSink = "monitor_present 1\nsad0_channels 4\n",
+                     *surroundSink = "monitor_present 1\nsad0_channels 8\n";
 
 std::unique_ptr<PcmDevice> open(const DeviceWish& wish) {
   return alsaDeviceFactory()(wish);
@@ -94,9 +90,12 @@ std::unique_ptr<PcmDevice> open(const DeviceWish& wish) {
 
 TEST(AlsaDevice, ChannelsAreAgreedWithSinkAndDevice) {
   using Row = std::tuple<const char*, int, unsigned, unsigned, unsigned>;
-  for (const auto& [eld, card, mostChannels, inSurround, inAuto] :
-       {Row{surroundSink, 0, 6, 6, 6}, Row{quadSink, 0, 6, 6, 2}, Row{stereoSink, 0, 6, 2, 2},
-        Row{noMonitor, 0, 6, 6, 6}, Row{noMonitor, 0, 4, 2, 2}, Row{surroundSink, -1, 6, 2, 2}}) {
+  for (const auto& [eld, card, mostChannels, inSurround, inAuto] : {Row{surroundSink, 0, 6, 6, 6},
+                                                                    {quadSink, 0, 6, 6, 2},
+                                                                    {stereoSink, 0, 6, 2, 2},
+                                                                    {noMonitor, 0, 6, 6, 6},
+                                                                    {noMonitor, 0, 4, 2, 2},
+                                                                    {surroundSink, -1, 6, 2, 2}}) {
     for (const bool strict : {false, true}) {
       plugIn({.card = card, .mostChannels = mostChannels}, eld);
       const auto opened = open({.channels = 6, .strict = strict});

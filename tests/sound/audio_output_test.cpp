@@ -1,8 +1,5 @@
 #include "sound/audio_output.h"
 
-#include <chrono>
-#include <thread>
-
 #include <gmock/gmock.h>
 
 #include "base/background_job.h"
@@ -11,11 +8,13 @@
 #include "state/state_store.h"
 #include "support/fake_device.h"
 #include "support/parameters.h"
+#include "support/wait.h"
 
 namespace tavek {
 namespace {
 
 using namespace std::chrono;
+using test::waitUntil;
 using testing::AllOf;
 using testing::Ge;
 using testing::Lt;
@@ -24,12 +23,6 @@ milliseconds timeOf(const auto& action) {
   const auto start = steady_clock::now();
   action();
   return duration_cast<milliseconds>(steady_clock::now() - start);
-}
-
-bool soon(const auto& question) {
-  for (const auto end = steady_clock::now() + 10s; !question() && steady_clock::now() < end;)
-    std::this_thread::sleep_for(1ms);
-  return question();
 }
 
 /// An item's sound on a card of its own. Nothing is kept under the empty key, so no file is touched.
@@ -48,7 +41,7 @@ struct Playing {
     while (blocks-- > 0) output->write(test::frameOf(*parameters, value).get());
   }
   bool heardAgain() {
-    return soon([&] {
+    return waitUntil(10, [&] {
       write(1);
       return output->heard();
     });
@@ -62,36 +55,31 @@ struct Playing {
 
 TEST(AudioOutput, TheDeviceHearsTheSourceAtItsRate) {
   // After the first volume, which lifts the peak to 32760 but no further than 12 dB.
-  const struct {
-    const char* layout;
-    AVSampleFormat format;
-    int rate;
-    SoundMode mode;
-    int mostChannels;
-    std::vector<int> frame;
-  } cases[] = {
-      {"mono", AV_SAMPLE_FMT_S16, 44100, SoundMode::Surround, 6, {14075, 14075}},
-      {"5.1", AV_SAMPLE_FMT_FLT, 48000, SoundMode::Surround, 6, {5460, 10920, 16380, 21840, 27300, 32760}},
-      {"5.1(side)", AV_SAMPLE_FMT_FLTP, 44100, SoundMode::Auto, 6, {5460, 10920, 16380, 21840, 27300, 32760}},
-      {"7.1", AV_SAMPLE_FMT_FLTP, 48000, SoundMode::Surround, 6, {27119, 32760}},
-      {"5.1", AV_SAMPLE_FMT_FLTP, 48000, SoundMode::Stereo, 6, {26074, 32760}},
-      {"5.1", AV_SAMPLE_FMT_FLTP, 48000, SoundMode::Surround, 2, {26074, 32760}},
+  using enum SoundMode;
+  const std::vector<int> six{5460, 10920, 16380, 21840, 27300, 32760};
+  const std::tuple<const char*, AVSampleFormat, int, SoundMode, int, std::vector<int>> cases[] = {
+      {"mono", AV_SAMPLE_FMT_S16, 44100, Surround, 6, {14075, 14075}},
+      {"5.1", AV_SAMPLE_FMT_FLT, 48000, Surround, 6, six},
+      {"5.1(side)", AV_SAMPLE_FMT_FLTP, 44100, Auto, 6, six},
+      {"7.1", AV_SAMPLE_FMT_FLTP, 48000, Surround, 6, {27119, 32760}},
+      {"5.1", AV_SAMPLE_FMT_FLTP, 48000, Stereo, 6, {26074, 32760}},
+      {"5.1", AV_SAMPLE_FMT_FLTP, 48000, Surround, 2, {26074, 32760}},
   };
-  for (const auto& c : cases) {
-    Playing playing(test::parametersOf(c.layout, c.format, c.rate), c.mode);
-    playing.sound.setMostChannels(c.mostChannels);
+  for (const auto& [layout, format, rate, mode, mostChannels, frame] : cases) {
+    Playing playing(test::parametersOf(layout, format, rate), mode);
+    playing.sound.setMostChannels(mostChannels);
     playing.open();
     playing.output->write(test::frameOf(*playing.parameters, 5000, 5000).get());
-    const auto other = test::parametersOf("3.0", AV_SAMPLE_FMT_FLTP, c.rate);
+    const auto other = test::parametersOf("3.0", AV_SAMPLE_FMT_FLTP, rate);
     playing.output->write(test::frameOf(*other, 5000, 5000).get());
     playing.output.reset();
-    EXPECT_EQ(playing.sound.wish().rate, c.rate);
-    EXPECT_EQ(playing.sound.wish().strict, c.mode == SoundMode::Auto);
+    EXPECT_EQ(playing.sound.wish().rate, rate);
+    EXPECT_EQ(playing.sound.wish().strict, mode == Auto);
     const auto heard = playing.sound.heard();
-    const std::size_t samples = static_cast<std::size_t>(c.rate / 50) * c.frame.size();
-    ASSERT_EQ(heard.size(), 2 * samples) << c.layout << ": a decoder may change its mind";
+    const std::size_t samples = static_cast<std::size_t>(rate / 50) * frame.size();
+    ASSERT_EQ(heard.size(), 2 * samples) << layout << ": a decoder may change its mind";
     for (std::size_t i = 0; i < samples; ++i)
-      ASSERT_NEAR(heard[i], c.frame[i % c.frame.size()], 4) << c.layout << " sample " << i;
+      ASSERT_NEAR(heard[i], frame[i % frame.size()], 4) << layout << " sample " << i;
   }
 }
 
@@ -102,10 +90,10 @@ TEST(AudioOutput, APauseLosesNoSoundAndASeekLeavesNone) {
     playing.open();
     playing.write(20);
     const auto heardSize = [&] { return playing.sound.heard().size(); };
-    EXPECT_TRUE(soon([&] { return playing.output->heard() && heardSize() > 4800; }));
+    EXPECT_TRUE(waitUntil(10, [&] { return playing.output->heard() && heardSize() > 4800; }));
     playing.output->hold();
     std::size_t before = 0;
-    EXPECT_TRUE(soon([&] {
+    EXPECT_TRUE(waitUntil(10, [&] {
       before = heardSize();
       std::this_thread::sleep_for(30ms);
       return heardSize() == before;
@@ -128,7 +116,7 @@ void expectPaceWith(const test::FakeSound::Faults& fault, const std::string& wha
   Playing playing;
   playing.open();
   playing.write(2);
-  EXPECT_TRUE(soon([&] { return playing.output->heard(); })) << what;
+  EXPECT_TRUE(waitUntil(10, [&] { return playing.output->heard(); })) << what;
   playing.sound.fail(fault);
   // Two seconds until it counts as gone, and half a second that was queued.
   playing.write(150);
@@ -149,17 +137,15 @@ void expectPaceWith(const test::FakeSound::Faults& fault, const std::string& wha
   playing.sound.fail(fault);
   EXPECT_LT(timeOf([&] { playing.output.reset(); }), 1200ms) << what;
   playing.sound.fail({});
-  EXPECT_TRUE(soon([] { return joinLeftThreads(0ms); })) << what;
+  EXPECT_TRUE(waitUntil(10, [] { return joinLeftThreads(0ms); })) << what;
 }
 
 TEST(AudioOutput, AnItemKeepsItsPaceWithoutADevice) {
   // All at once, since each takes its time.
-  std::jthread threads[] = {
-      std::jthread([] { expectPaceWith({.refuses = true}, "refuses"); }),
-      std::jthread([] { expectPaceWith({.gone = true}, "gone"); }),
-      std::jthread([] { expectPaceWith({.hangs = true}, "hangs"); }),
-      std::jthread([] { expectPaceWith({.standsStill = true}, "stands still"); }),
-  };
+  const std::jthread refuses([] { expectPaceWith({.refuses = true}, "refuses"); });
+  const std::jthread gone([] { expectPaceWith({.gone = true}, "gone"); });
+  const std::jthread hangs([] { expectPaceWith({.hangs = true}, "hangs"); });
+  const std::jthread standsStill([] { expectPaceWith({.standsStill = true}, "stands still"); });
 }
 
 TEST(AudioOutput, TheEndWaitsForWhatIsHeardAndForNothingElse) {
@@ -211,7 +197,7 @@ TEST(AudioOutput, ADeviceGivenBackWhileItIsOpenedIsNotHeard) {
   playing.write(1);
   playing.output->close();
   playing.sound.fail({});
-  EXPECT_TRUE(soon([&] { return playing.sound.timesOpened() == 1; }));
+  EXPECT_TRUE(waitUntil(10, [&] { return playing.sound.timesOpened() == 1; }));
   EXPECT_FALSE(playing.output->heard());
   EXPECT_THAT(timeOf([&] { playing.write(10); }), AllOf(Ge(150ms), Lt(400ms)));
   playing.output->reopen();

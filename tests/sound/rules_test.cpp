@@ -1,6 +1,4 @@
-#include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <numbers>
 
 #include <alsa/asoundlib.h>
@@ -34,9 +32,8 @@ TEST(ChannelRules, TheDevicesOrderIsFollowedWhereItCanBeTrusted) {
 /// The channels that the ELD files "eld#3.0" and so on of a card tell; -1 if there is none.
 int channelsOf(const std::vector<const char*>& files) {
   const test::TempFolder folder;
-  std::filesystem::create_directory(folder.path() / "card1");
   for (std::size_t i = 0; i < files.size(); ++i)
-    std::ofstream(folder.path() / "card1" / ("eld#3." + std::to_string(i))) << files[i];
+    test::writeText(folder.path() / "card1" / ("eld#3." + std::to_string(i)), files[i]);
   const auto sink = readSinkChannels(folder.path(), 1, 3);
   return sink.eldFound ? sink.channels.value_or(0) : -1;
 }
@@ -77,30 +74,24 @@ TEST(Volume, TheFirstBlockWithSoundSetsItAndLaterOnesDoNot) {
 
 /// How loud a volume plays a peak, and what a step of the key makes of it.
 TEST(Volume, TheLimiterHoldsThePeakAndAStepStaysBelowItsCeiling) {
-  const struct {
-    std::optional<double> db;
-    std::int16_t peak, heard;
-    double limiter, delta, steppedDb, ceilingDb;
-  } cases[] = {
-      {0, 0, 0, 1, 1, -0.001856, -0.001856},
-      {{}, 1000, 3981, 1, 1, 12, 12},
-      {0, 32760, 32760, 1, 1, 0, 0},
-      {6, -16380, -32682, 1, 1, 6.020600, 6.020600},
-      {0, -32768, -32760, 0.999756, 1, -0.002121, -0.002121},
-      {12, 32767, 32760, 0.251135, -1, -0.001856, -0.001856},
-      {12, 8000, 31849, 1, 1, 12, 12},
-      {-60, 32767, 0, 1, 1, -59, -0.001856},
-      {-59, 100, 0, 1, -1, -60, 12},
-  };
-  for (const auto& c : cases) {
-    Volume volume = firstVolume(c.db);
-    EXPECT_EQ(played(volume, {c.peak}).front(), c.heard) << c.peak;
-    EXPECT_NEAR(volume.limiter, c.limiter, 1e-6) << c.peak;
-    EXPECT_NEAR(volumeCeilingDb(volume), c.ceilingDb, 1e-6) << c.peak;
-    adjustVolume(volume, c.delta);
-    EXPECT_NEAR(volume.volumeDb, c.steppedDb, 1e-6) << c.peak;
-    EXPECT_DOUBLE_EQ(volume.gain,
-                     c.steppedDb > -60 ? std::pow(10, volume.volumeDb / 20) * volume.limiter : 0);
+  using Row = std::tuple<std::optional<double>, std::int16_t, std::int16_t, double, double, double, double>;
+  for (const auto& [db, peak, heard, limiter, delta, steppedDb, ceilingDb] :
+       {Row{0, 0, 0, 1, 1, -0.001856, -0.001856},
+        {{}, 1000, 3981, 1, 1, 12, 12},
+        {0, 32760, 32760, 1, 1, 0, 0},
+        {6, -16380, -32682, 1, 1, 6.020600, 6.020600},
+        {0, -32768, -32760, 0.999756, 1, -0.002121, -0.002121},
+        {12, 32767, 32760, 0.251135, -1, -0.001856, -0.001856},
+        {12, 8000, 31849, 1, 1, 12, 12},
+        {-60, 32767, 0, 1, 1, -59, -0.001856},
+        {-59, 100, 0, 1, -1, -60, 12}}) {
+    Volume volume = firstVolume(db);
+    EXPECT_EQ(played(volume, {peak}).front(), heard) << peak;
+    EXPECT_NEAR(volume.limiter, limiter, 1e-6) << peak;
+    EXPECT_NEAR(volumeCeilingDb(volume), ceilingDb, 1e-6) << peak;
+    adjustVolume(volume, delta);
+    EXPECT_NEAR(volume.volumeDb, steppedDb, 1e-6) << peak;
+    EXPECT_DOUBLE_EQ(volume.gain, steppedDb > -60 ? std::pow(10, volume.volumeDb / 20) * volume.limiter : 0);
   }
   Volume excessive = firstVolume(0);
   excessive.volumeLinear = 1000;
@@ -111,10 +102,9 @@ TEST(Volume, TheLimiterHoldsThePeakAndAStepStaysBelowItsCeiling) {
 /// How many dB a shelf adds to a tone on the right of two channels; the left is silent.
 double raisedDb(Shelf shelf, double frequency) {
   Block block(96000, 0);
-  for (std::size_t i = 1; i < block.size(); i += 2) {
+  for (std::size_t i = 1; i < block.size(); i += 2)
     block[i] = static_cast<std::int16_t>(
         8000 * std::sin(std::numbers::pi * frequency / 48000 * static_cast<double>(i)));
-  }
   // In two blocks: the state carries over.
   applyShelf(shelf, std::span(block).first(1000), 2);
   applyShelf(shelf, std::span(block).subspan(1000), 2);

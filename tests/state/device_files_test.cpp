@@ -1,10 +1,6 @@
 #include "state/device_files.h"
 
-#include <algorithm>
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -14,6 +10,7 @@
 #include "state/texts.h"
 #include "state/wpa_config.h"
 #include "support/temp_folder.h"
+#include "support/wait.h"
 
 namespace tavek {
 namespace {
@@ -61,10 +58,11 @@ void expectText(const Settings& settings, const std::string& text) {
 }
 
 TEST(DeviceText, HasTheLayoutOfEachFileAndIsReadBack) {
-  expectText(
-      HueSettings{.bridge = "b", .user = "u\"\\\n\\", .group = "g", .pauseScene = "p", .enabled = false},
-      R"({|>'Hue': {|>>'Bridge': 'b',|>>'User': 'u\'\\\n\\',|>>'Group': 'g',|>>'Enabled': 'false',)"
-      "|>>'Pause': {|>>>'Scene': 'p'|>>}|>}|}|");
+  const HueSettings hue{
+      .bridge = "b", .user = "u\"\\\n\\", .group = "g", .pauseScene = "p", .enabled = false};
+  expectText(hue,
+             R"({|>'Hue': {|>>'Bridge': 'b',|>>'User': 'u\'\\\n\\',|>>'Group': 'g',|>>'Enabled': 'false',)"
+             "|>>'Pause': {|>>>'Scene': 'p'|>>}|>}|}|");
   EXPECT_EQ(deviceText(HueSettings{.bridge = "b", .user = ""}, "x"), "x") << "no pairing";
   expectText(
       BluetoothSettings{.name = "n", .pin = "1", .discoverable = true, .rfkillBlocked = true},
@@ -158,18 +156,14 @@ TEST_F(DeviceFilesTest, KeepsWhatIsSetAndTakesUpWhatIsWrittenByHand) {
 }
 
 TEST_F(DeviceFilesTest, LosesNothingToAFullDiskOrADamagedFile) {
-  signal(SIGXFSZ, SIG_IGN);
   const std::string old = R"({"Hue":{"Bridge":"b","User":"u", "Later":)";
   writeText(in(".hue.json"), old);
   EXPECT_EQ(devices.hueSettings().bridge, "b");
   EXPECT_TRUE(store.flush(seconds(5)));
-  rlimit limit{};
-  getrlimit(RLIMIT_FSIZE, &limit);
-  const rlimit full{10, limit.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &full);
-  devices.setHueSettings({.bridge = "new", .user = "u"});
-  EXPECT_FALSE(store.flush(seconds(5)));
-  setrlimit(RLIMIT_FSIZE, &limit);
+  onFullDisk(10, [&] {
+    devices.setHueSettings({.bridge = "new", .user = "u"});
+    EXPECT_FALSE(store.flush(seconds(5)));
+  });
   EXPECT_EQ(readText(in(".hue.json")), old);
   EXPECT_EQ(devices.hueSettings().bridge, "new");
   for (const char* bridge : {"new", "newer"}) {
@@ -195,12 +189,10 @@ TEST_F(DeviceFilesTest, TellsTheSystemAndWaitsForNoTool) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, seconds(1));
   EXPECT_EQ(readText(fakeSystem.conf()), wpaConfig("", "home", "secret12"));
   EXPECT_EQ(modeOf(fakeSystem.conf()), 0600U);
-  std::string log;
-  for (int i = 0; i < 500 && std::ranges::count(log, '\n') < 3; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    log = '\n' + readText(fakeSystem.path() / "log");
-  }
-  EXPECT_THAT(log, testing::AllOf(HasSubstr("\nunblock bluetooth\n"), HasSubstr("\nblock wifi\n")));
+  EXPECT_TRUE(waitUntil(5, [] {
+    const std::string log = '\n' + readText(fakeSystem.path() / "log");
+    return log.find("\nunblock bluetooth\n") < log.size() && log.find("\nblock wifi\n") < log.size();
+  }));
 }
 
 const std::string header =
@@ -223,18 +215,15 @@ TEST(WpaConfig, ChangesOneNetworkAndLeavesAllElse) {
   for (const auto& [old, expected] : rows) EXPECT_EQ(wpaConfig(old, "home", "secret12"), expected) << old;
   EXPECT_EQ(wpaConfig(header + ours, "home", ""),
             header + "network={\n\tssid=\"home\"\n\tkey_mgmt=NONE\n\tpriority=10\n}\n");
-  for (const auto& [ssid, passphrase] : {std::pair<std::string, std::string>{"home", "1234567"},
-                                         {"home", std::string(64, 'a')},
-                                         {"", ""},
-                                         {std::string(33, 'a'), ""}})
-    EXPECT_EQ(wpaConfig(ours, ssid, passphrase), ours);
+  EXPECT_EQ(wpaConfig(ours, "home", "1234567"), ours) << "too short";
+  EXPECT_EQ(wpaConfig(ours, "home", std::string(64, 'a')), ours) << "too long";
+  for (const auto& ssid : {std::string(), std::string(33, 'a')}) EXPECT_EQ(wpaConfig(ours, ssid, ""), ours);
 }
 
 /// There is no such interface: it ends once it has read the file, and needs no rights for that.
 TEST(WpaConfig, IsReadBackByTheServiceAsItWasMeant) {
   const TempFolder folder;
-  std::string text = other;
-  text = wpaConfig(text, "a#b 'c", "pass#word 1");
+  std::string text = wpaConfig(other, "a#b 'c", "pass#word 1");
   text = wpaConfig(text, "caf\"\u00e9\\", "");
   text = wpaConfig(text, "a b", "x\"y\\zabcd");
   writeText(folder.path() / "conf", text);

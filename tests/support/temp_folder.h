@@ -1,10 +1,12 @@
 #pragma once
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <sys/resource.h>
 
 namespace tavek::test {
 
@@ -34,6 +36,17 @@ inline std::string readText(const std::filesystem::path& file) {
 inline void writeText(const std::filesystem::path& file, const std::string& text) {
   std::filesystem::create_directories(file.parent_path());
   std::ofstream(file, std::ios::binary) << text;
+}
+
+/// Does the work while no file may grow beyond so many bytes.
+inline void onFullDisk(rlim_t bytes, const auto& work) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit old{};
+  getrlimit(RLIMIT_FSIZE, &old);
+  const rlimit full{bytes, old.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &full);
+  work();
+  setrlimit(RLIMIT_FSIZE, &old);
 }
 
 }  // namespace tavek::test

@@ -1,21 +1,26 @@
-#include "display/toolkit/background_image.h"
-
-#include <fstream>
-
-#include <SDL_image.h>
 #include <gtest/gtest.h>
 
+#include "display/toolkit/background_image.h"
+#include "display/toolkit/texture.h"
+#include "support/offscreen.h"
 #include "support/temp_folder.h"
 
 namespace tavek {
 namespace {
 
+TEST(Texture, IsSmoothedButAtWholeMultiples) {
+  constexpr auto Nearest = SDL_ScaleModeNearest, Linear = SDL_ScaleModeLinear, Best = SDL_ScaleModeBest;
+  const std::tuple<SDL_Point, SDL_Point, SDL_ScaleMode, SDL_ScaleMode> cases[] = {
+      {{1920, 1080}, {1920, 1080}, Best, Nearest}, {{960, 540}, {1920, 1080}, Nearest, Nearest},
+      {{960, 540}, {1920, 1080}, Best, Best},      {{1280, 720}, {1920, 1080}, Nearest, Linear},
+      {{720, 576}, {1440, 1080}, Nearest, Linear}, {{3840, 2160}, {1920, 1080}, Nearest, Linear},
+      {{1280, 720}, {1920, 1080}, Best, Best},     {{0, 0}, {100, 100}, Nearest, Linear}};
+  for (const auto& [size, shown, hinted, mode] : cases)
+    EXPECT_EQ(scaleModeFor(size, shown, hinted), mode) << size.x << " to " << shown.x;
+}
+
 TEST(FittedTo, FillsItsAreaOrLiesInItAndIsNeverEnlarged) {
-  const struct {
-    SDL_Point picture, area;
-    Fit fit;
-    SDL_Point fitted;
-  } cases[] = {
+  const std::tuple<SDL_Point, SDL_Point, Fit, SDL_Point> cases[] = {
       {{200, 100}, {50, 50}, Fit::Cover, {100, 50}}, {{200, 100}, {50, 50}, Fit::Inside, {50, 25}},
       {{100, 200}, {50, 50}, Fit::Cover, {50, 100}}, {{200, 100}, {300, 100}, Fit::Cover, {200, 100}},
       {{200, 100}, {0, 0}, Fit::Inside, {1, 1}},
@@ -24,21 +29,19 @@ TEST(FittedTo, FillsItsAreaOrLiesInItAndIsNeverEnlarged) {
     SurfacePtr surface(SDL_CreateRGBSurfaceWithFormat(0, picture.x, picture.y, 24, SDL_PIXELFORMAT_RGB24));
     const SurfacePtr result = fittedTo(std::move(surface), area, fit);
     ASSERT_TRUE(result);
-    EXPECT_EQ(std::pair(result->w, result->h), std::pair(fitted.x, fitted.y))
-        << picture.x << " in " << area.x;
+    EXPECT_TRUE(result->w == fitted.x && result->h == fitted.y) << picture.x << " in " << area.x;
   }
 }
 
 TEST(BackgroundImage, KeepsTheOldPictureUntilTheNewOneIsThere) {
   const test::TempFolder folder;
-  const auto file = [&](const char* name, int width) {
-    const SurfacePtr picture(SDL_CreateRGBSurfaceWithFormat(0, width, 10, 24, SDL_PIXELFORMAT_RGB24));
-    const std::filesystem::path path = folder.path() / name;
-    EXPECT_EQ(IMG_SavePNG(picture.get(), path.c_str()), 0);
-    return fileStateOf(path);
+  const auto file = [&](const char* name, const std::string& bytes) {
+    test::writeText(folder.path() / name, bytes);
+    return fileStateOf(folder.path() / name);
   };
-  const FileState first = file("first.png", 20), second = file("second.png", 40);
-  std::ofstream(folder.path() / "broken.png") << "no picture";
+  const FileState first = file("first.png", test::png(20, 10)),
+                  second = file("second.png", test::png(40, 10));
+  const FileState broken = file("broken.png", "no picture");
   const SurfacePtr screen(SDL_CreateRGBSurfaceWithFormat(0, 8, 8, 32, SDL_PIXELFORMAT_RGBA32));
   const RendererPtr renderer(SDL_CreateSoftwareRenderer(screen.get()));
   BackgroundImage image;
@@ -55,7 +58,7 @@ TEST(BackgroundImage, KeepsTheOldPictureUntilTheNewOneIsThere) {
   EXPECT_EQ(image.source(), first.path);
   EXPECT_EQ(widthAfter(second, true), 40);
   EXPECT_EQ(image.source(), second.path);
-  EXPECT_EQ(widthAfter(fileStateOf(folder.path() / "broken.png"), true), 0);
+  EXPECT_EQ(widthAfter(broken, true), 0);
   EXPECT_EQ(image.texture(), nullptr);
 }
 

@@ -1,8 +1,8 @@
-#include "library/fan_art.h"
-
 #include <gtest/gtest.h>
 
 #include "base/paths.h"
+#include "library/backdrop.h"
+#include "library/fan_art.h"
 #include "library/media_paths.h"
 #include "library/overview.h"
 #include "support/temp_folder.h"
@@ -60,6 +60,35 @@ TEST(Overview, IsReadOverItsEscapes) {
       {"", ""},
   };
   for (const auto& [text, overview] : cases) EXPECT_EQ(overviewIn(text).value_or(""), overview) << text;
+}
+
+/// What lies below the room, and what is found for Artist/Album/1.mp3, "-" standing for the album's folder.
+TEST(Backdrop, IsTheNearestOfTheFoldersAboveTheTrack) {
+  const std::array<const char*, 3> cases[] = {
+      {"none", "-/cover.jpg", ""},
+      {"the nearer folder, in spite of its lesser name", "-/fanart.jpg|Artist/backdrop.png", "-/fanart.jpg"},
+      {"names go first", "-/background.jpg|-/backdrop.png", "-/backdrop.png"},
+      {"then endings", "-/fanart.png|-/fanart.jpeg", "-/fanart.jpeg"},
+      {"the exact spelling", "-/BackDrop.JPG|-/fanart.png", "-/fanart.png"},
+      {"then any", "-/BackDrop.JPG|Artist/fanart.png", "-/BackDrop.JPG"},
+      {"up to the room", "fanart.png", "fanart.png"},
+      {"and not beyond", "../fanart.png|../music.jpg", ""},
+      {"neither folders nor other pictures", "-/fanart.jpg/x|-/fanart.webp", ""},
+  };
+  const auto at = [](const std::string& name) {
+    return musicRoot() / (name[0] == '-' ? "Artist/Album" + name.substr(1) : name);
+  };
+  for (const auto& [what, files, found] : cases) {
+    std::istringstream names(files);
+    for (std::string name; std::getline(names, name, '|');) test::writeText(at(name), "x");
+    EXPECT_EQ(findBackdrop(at("-/1.mp3")).value_or(""), *found == 0 ? fs::path() : at(found)) << what;
+    EXPECT_FALSE(findBackdrop(mediaRoot() / "other/1.mp3")) << what;
+    fs::remove_all(musicRoot());
+    fs::remove(mediaRoot() / "fanart.png");
+  }
+  test::writeText(at("fanart.jpg"), "");
+  EXPECT_FALSE(findBackdrop(at("1.mp3"))) << "an empty file is no picture";
+  fs::remove_all(musicRoot());
 }
 
 }  // namespace

@@ -1,11 +1,9 @@
-#include "app/options.h"
-
-#include <cstdlib>
-#include <sstream>
-
 #include <gmock/gmock.h>
 
+#include "app/informational.h"
+#include "app/options.h"
 #include "base/process_flags.h"
+#include "support/table.h"
 
 namespace tavek {
 namespace {
@@ -34,29 +32,25 @@ std::string describe(const FirstPass& pass) {
 }
 
 TEST(Options, TakeValuesSwitchesAndPaths) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"", "en|-|02|0000000"},
-      {"--orientation=90,--language=fr,--sound=auto,--driver=x11", "fr|x11|40|0000000"},
-      {"--orientation,portrait,--language,de,--sound,stereo,--driver,list", "de|list|21|0000000"},
-      {"--language=,--language,,--orientation=270,--orientation=0", "en|-|32|0000000"},
-      {"--driver=list,--language", "en|-|02|1000000 --language"},
-      {"--driver=,--sound", "en|-|02|1000000 --sound"},
-      {"--language,--debug,--orientation", "--debug|-|02|0000000 --orientation"},
-      {"--debug,--sound,loud,--movie-detail", "Invalid sound mode: louden|-|02|0100000"},
-      {"--sound=Auto", "Invalid sound mode: Autoen|-|02|0000000"},
-      {"--orientation,--help", "Invalid orientation: --helpen|-|02|0000000"},
-      {"--driver,-x,a.mkv", "en|-|02|1000000 /media/movies/a.mkv"},
-      {"--sound=stereo,--driver", "en|-|01|1000000"},
-      {"--debug,--bluetooth-debug,--seek-debug", "en|-|02|0111000"},
-      {"--movie-detail,--focus-mode,--show-keycodes", "en|-|02|0000111"},
-      {"--undo-renames,movies,--debug", "en|-|02|0100000 undo:movies"},
-      {"--undo-renames", "No room given whose renames are to be undoneen|-|02|0000000"},
-      {"--undo-renames=,a.mkv", "No room given whose renames are to be undoneen|-|02|0000000"},
-      {"--bogus,--debugger,--,--sounds=x", "en|-|02|0000000 --bogus --debugger -- --sounds=x"},
-      {"film.mkv,/a/b.MP4,notes.doc,,c/d.avi",
-       "en|-|02|0000000 /media/movies/film.mkv /a/b.MP4 /media/movies/c/d.avi"},
-  };
-  for (const auto& [line, result] : cases)
+  for (const auto& [line, result] : test::table(R"(
+      => en|-|02|0000000 ;; --orientation=90,--language=fr,--sound=auto,--driver=x11 => fr|x11|40|0000000
+      --orientation,portrait,--language,de,--sound,stereo,--driver,list => de|list|21|0000000
+      --language=,--language,,--orientation=270,--orientation=0 => en|-|32|0000000
+      --driver=list,--language => en|-|02|1000000 --language
+      --driver=,--sound => en|-|02|1000000 --sound
+      --language,--debug,--orientation => --debug|-|02|0000000 --orientation
+      --debug,--sound,loud,--movie-detail => Invalid sound mode: louden|-|02|0100000
+      --sound=Auto => Invalid sound mode: Autoen|-|02|0000000
+      --orientation,--help => Invalid orientation: --helpen|-|02|0000000
+      --driver,-x,a.mkv => en|-|02|1000000 /media/movies/a.mkv
+      --sound=stereo,--driver => en|-|01|1000000
+      --debug,--bluetooth-debug,--seek-debug => en|-|02|0111000
+      --movie-detail,--focus-mode,--show-keycodes => en|-|02|0000111
+      --undo-renames,movies,--debug => en|-|02|0100000 undo:movies
+      --undo-renames => No room given whose renames are to be undoneen|-|02|0000000
+      --undo-renames=,a.mkv => No room given whose renames are to be undoneen|-|02|0000000
+      --bogus,--debugger,--,--sounds=x => en|-|02|0000000 --bogus --debugger -- --sounds=x
+      film.mkv,/a/b.MP4,notes.doc,,c/d.avi => en|-|02|0000000 /media/movies/film.mkv /a/b.MP4 /media/movies/c/d.avi)"))
     EXPECT_EQ(describe(parseArguments(split(line, ','))), result) << line;
 }
 
@@ -95,6 +89,28 @@ TEST(CommandLine, EndsWithAStatusOrGoesOn) {
                                             "Available drivers: "));
   setenv("SDL_VIDEODRIVER", "no such driver", 1);
   EXPECT_THAT(run({"--driver="}), StartsWith("1SDL_Init failed: "));
+}
+
+template <typename... Arguments>
+std::string printed(void (*print)(std::ostream&, Arguments...), const std::decay_t<Arguments>&... arguments) {
+  std::ostringstream out;
+  print(out, arguments...);
+  return out.str();
+}
+
+TEST(Decoders, ArePrintedByTypeInColumns) {
+  const std::string green = "\033[1m\033[38;2;0;255;0m";
+  const std::string cyan = "\033[0m \033[1m\033[38;2;0;255;255m";
+  EXPECT_EQ(printed(printDecoders, {{AVMEDIA_TYPE_UNKNOWN, {1, {"odd"}}},
+                                    {AVMEDIA_TYPE_VIDEO, {123456789, {"v1", "v2"}}},
+                                    {AVMEDIA_TYPE_DATA, {1, {}}},
+                                    {AVMEDIA_TYPE_SUBTITLE, {1, {"s"}}}}),
+            "\033[1m\033[38;2;255;255;0mDecoder summary:\033[0m\n"
+            "\033[1m\033[38;2;255;255;255mType         Count    Sample decoders\033[0m\n" +
+                green + "video       " + cyan + "12345678\033[0m\n  - v1\n  - v2\n" + green + "subtitle    " +
+                cyan + "1       \033[0m\n  - s\n" + green + "data        " + cyan + "1       \033[0m\n" +
+                green + "unknown     " + cyan + "1       \033[0m\n  - odd\n\n");
+  EXPECT_EQ(printed(printDecoders, {}), "No decoders found.\n");
 }
 
 }  // namespace
