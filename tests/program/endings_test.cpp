@@ -6,36 +6,30 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
-
 using Endings = ProgramTest;
 
 const rig::Environment noScreen = {{"DISPLAY", ""}, {"SDL_VIDEODRIVER", "x11"}};
 
 TEST_F(Endings, SignalsEndTheProgramInEveryState) {
   add("film.mkv", {.seconds = 30});
-  const struct {
-    const char* name;
-    int signal;
-    std::vector<std::string> keysDown;
-  } states[] = {
+  const std::tuple<const char*, int, std::vector<std::string>> states[] = {
       {"playing", SIGINT, {}},
       {"paused", SIGTERM, {"XF86AudioPlay"}},
       {"seeking", SIGTERM, {"Right"}},
       {"seeking in a pause", SIGHUP, {"XF86AudioPlay", "XF86AudioForward"}},
       {"going home", SIGQUIT, {"XF86HomePage"}},
   };
-  for (const auto& state : states) {
-    SCOPED_TRACE(state.name);
+  for (const auto& [name, signal, keysDown] : states) {
+    SCOPED_TRACE(name);
     start({"film.mkv"});
     // A pause is possible after the first second.
     const auto begun = [&] { return watch.sights(program->startedAt()).size() > 30; };
     ASSERT_TRUE(rig::waitUntil(10, begun) && stage.screen.focusWindow(5));
-    for (const std::string& key : state.keysDown) stage.screen.hold(key);
+    for (const std::string& key : keysDown) stage.screen.hold(key);
     rig::let(0.3);
-    program->signal(state.signal);
+    program->signal(signal);
     expectEnd(sanitized ? 3 : 1);
-    for (const std::string& key : state.keysDown) stage.screen.release(key);
+    for (const std::string& key : keysDown) stage.screen.release(key);
   }
 }
 
@@ -66,9 +60,8 @@ TEST_F(Endings, BrokenFilesAreNamedAndTheOthersPlay) {
   };
   EXPECT_LT(told("noise.mkv"), told("gone.mkv")) << program->errors();
   EXPECT_NE(told("gone.mkv"), std::string::npos);
-  for (const auto& [from, pictures] : {std::pair{1000, 36U}, std::pair{2000, 40U}, std::pair{3000, 36U}}) {
+  for (const auto& [from, pictures] : {std::pair{1000, 36U}, {2000, 40U}, {3000, 36U}})
     EXPECT_GE(watch.numbered(from, from + 1000).size(), sanitized ? pictures / 2 : pictures - 3) << from;
-  }
 }
 
 TEST_F(Endings, FilmGoesOnWithoutItsFileWhileTheSoundServerStandsStill) {

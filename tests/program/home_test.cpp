@@ -1,24 +1,17 @@
 // From the home screen to a film and back, over a library made for the test.
-#include <sstream>
 
 #include "program/program_run.h"
 
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
-
 /// Each film of the library shows numbers of its own.
 enum Film { Alpha = 1000, Beta = 3000, Kid = 5000, First = 7000, Second = 9000 };
 
-class HomeTest : public ProgramTest {
- protected:
+struct HomeTest : ProgramTest {
   void addFilm(const std::string& path, Film film) {
-    const fs::path file =
-        add("../" + path, {.width = 320, .height = 180, .seconds = 40, .firstNumber = film});
-    rig::Program poster(
-        {"convert", "-size", "200x300", "gradient:", (file.parent_path() / "poster.jpg").string()}, {});
-    ASSERT_TRUE(poster.waitForEnd(20));
+    addTo(path, {.width = 320, .height = 180, .seconds = 40, .firstNumber = film});
+    addPicture(path.substr(0, path.rfind('/')) + "/poster.jpg", "200x300", "gradient:");
   }
   void addLibrary() {
     addFilm("movies/Alpha (1990)/Alpha (1990).mkv", Alpha);
@@ -50,11 +43,10 @@ class HomeTest : public ProgramTest {
   }
   bool plays(Film film) { return waitForNumber(film, film + 1000) && waitForFocus("Movie"); }
   bool keeps(const std::string& words) const {
-    return rig::readText(stage.library.path() / "persist.json").find(words) != std::string::npos;
+    return rig::readText(at("persist.json")).find(words) != std::string::npos;
   }
-  bool says(const std::string& line) const { return program->errors().find(line) != std::string::npos; }
-  bool soonSays(const std::string& line) const {
-    return rig::waitUntil(5, [&] { return says(line); });
+  bool says(const std::string& line, double seconds = 0) const {
+    return rig::waitUntil(seconds, [&] { return program->errors().find(line) != std::string::npos; });
   }
 };
 
@@ -87,7 +79,7 @@ TEST_F(HomeTest, LeadsToEveryFilmAndBack) {
   press("Return");
   EXPECT_EQ(focus(), "Tv");
   press("Return Return");
-  const fs::path season = stage.library.path() / "tv/Show/Season 1";
+  const fs::path season = at("tv/Show/Season 1");
   ASSERT_TRUE(rig::waitUntil(10, [&] { return fs::exists(season / "S01E02 Second-thumb.jpg"); }));
   rig::let(1);
   press("Right Return");
@@ -111,8 +103,7 @@ TEST_F(HomeTest, LeadsToEveryFilmAndBack) {
 
 TEST_F(HomeTest, WhatIsBrokenOrGoneIsNamedAndAnotherPlays) {
   addLibrary();
-  const fs::path beta = stage.library.path() / "movies/Beta";
-  const fs::path kid = stage.library.path() / "kids/Kid";
+  const fs::path beta = at("movies/Beta"), kid = at("kids/Kid");
   open();
   press("Return");
   ASSERT_TRUE(plays(Alpha));
@@ -137,13 +128,13 @@ TEST_F(HomeTest, WhatIsBrokenOrGoneIsNamedAndAnotherPlays) {
   press("XF86HomePage");
   rig::let(1);
   press("Up Return");
-  EXPECT_TRUE(soonSays("Failed to open " + (kid / "Kid.mkv").string()));
+  EXPECT_TRUE(says("Failed to open " + (kid / "Kid.mkv").string(), 5));
   ASSERT_TRUE(waitForFocus("UsersTab")) << "the home screen answers again";
   fs::remove_all(kid);
   press("Return");
-  EXPECT_TRUE(soonSays("No persisted video for user \"Alex\" under "));
+  EXPECT_TRUE(says("No persisted video for user \"Alex\" under ", 5));
   rig::let(1);
-  fs::remove_all(stage.library.path() / "movies/Alpha (1990)");
+  fs::remove_all(at("movies/Alpha (1990)"));
   addFilm("movies/Later/Later.mkv", Second);
   press("Down Return");
   EXPECT_TRUE(plays(Second));

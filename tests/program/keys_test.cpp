@@ -4,13 +4,10 @@
 namespace tavek {
 namespace {
 
-constexpr int rate = 24;
-constexpr int longFilm = 10000;
+constexpr int rate = 24, longFilm = 10000;
 
 // Rows of the screen that cross what is drawn over the picture.
-constexpr int logoRow = 150;
-constexpr int volumeRow = 786;
-constexpr int seekBarRow = 983;
+constexpr int logoRow = 150, volumeRow = 786, seekBarRow = 983;
 
 constexpr auto isWhite = [](std::uint32_t colour) { return colour == 0xffffff; };
 constexpr auto isRed = [](std::uint32_t colour) { return colour >> 16 > 200 && (colour & 0xffff) == 0; };
@@ -19,8 +16,7 @@ constexpr auto isGreen = [](std::uint32_t colour) {
   return (colour >> 8 & 0xff) > 150 && colour >> 16 < 80 && (colour & 0xff) < 80;
 };
 
-class KeysTest : public ProgramTest {
- protected:
+struct KeysTest : ProgramTest {
   void addLong() { add("long.mkv", {.width = 320, .height = 180, .seconds = 300, .firstNumber = longFilm}); }
   void press(const char* key) { stage.screen.press(key); }
   /// Waits for a second of the long film, up to another.
@@ -28,11 +24,7 @@ class KeysTest : public ProgramTest {
     return waitForNumber(longFilm + from * rate, longFilm + to * rate, seconds);
   }
   int second() const { return (watch.number() - longFilm) / rate; }
-  template <typename Accepts>
-  int across(int row, Accepts accepts) const {
-    return stage.screen.count(row, 0, 1920, accepts);
-  }
-
+  int across(int row, const auto& accepts) const { return stage.screen.count(row, 0, 1920, accepts); }
   void expectPicturesInASecond(int pictures, int tolerance = 0) {
     rig::let(0.5);
     const int before = watch.number();
@@ -53,8 +45,7 @@ TEST_F(KeysTest, SeekAndGoHome) {
   start({"short.mkv", "long.mkv"});
   ASSERT_TRUE(waitForNumber(rate));
   const double homeAt = rig::now();
-  press("XF86HomePage");
-  press("Right");
+  for (const char* key : {"XF86HomePage", "Right"}) press(key);
   ASSERT_TRUE(reaches(0, 3, 4)) << "the next film";
   EXPECT_GT(rig::now() - homeAt, 0.5) << "the picture fades for half a second";
 
@@ -77,8 +68,7 @@ TEST_F(KeysTest, SeekAndGoHome) {
 
 TEST_F(KeysTest, PauseShowsItsOverlaysAndServesVolumeAndSeek) {
   addLong();
-  rig::Program logo({"convert", "-size", "400x100", "xc:red", film("clearlogo.png")}, {});
-  ASSERT_TRUE(logo.waitForEnd(20));
+  addPicture("movies/clearlogo.png", "400x100", "xc:red");
   start({"long.mkv"});
   ASSERT_TRUE(waitForNumber(longFilm + 3 * rate + rate / 2));
   const double loud = soundLevel();
@@ -101,9 +91,8 @@ TEST_F(KeysTest, PauseShowsItsOverlaysAndServesVolumeAndSeek) {
   stage.screen.release("XF86AudioForward");
   EXPECT_TRUE(reaches(before + 8, before + 12, 2));
   expectPicturesInASecond(0);
-  for (const auto& entry : std::filesystem::directory_iterator(film("snapshots"))) {
+  for (const auto& entry : std::filesystem::directory_iterator(film("snapshots")))
     EXPECT_TRUE(rig::readText(entry.path()).starts_with("\x89PNG")) << entry.path();
-  }
   EXPECT_EQ(across(volumeRow, isGreen), 0) << "the volume bar goes by itself";
   press("XF86AudioPlay");
   expectRunning();

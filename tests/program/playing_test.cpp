@@ -1,5 +1,4 @@
 // Films on the screen and in the ear.
-#include <algorithm>
 #include <cmath>
 
 #include "program/program_run.h"

@@ -6,8 +6,7 @@
 namespace tavek {
 namespace {
 
-class Resume : public ProgramTest {
- protected:
+struct Resume : ProgramTest {
   /// The shared state, as a run before has left it.
   void remember(const std::string& user, const std::string& blocks) {
     rig::writeText(state_, R"({"user": ")" + user + R"(", "users": {)" + blocks + "}}");
@@ -37,7 +36,7 @@ class Resume : public ProgramTest {
     return text.find(word, from) < text.find("\n\t\t}", from);
   }
 
-  const std::filesystem::path state_ = stage.library.path() / "persist.json";
+  const std::filesystem::path state_ = at("persist.json");
 };
 
 TEST_F(Resume, EachUserGoesOnWhereThatUserStopped) {
