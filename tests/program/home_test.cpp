@@ -1,5 +1,4 @@
 // From the home screen to a film and back, over a library made for the test.
-
 #include "program/program_run.h"
 
 namespace tavek {
@@ -41,6 +40,11 @@ struct HomeTest : ProgramTest {
   bool waitForFocus(const std::string& name) {
     return rig::waitUntil(10, [&] { return focus() == name; });
   }
+  void goHome() {
+    press("XF86HomePage");
+    ASSERT_TRUE(waitForFocus("UsersTab"));
+    rig::let(1);
+  }
   bool plays(Film film) { return waitForNumber(film, film + 1000) && waitForFocus("Movie"); }
   bool keeps(const std::string& words) const {
     return rig::readText(at("persist.json")).find(words) != std::string::npos;
@@ -70,9 +74,7 @@ TEST_F(HomeTest, LeadsToEveryFilmAndBack) {
   EXPECT_EQ(focus(), "Poster");
   press("Return");
   ASSERT_TRUE(waitForNumber(stopped - 24, Alpha + 500)) << "goes on where it stopped";
-  press("XF86HomePage");
-  ASSERT_TRUE(waitForFocus("UsersTab"));
-  rig::let(1);
+  goHome();
   EXPECT_TRUE(keeps("Alpha (1990).mkv\",\n\t\t\t\t\"seek\""));
   press("Down Return");
   ASSERT_TRUE(plays(First)) << "the next room is that of the series";
@@ -91,9 +93,7 @@ TEST_F(HomeTest, LeadsToEveryFilmAndBack) {
   press("XF86Back XF86Back XF86Back");
   EXPECT_TRUE(plays(Second)) << "up the levels and out";
 
-  press("XF86HomePage");
-  ASSERT_TRUE(waitForFocus("UsersTab"));
-  rig::let(1);
+  goHome();
   press("Right Up Up Return");
   ASSERT_TRUE(plays(Kid)) << "another user in another room";
   EXPECT_TRUE(keeps("\"user\": \"Maria\"") && keeps("\"mode\": \"kids\""));
@@ -125,8 +125,7 @@ TEST_F(HomeTest, WhatIsBrokenOrGoneIsNamedAndAnotherPlays) {
   EXPECT_TRUE(plays(Alpha));
 
   rig::writeText(kid / "Kid.mkv", "no film");
-  press("XF86HomePage");
-  rig::let(1);
+  goHome();
   press("Up Return");
   EXPECT_TRUE(says("Failed to open " + (kid / "Kid.mkv").string(), 5));
   ASSERT_TRUE(waitForFocus("UsersTab")) << "the home screen answers again";
