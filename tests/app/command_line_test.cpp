@@ -8,14 +8,8 @@
 namespace tavek {
 namespace {
 
+using namespace test;
 using testing::StartsWith;
-
-std::vector<std::string> split(const std::string& line, char separator) {
-  std::vector<std::string> words;
-  std::istringstream text(line);
-  for (std::string word; std::getline(text, word, separator);) words.push_back(word);
-  return words;
-}
 
 /// Language, driver, numbers of orientation and sound mode, one digit per switch, then words and paths.
 std::string describe(const FirstPass& pass) {
@@ -32,25 +26,23 @@ std::string describe(const FirstPass& pass) {
 }
 
 TEST(Options, TakeValuesSwitchesAndPaths) {
-  for (const auto& [line, result] : test::table(R"(
-      => en|-|02|0000000 ;; --orientation=90,--language=fr,--sound=auto,--driver=x11 => fr|x11|40|0000000
+  for (const auto& [line, result] : table(R"(
+      film.mkv,/a/b.MP4,notes.doc,,c/d.avi => en|-|02|0000000 /media/movies/film.mkv /a/b.MP4 /media/movies/c/d.avi
       --orientation,portrait,--language,de,--sound,stereo,--driver,list => de|list|21|0000000
-      --language=,--language,,--orientation=270,--orientation=0 => en|-|32|0000000
-      --driver=list,--language => en|-|02|1000000 --language
-      --driver=,--sound => en|-|02|1000000 --sound
-      --language,--debug,--orientation => --debug|-|02|0000000 --orientation
-      --debug,--sound,loud,--movie-detail => Invalid sound mode: louden|-|02|0100000
-      --sound=Auto => Invalid sound mode: Autoen|-|02|0000000
-      --orientation,--help => Invalid orientation: --helpen|-|02|0000000
-      --driver,-x,a.mkv => en|-|02|1000000 /media/movies/a.mkv
-      --sound=stereo,--driver => en|-|01|1000000
-      --debug,--bluetooth-debug,--seek-debug => en|-|02|0111000
-      --movie-detail,--focus-mode,--show-keycodes => en|-|02|0000111
-      --undo-renames,movies,--debug => en|-|02|0100000 undo:movies
-      --undo-renames => No room given whose renames are to be undoneen|-|02|0000000
       --undo-renames=,a.mkv => No room given whose renames are to be undoneen|-|02|0000000
       --bogus,--debugger,--,--sounds=x => en|-|02|0000000 --bogus --debugger -- --sounds=x
-      film.mkv,/a/b.MP4,notes.doc,,c/d.avi => en|-|02|0000000 /media/movies/film.mkv /a/b.MP4 /media/movies/c/d.avi)"))
+      --debug,--sound,loud,--movie-detail => Invalid sound mode: louden|-|02|0100000 ;; => en|-|02|0000000
+      --orientation=90,--language=fr,--sound=auto,--driver=x11 => fr|x11|40|0000000
+      --undo-renames => No room given whose renames are to be undoneen|-|02|0000000
+      --language=,--language,,--orientation=270,--orientation=0 => en|-|32|0000000
+      --language,--debug,--orientation => --debug|-|02|0000000 --orientation
+      --orientation,--help => Invalid orientation: --helpen|-|02|0000000
+      --movie-detail,--focus-mode,--show-keycodes => en|-|02|0000111
+      --undo-renames,movies,--debug => en|-|02|0100000 undo:movies
+      --debug,--bluetooth-debug,--seek-debug => en|-|02|0111000 ;; --sound=stereo,--driver => en|-|01|1000000
+      --driver,-x,a.mkv => en|-|02|1000000 /media/movies/a.mkv ;; --driver=,--sound => en|-|02|1000000 --sound
+      --sound=Auto => Invalid sound mode: Autoen|-|02|0000000
+      --driver=list,--language => en|-|02|1000000 --language)"))
     EXPECT_EQ(describe(parseArguments(split(line, ','))), result) << line;
 }
 
@@ -99,8 +91,7 @@ std::string printed(void (*print)(std::ostream&, Arguments...), const std::decay
 }
 
 TEST(Decoders, ArePrintedByTypeInColumns) {
-  const std::string green = "\033[1m\033[38;2;0;255;0m";
-  const std::string cyan = "\033[0m \033[1m\033[38;2;0;255;255m";
+  const std::string green = "\033[1m\033[38;2;0;255;0m", cyan = "\033[0m \033[1m\033[38;2;0;255;255m";
   EXPECT_EQ(printed(printDecoders, {{AVMEDIA_TYPE_UNKNOWN, {1, {"odd"}}},
                                     {AVMEDIA_TYPE_VIDEO, {123456789, {"v1", "v2"}}},
                                     {AVMEDIA_TYPE_DATA, {1, {}}},

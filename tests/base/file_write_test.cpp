@@ -7,7 +7,6 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace test;
 
 TEST(ReplaceFile, KeepsModesAndLinks) {

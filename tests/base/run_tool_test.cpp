@@ -12,7 +12,6 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 using SystemClock = std::chrono::steady_clock;
 

@@ -38,12 +38,10 @@ class Picture {
 
  private:
   int w_;
-  std::vector<std::uint8_t> luma_;
-  std::vector<std::uint8_t> chroma_;
+  std::vector<std::uint8_t> luma_, chroma_;
 };
 
-class DisplayTest : public testing::Test {
- protected:
+struct DisplayTest : testing::Test {
   std::unique_ptr<Display> make(Orientation orientation = Orientation::OrientationAuto) {
     test::useOffscreenDriver();
     auto display = std::make_unique<Display>(0, 0, width, height, orientation, store.parts(), steadyClock());

@@ -14,8 +14,6 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
-
 std::string text(const SDL_Rect& rect) {
   return std::to_string(rect.x) + "," + std::to_string(rect.y) + " " + std::to_string(rect.w) + "x" +
          std::to_string(rect.h);

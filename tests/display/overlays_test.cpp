@@ -13,7 +13,6 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
 using test::writeText;
 
 FrameContext frameAt(const test::Offscreen& screen, Uint64 nowMs) {
@@ -114,8 +113,7 @@ TEST(ClearLogoTest, LogoShrinksToItsShareOfTheWindow) {
 }
 
 /// An episode, and the files where its logo may lie.
-class ClearLogoFileTest : public testing::Test {
- protected:
+struct ClearLogoFileTest : testing::Test {
   ClearLogoFileTest() { fs::remove(showLogo); }
 
   /// Until the search has come to an end.
@@ -129,8 +127,7 @@ class ClearLogoFileTest : public testing::Test {
   }
 
   Uint64 nowMs = 1000;
-  const fs::path show = test::library.path() / "tv/Show";
-  const fs::path episode = show / "Season 2/S02E05 Pilot.mkv";
+  const fs::path show = test::library.path() / "tv/Show", episode = show / "Season 2/S02E05 Pilot.mkv";
   const fs::path showLogo = show / "clearlogo.png";
 };
 

@@ -10,10 +10,7 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
-
-class PostersTest : public testing::Test {
- protected:
+struct PostersTest : testing::Test {
   PostersTest() {
     for (const auto& entry : fs::directory_iterator(test::library.path())) fs::remove_all(entry.path());
   }
@@ -54,13 +51,16 @@ TEST_F(PostersTest, OnlyPicturesThatCanBeShownComeIntoTheList) {
   std::string liar = good;
   liar.replace(16, 8, std::string("\0\2\0\0\0\2\0\0", 8));  // 131,072 pixels each way
   addFilm("b");
-  for (const char* name : {"cut", "empty", "liar", "wide"}) write(std::string("movies/") + name + ".mkv");
-  write("movies/cut.png", good.substr(0, good.size() / 2));
-  write("movies/empty.png", "");
-  write("movies/liar.png", liar);
-  write("movies/wide.jpg", test::png(1000, 100));
+  const std::pair<std::string, std::string> others[] = {{"cut", good.substr(0, good.size() / 2)},
+                                                        {"empty", ""},
+                                                        {"liar", liar},
+                                                        {"wide", test::png(1000, 100)}};
+  for (const auto& [name, picture] : others) {
+    write("movies/" + name + ".mkv");
+    write("movies/" + name + ".png", picture);
+  }
   load("movies");
-  EXPECT_EQ(shown(), ">movies/b.png:160 movies/wide.jpg:2400 ");
+  EXPECT_EQ(shown(), ">movies/b.png:160 movies/wide.png:2400 ");
   const SurfacePtr fitted = fittedToHeight(loadImage(at("movies/b.png")), 100);
   EXPECT_TRUE(fitted && fitted->w == 66 && fitted->h == 100);
 }

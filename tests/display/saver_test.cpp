@@ -13,7 +13,6 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
 using std::chrono::milliseconds;
 
 TEST(SaverRules, FadeTurnsAroundWhereItStands) {
@@ -87,8 +86,7 @@ TEST(IdleScans, AskOnceAndThenOnceAnHour) {
   requestScans(scans, {}, "/m/more", Movies, 2000);
 }
 
-class SaverTest : public testing::Test {
- protected:
+struct SaverTest : testing::Test {
   SaverTest() { test::writeText(film, "x"); }
   ~SaverTest() override { quitRequested = false; }
 

@@ -6,10 +6,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <functional>
 #include <random>
+#include <ranges>
 #include <set>
-#include <span>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -23,6 +22,7 @@
 #include "state/state_store.h"
 #include "state/stored_state.h"
 #include "support/media_root.h"
+#include "support/table.h"
 
 namespace {
 
@@ -76,7 +76,6 @@ ssize_t write(int file, const void* bytes, size_t size) {
 
 namespace {
 
-namespace fs = std::filesystem;
 using namespace tavek;
 
 /// The files and links below a folder, and what they hold. Each file of a library holds something of its own.
@@ -95,9 +94,8 @@ Files filesBelow(const fs::path& folder) {
 }
 
 std::multiset<std::string> contentsOf(const Files& files) {
-  std::multiset<std::string> contents;
-  for (const auto& [name, content] : files) contents.insert(content);
-  return contents;
+  const auto contents = std::views::values(files);
+  return {contents.begin(), contents.end()};
 }
 
 class Library {
@@ -106,10 +104,8 @@ class Library {
     for (const auto& entry : fs::directory_iterator(mediaRoot())) fs::remove_all(entry.path());
     series_ = oneIn(3);
     room_ = mediaRoot() / (series_ ? "tv" : oneIn(2) ? "movies" : "kids");
-    test::writeText(mediaRoot() / "outside/film.mkv", "outside");
-    test::writeText(mediaRoot() / "music/film.mkv", "music");
-    const int count = between(1, 10);
-    for (int i = 0; i < count; ++i) addVideo();
+    for (const char* other : {"outside", "music"}) test::writeText(mediaRoot() / other / "film.mkv", other);
+    for (int i = between(1, 10); i > 0; --i) addVideo();
     if (oneIn(4)) link("../outside", pick(folders) + "lnk");
     if (oneIn(4)) link("../music/film.mkv", "film.mkv");
     remember();
@@ -119,41 +115,31 @@ class Library {
   /// Empty if all is well. Each step is a process of its own, which another that was killed leaves no thread.
   std::string check() {
     const Fate first{oneIn(3) ? Fault::Refuse : Fault::Kill, between(1, 40)};
-    const Fate second{Fault::Kill, between(1, 40)};
-    const std::function<std::string()> steps[] = {
-        [&] { return inChild([&] { return scan(100, first); }); },
-        [&] { return findLost(); },
-        [&] { return inChild([&] { return scanUntilNothingChanges(); }); },
-        [&] { return findLost(); },
-        [&] { return findWrongMarks(); },
-        [&] { return inChild([&] { return takeBack(second); }); },
-        [&] { return inChild([&] { return takeBack({}); }); },
-        [&] { return filesBelow(room_) == start_ ? "" : "the undo does not give back what was there"; },
-        [&] { return findWrongMarks(); }};
-    for (const auto& step : steps) {
-      if (std::string complaint = step(); !complaint.empty()) return complaint;
-    }
-    return {};
+    std::string complaint = inChild([&] { return scan(100, first); });
+    if (complaint.empty()) complaint = findLost();
+    if (complaint.empty()) complaint = inChild([&] { return scanUntilNothingChanges(); });
+    if (complaint.empty()) complaint = findLost() + findWrongMarks();
+    for (const Fate& with : {Fate{Fault::Kill, between(1, 40)}, Fate{}})
+      if (complaint.empty()) complaint = inChild([&] { return takeBack(with); });
+    if (complaint.empty() && filesBelow(room_) != start_)
+      complaint = "the undo does not give back what was there";
+    return complaint.empty() ? findWrongMarks() : complaint;
   }
 
  private:
-  static constexpr const char* stems[] = {"Alien",     "alien", "Alien.1979", "Alien CD1",
-                                          "Alien CD2", "Up",    "S01E01",     "e2",
-                                          "\xc4x",     "a\nb",  "Up-trailer", "Heat (1995)"};
-  static constexpr const char* endings[] = {".mkv", ".avi", ".MKV"};
-  static constexpr const char* beside[] = {".srt",        ".en.srt", ".nfo",   "-thumb.jpg",
-                                           ".poster.jpg", ".jpg",    ".x.srt", ".de.mka"};
-  static constexpr const char* folders[] = {"",           "",        "",           "Alien/",  "Alien (1979)/",
-                                            "Box/",       "Box/in/", "Up (2009)/", "Extras/", ".hidden/",
-                                            "x/VIDEO_TS/"};
-  static constexpr const char* names[] = {
-      "Alien (1979)", "Alien (1979)", "alien (1979)", "Up (2009)", "Box", "S01E01 - One", "e2",
-      "..",           "../out",       "/tmp/x",       "",          ".x",  "a/b",          "Extras",
-      "Trailer",      "\xc4y",        "Heat (1995)",  "Alien",     "x"};
+  static inline const auto
+      stems = test::split(
+          "Alien|alien|Alien.1979|Alien CD1|Alien CD2|Up|S01E01|e2|\xc4x|a\nb|Up-trailer|Heat (1995)"),
+      endings = test::split(".mkv|.avi|.MKV"),
+      beside = test::split(".srt|.en.srt|.nfo|-thumb.jpg|.poster.jpg|.jpg|.x.srt|.de.mka"),
+      folders = test::split("|||Alien/|Alien (1979)/|Box/|Box/in/|Up (2009)/|Extras/|.hidden/|x/VIDEO_TS/"),
+      names = test::split(
+          "Alien (1979)|Alien (1979)|alien (1979)|Up (2009)|Box|S01E01 - "
+          "One|e2|..|../out|/tmp/x||.x|a/b|Extras|Trailer|\xc4y|Heat (1995)|Alien|x");
 
   int between(int least, int most) { return std::uniform_int_distribution(least, most)(random_); }
   bool oneIn(int times) { return between(1, times) == 1; }
-  std::string pick(std::span<const char* const> table) {
+  std::string pick(const std::vector<std::string>& table) {
     return table[static_cast<std::size_t>(between(0, static_cast<int>(table.size()) - 1))];
   }
 
@@ -220,7 +206,7 @@ class Library {
     for (const auto& [name, content] : filesBelow(room_)) {
       const fs::path video = room_ / name;
       if (!isVideoFile(video) || !fs::exists(video)) continue;
-      const std::string wanted = names[std::hash<std::string>{}(content) % std::size(names)];
+      const std::string wanted = names[std::hash<std::string>{}(content) % names.size()];
       const fs::path now = (series_ ? renameEpisodeTo : tidyFilm)(context, room_, video, wanted);
       if (!fs::exists(fs::symlink_status(now))) return "it tells of " + now.string() + ", which is not there";
     }
@@ -248,9 +234,9 @@ class Library {
 
   std::string findLost() const {
     if (contentsOf(filesBelow(room_)) != contentsOf(start_)) return "a file is lost or changed";
-    const bool outside = filesBelow(mediaRoot() / "outside") == Files{{"film.mkv", "outside"}} &&
-                         filesBelow(mediaRoot() / "music") == Files{{"film.mkv", "music"}};
-    return outside ? "" : "another folder was changed";
+    for (const std::string other : {"outside", "music"})
+      if (filesBelow(mediaRoot() / other) != Files{{"film.mkv", other}}) return other + " was changed";
+    return {};
   }
 
   std::string findWrongMarks() const {

@@ -11,12 +11,9 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
-
 const Flag never;
 
-class AlbumTest : public testing::Test {
- protected:
+struct AlbumTest : testing::Test {
   fs::path make(const std::string& name, const std::string& tags, const char* seconds = "0.1") const {
     const fs::path path = folder_.path() / name;
     fs::create_directories(path.parent_path());
@@ -51,13 +48,10 @@ TEST_F(AlbumTest, TagsAreReadByTheirVeryNameFirst) {
   for (const auto& [file, tags, told] : cases) {
     const auto info = trackInfo(make(file, tags));
     ASSERT_TRUE(info) << file;
-    EXPECT_EQ(info->title + '/' + info->artist + '/' + info->album + '/' + info->track + '/' + info->year +
-                  '/' + info->genre,
-              told)
-        << file;
+    const auto& [title, artist, album, track, year, genre, length] = *info;
+    EXPECT_EQ(title + '/' + artist + '/' + album + '/' + track + '/' + year + '/' + genre, told) << file;
   }
-  std::string oldest = test::readText(make("h.mp3", "-id3v2_version 0"));
-  std::string tag = "TAG\xC9toile\x92s";
+  std::string oldest = test::readText(make("h.mp3", "-id3v2_version 0")), tag = "TAG\xC9toile\x92s";
   tag.resize(128);
   test::writeText(folder_.path() / "h.mp3", oldest + tag);
   EXPECT_EQ(trackInfo(folder_.path() / "h.mp3")->title, "Étoile s");

@@ -1,16 +1,17 @@
 #include <gtest/gtest.h>
 
 #include "base/paths.h"
+#include "base/run_tool.h"
 #include "library/backdrop.h"
+#include "library/episode_still.h"
 #include "library/fan_art.h"
 #include "library/media_paths.h"
 #include "library/overview.h"
+#include "support/table.h"
 #include "support/temp_folder.h"
 
 namespace tavek {
 namespace {
-
-namespace fs = std::filesystem;
 
 std::string namesOf(const std::vector<Slide>& slides, const fs::path& root) {
   std::string names;
@@ -79,8 +80,7 @@ TEST(Backdrop, IsTheNearestOfTheFoldersAboveTheTrack) {
     return musicRoot() / (name[0] == '-' ? "Artist/Album" + name.substr(1) : name);
   };
   for (const auto& [what, files, found] : cases) {
-    std::istringstream names(files);
-    for (std::string name; std::getline(names, name, '|');) test::writeText(at(name), "x");
+    for (const std::string& name : test::split(files)) test::writeText(at(name), "x");
     EXPECT_EQ(findBackdrop(at("-/1.mp3")).value_or(""), *found == 0 ? fs::path() : at(found)) << what;
     EXPECT_FALSE(findBackdrop(mediaRoot() / "other/1.mp3")) << what;
     fs::remove_all(musicRoot());
@@ -89,6 +89,50 @@ TEST(Backdrop, IsTheNearestOfTheFoldersAboveTheTrack) {
   test::writeText(at("fanart.jpg"), "");
   EXPECT_FALSE(findBackdrop(at("1.mp3"))) << "an empty file is no picture";
   fs::remove_all(musicRoot());
+}
+
+const Flag never;
+
+/// The arguments of ffprobe, which tells this length, and of ffmpeg. Both lie in a folder whose name needs
+/// quotes.
+std::string callsFor(const char* length, const fs::path& video, const fs::path& still) {
+  const test::TempFolder temp;
+  const fs::path folder = temp.path() / "it's \"$HOME\"";
+  const std::string script = "#!/bin/sh\nprintf '%s|' \"$@\" >>\"${0%/*}/calls\"\n[ $1 = -y ] || echo ";
+  test::writeText(folder / "ffprobe", script + length);
+  fs::permissions(folder / "ffprobe", fs::perms::owner_all);
+  fs::create_symlink("ffprobe", folder / "ffmpeg");
+  setenv("TAVEK_TOOL_DIR", folder.c_str(), 1);
+  makeEpisodeThumb(video, still, never);
+  unsetenv("TAVEK_TOOL_DIR");
+  return test::readText(folder / "calls");
+}
+
+TEST(EpisodeStill, HandsPathsOverIntact) {
+  const std::string odd = "-it's $(touch x) `id`\n\"\\*;&\xe9 %s";
+  EXPECT_EQ(callsFor("2700.5", odd + ".mkv", odd + ".jpg"),
+            "-v|error|-show_entries|format=duration|-of|default=noprint_wrappers=1:nokey=1|./" + odd +
+                ".mkv|-y|-loglevel|error|-ss|405.075|-i|./" + odd +
+                ".mkv|-frames:v|1|-vf|"
+                "scale=320:480:force_original_aspect_ratio=increase,crop=320:480|-q:v|3|./" +
+                odd + ".jpg|");
+  for (const char* length : {"N/A", "", "0.000000", "-3", "nan"})
+    EXPECT_EQ(callsFor(length, "/x/a.mkv", "/x/a.jpg").find("-y"), std::string::npos) << length;
+  EXPECT_EQ(callsFor("1", "", "/x/a.jpg") + callsFor("1", "/x/a.mkv", ""), "");
+}
+
+TEST(EpisodeStill, IsMadeOnceByTheRealTools) {
+  const test::TempFolder temp;
+  const fs::path video = temp.path() / "S01E01 it's.mkv", still = episodeStillOf(video);
+  test::writeText(still, "");  // an empty file is no still
+  runTool({.arguments = {"ffmpeg", "-loglevel", "error", "-f", "lavfi", "-i", "testsrc=duration=0.8", video}},
+          never);
+  makeEpisodeThumb(video, still, never);
+  EXPECT_TRUE(test::readText(still).starts_with("\xff\xd8"));
+  // In the frame header: 8 bits, 480 lines of 320.
+  EXPECT_NE(test::readText(still).find(std::string("\x08\x01\xe0\x01\x40", 5)), std::string::npos);
+  EXPECT_EQ(callsFor("1", video, still), "");
+  EXPECT_NE(callsFor("1", video, temp.path()), "") << "a folder is no still";
 }
 
 }  // namespace

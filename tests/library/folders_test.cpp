@@ -12,7 +12,6 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
 using test::library;
 
 void clear() {
@@ -21,8 +20,7 @@ void clear() {
 
 /// Makes empty files, and folders ("x/"), in a folder of the library; a bar stands between the names.
 void make(const std::string& folder, const std::string& names) {
-  std::istringstream list(names);
-  for (std::string name; std::getline(list, name, '|');) {
+  for (const std::string& name : test::split(names)) {
     create_directories((library.path() / folder / name).parent_path());
     if (!name.ends_with('/')) std::ofstream(library.path() / folder / name).flush();
   }

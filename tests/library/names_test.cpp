@@ -6,6 +6,7 @@
 #include "library/match_key.h"
 #include "library/titles.h"
 #include "support/media_root.h"
+#include "support/table.h"
 
 namespace tavek {
 namespace {
@@ -13,8 +14,7 @@ namespace {
 /// A bar stands between the rows; a row is "question = answer" or "question & its second part = answer".
 template <typename Answer>
 void expectAll(const std::string& rows, Answer answer) {
-  std::istringstream list(rows);
-  for (std::string row; std::getline(list, row, '|');) {
+  for (const std::string& row : test::split(rows)) {
     const std::size_t middle = row.find(" = ");
     const std::size_t end = std::min(row.find(" & "), middle);
     const std::string second = end < middle ? row.substr(end + 3, middle - end - 3) : "";

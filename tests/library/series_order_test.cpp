@@ -32,25 +32,23 @@ TEST(SeriesOrder, FindsTitlesByTheirForms) {
 /// The rule without its indices: each step over all entries in their order.
 int sequenceByRule(const std::vector<std::string>& titles, const std::string& title) {
   const MatchKey wanted = makeMatchKey(title);
-  const auto firstWhere = [&](auto matches) {
+  const auto firstWhere = [&](const auto& matches) {
     const auto at = std::ranges::find_if(titles, [&](auto& each) { return matches(makeMatchKey(each)); });
     return at == titles.end() ? -1 : static_cast<int>(at - titles.begin());
   };
   const auto holds = [](const std::string& a, const std::string& b) {
-    return a.find(b) != std::string::npos;
+    return !a.empty() && !b.empty() && (a.find(b) != std::string::npos || b.find(a) != std::string::npos);
   };
-  int found = firstWhere([&](const MatchKey& key) { return key.raw == wanted.raw; });
-  if (found < 0) found = firstWhere([&](const MatchKey& key) { return key.alnum == wanted.alnum; });
-  if (found < 0 && !wanted.digits.empty())
-    found = firstWhere([&](const MatchKey& key) { return key.digits == wanted.digits; });
-  if (found < 0)
-    found = firstWhere([&](const MatchKey& key) {
-      return key.alnum.starts_with(wanted.alnum) || wanted.alnum.starts_with(key.alnum);
-    });
-  if (found < 0 && !wanted.alpha.empty())
-    found = firstWhere([&](const MatchKey& key) {
-      return !key.alpha.empty() && (holds(key.alpha, wanted.alpha) || holds(wanted.alpha, key.alpha));
-    });
+  const std::function<bool(const MatchKey&)> steps[] = {
+      [&](const MatchKey& key) { return key.raw == wanted.raw; },
+      [&](const MatchKey& key) { return key.alnum == wanted.alnum; },
+      [&](const MatchKey& key) { return !wanted.digits.empty() && key.digits == wanted.digits; },
+      [&](const MatchKey& key) {
+        return key.alnum.starts_with(wanted.alnum) || wanted.alnum.starts_with(key.alnum);
+      },
+      [&](const MatchKey& key) { return holds(key.alpha, wanted.alpha); }};
+  int found = -1;
+  for (const auto& step : steps) found = found < 0 ? firstWhere(step) : found;
   return found;
 }
 
@@ -63,10 +61,8 @@ TEST(SeriesOrder, FindsTheSameAsALookAtEachEntry) {
   };
   for (int round = 0; round < 300; ++round) {
     std::vector<std::string> titles;
-    for (int i = 0; i < 8; ++i) {
-      std::string next = title();
-      if (std::ranges::find(titles, next) == titles.end()) titles.push_back(std::move(next));
-    }
+    for (int i = 0; i < 8; ++i)
+      if (std::string next = title(); std::ranges::find(titles, next) == titles.end()) titles.push_back(next);
     const SeriesOrder order = orderOf(titles);
     for (int i = 0; i < 40; ++i) {
       const std::string wanted = title();

@@ -13,8 +13,7 @@ namespace tavek {
 
 const Flag never;
 
-class MovieFile : public testing::Test {
- protected:
+struct MovieFile : testing::Test {
   std::string make(const std::string& name, const std::string& arguments) const {
     const std::string path = (folder_.path() / name).string();
     EXPECT_EQ(std::system(("ffmpeg -nostdin -loglevel error " + arguments + " " + path).c_str()), 0);
@@ -110,8 +109,7 @@ TEST_F(MovieFile, TellsADamagedPacket) {
   Demultiplexer demuxer(make("song.flac", "-f lavfi -i sine=d=1"), {}, Pictures::Optional, never);
   Codec codec(demuxer.audioParameters());
   const auto frame = ffmpeg::makeFrame();
-  int frames = 0;
-  int damaged = 0;
+  int frames = 0, damaged = 0;
   for (int number = 0; demuxer.readPacket(packet_.get()); av_packet_unref(packet_.get())) {
     if (++number == 3) std::fill_n(packet_->data, packet_->size, std::uint8_t{0x5A});
     damaged += codec.sendPacket(packet_.get()) == Decoded::Damaged ? 1 : 0;

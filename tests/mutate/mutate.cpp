@@ -19,7 +19,6 @@ extern "C" {
 
 namespace {
 
-namespace fs = std::filesystem;
 using namespace tavek;
 using std::chrono::microseconds;
 using std::chrono::seconds;
@@ -107,8 +106,7 @@ Outcome played(Play& play, test::FakeSound& card, const Clock& clock) {
   if (play.opening() == Play::Opening::Failed) return Outcome::Reported;
 
   play.start(0);
-  bool shown = false;
-  bool sought = false;
+  bool shown = false, sought = false;
   const auto begun = clock.now();
   const auto heardOrSeen = [&](Outcome outcome) {
     return shown || !card.heard().empty() ? outcome : Outcome::Nothing;

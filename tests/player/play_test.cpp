@@ -89,8 +89,7 @@ struct Sitting {
 };
 
 TEST(Play, TakesItsTimeToTheEnd) {
-  const std::string tone = "-f lavfi -i sine=d=";
-  const std::string song = clip(tone + "3 OUT", "flac");
+  const std::string tone = "-f lavfi -i sine=d=", song = clip(tone + "3 OUT", "flac");
   const std::string recording =
       clip("-f lavfi -i testsrc=s=64x64:r=25:d=2 -c:v mpeg2video -output_ts_offset 5000 OUT", "ts");
   const std::string slow =

@@ -1,4 +1,5 @@
-// How a run ends: by signals in every state, and past files, devices and screens that are broken or gone.
+// How a run ends: by signals in every state, and past files, devices and screens that are broken or gone; and
+// what stays of a film for the next one.
 #include <signal.h>
 
 #include "program/program_run.h"
@@ -6,36 +7,30 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
-
 using Endings = ProgramTest;
 
 const rig::Environment noScreen = {{"DISPLAY", ""}, {"SDL_VIDEODRIVER", "x11"}};
 
 TEST_F(Endings, SignalsEndTheProgramInEveryState) {
   add("film.mkv", {.seconds = 30});
-  const struct {
-    const char* name;
-    int signal;
-    std::vector<std::string> keysDown;
-  } states[] = {
+  const std::tuple<const char*, int, std::vector<std::string>> states[] = {
       {"playing", SIGINT, {}},
       {"paused", SIGTERM, {"XF86AudioPlay"}},
       {"seeking", SIGTERM, {"Right"}},
       {"seeking in a pause", SIGHUP, {"XF86AudioPlay", "XF86AudioForward"}},
       {"going home", SIGQUIT, {"XF86HomePage"}},
   };
-  for (const auto& state : states) {
-    SCOPED_TRACE(state.name);
+  for (const auto& [name, signal, keysDown] : states) {
+    SCOPED_TRACE(name);
     start({"film.mkv"});
     // A pause is possible after the first second.
     const auto begun = [&] { return watch.sights(program->startedAt()).size() > 30; };
     ASSERT_TRUE(rig::waitUntil(10, begun) && stage.screen.focusWindow(5));
-    for (const std::string& key : state.keysDown) stage.screen.hold(key);
+    for (const std::string& key : keysDown) stage.screen.hold(key);
     rig::let(0.3);
-    program->signal(state.signal);
+    program->signal(signal);
     expectEnd(sanitized ? 3 : 1);
-    for (const std::string& key : state.keysDown) stage.screen.release(key);
+    for (const std::string& key : keysDown) stage.screen.release(key);
   }
 }
 
@@ -66,9 +61,8 @@ TEST_F(Endings, BrokenFilesAreNamedAndTheOthersPlay) {
   };
   EXPECT_LT(told("noise.mkv"), told("gone.mkv")) << program->errors();
   EXPECT_NE(told("gone.mkv"), std::string::npos);
-  for (const auto& [from, pictures] : {std::pair{1000, 36U}, std::pair{2000, 40U}, std::pair{3000, 36U}}) {
+  for (const auto& [from, pictures] : {std::pair{1000, 36U}, {2000, 40U}, {3000, 36U}})
     EXPECT_GE(watch.numbered(from, from + 1000).size(), sanitized ? pictures / 2 : pictures - 3) << from;
-  }
 }
 
 TEST_F(Endings, FilmGoesOnWithoutItsFileWhileTheSoundServerStandsStill) {
@@ -104,6 +98,75 @@ TEST_F(Endings, WithNoScreenNamedFilmsAreHeardAndNothingElseRuns) {
   ASSERT_TRUE(program->waitForEnd(5));
   EXPECT_EQ(program->status(), 1);
   EXPECT_NE(program->errors().find("no screen"), std::string::npos);
+}
+
+struct Resume : ProgramTest {
+  /// The shared state, as a run before has left it.
+  void remember(const std::string& user, const std::string& blocks) {
+    rig::writeText(state_, R"({"user": ")" + user + R"(", "users": {)" + blocks + "}}");
+  }
+  static std::string block(const std::string& user, const std::filesystem::path& playing, int seconds) {
+    return '"' + user + R"(": {"movies": {"playing": ")" + playing.string() + R"(", "seek": )" +
+           std::to_string(seconds) + "000000}}";
+  }
+  void becomeUser(const std::string& name) {
+    std::string text = rig::readText(state_);
+    const std::size_t from = text.find("\"user\": \"") + 9;
+    rig::writeText(state_, text.replace(from, text.find('"', from) - from, name));
+  }
+  /// Plays the film until a second of it, and gives the second at which it began.
+  double playUntil(const std::string& name, double second) {
+    start({name});
+    const auto seen = [this] { return watch.sights(program->startedAt()); };
+    EXPECT_TRUE(rig::waitUntil(15, [&] { return !seen().empty() && watch.number() >= second * 24; })) << name;
+    program->signal(SIGTERM);
+    expectEnd(sanitized ? 6 : 2);
+    return seen().empty() ? -1 : seen().front().number / 24.0;
+  }
+  /// A word of the user's block of the state file.
+  bool keeps(const std::string& user, const std::string& word) const {
+    const std::string text = rig::readText(state_);
+    const std::size_t from = text.find('"' + user + "\": {");
+    return text.find(word, from) < text.find("\n\t\t}", from);
+  }
+
+  const std::filesystem::path state_ = at("persist.json");
+};
+
+TEST_F(Resume, EachUserGoesOnWhereThatUserStopped) {
+  add("A/a.mkv", {.seconds = 30});
+  add("B/b.mkv", {.seconds = 30});
+  remember("Ann", block("Ann", "", 0) + "," + block("Bob", "", 0));
+  EXPECT_LT(playUntil("A/a.mkv", 5), 1);
+  becomeUser("Bob");
+  EXPECT_NEAR(playUntil("A/a.mkv", 8), 5, 1.5) << "the folder knows where anybody stopped last";
+  EXPECT_LT(playUntil("B/b.mkv", 3), 1);
+  becomeUser("Ann");
+  EXPECT_NEAR(playUntil("A/a.mkv", 6), 5, 1.5) << "not where Bob stopped";
+  becomeUser("Bob");
+  EXPECT_NEAR(playUntil("B/b.mkv", 4), 3, 1.5);
+}
+
+TEST_F(Resume, MarkAndPositionFollowFromWhereAFilmIsLeft) {
+  const auto film = add("F/film.mkv", {.seconds = 30});
+  remember("Ann", block("Ann", film, 26) + "," + block("Bob", "", 0));
+  EXPECT_NEAR(playUntil("F/film.mkv", 27.3), 26, 1.5);
+  EXPECT_TRUE(keeps("Ann", "\"watched\": [\n\t\t\t\t\t\"" + film.string() + "\"\n"));
+  EXPECT_TRUE(keeps("Ann", "\"seek\": 27")) << "beyond 90 % the position stays";
+  EXPECT_FALSE(keeps("Bob", film.string()));
+
+  start({"F/film.mkv"});
+  expectEnd(sanitized ? 30 : 8);
+  EXPECT_TRUE(keeps("Ann", "\"seek\": 0,"));
+}
+
+TEST_F(Resume, AviStartsAnew) {
+  const auto film =
+      add("old.avi", {.seconds = 10, .video = "-c:v mpeg4 -q:v 3", .sound = "", .container = "avi"});
+  remember("Ann", block("Ann", film, 5));
+  EXPECT_LT(playUntil("old.avi", 0.5), 0.5);
+  EXPECT_NE(rig::readText(film.parent_path() / "playback.json").find("\"boundary\":1000000"),
+            std::string::npos);
 }
 
 }  // namespace

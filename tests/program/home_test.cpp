@@ -1,24 +1,16 @@
 // From the home screen to a film and back, over a library made for the test.
-#include <sstream>
-
 #include "program/program_run.h"
 
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
-
 /// Each film of the library shows numbers of its own.
 enum Film { Alpha = 1000, Beta = 3000, Kid = 5000, First = 7000, Second = 9000 };
 
-class HomeTest : public ProgramTest {
- protected:
+struct HomeTest : ProgramTest {
   void addFilm(const std::string& path, Film film) {
-    const fs::path file =
-        add("../" + path, {.width = 320, .height = 180, .seconds = 40, .firstNumber = film});
-    rig::Program poster(
-        {"convert", "-size", "200x300", "gradient:", (file.parent_path() / "poster.jpg").string()}, {});
-    ASSERT_TRUE(poster.waitForEnd(20));
+    addTo(path, {.width = 320, .height = 180, .seconds = 40, .firstNumber = film});
+    addPicture(path.substr(0, path.rfind('/')) + "/poster.jpg", "200x300", "gradient:");
   }
   void addLibrary() {
     addFilm("movies/Alpha (1990)/Alpha (1990).mkv", Alpha);
@@ -48,13 +40,17 @@ class HomeTest : public ProgramTest {
   bool waitForFocus(const std::string& name) {
     return rig::waitUntil(10, [&] { return focus() == name; });
   }
+  void goHome() {
+    press("XF86HomePage");
+    ASSERT_TRUE(waitForFocus("UsersTab"));
+    rig::let(1);
+  }
   bool plays(Film film) { return waitForNumber(film, film + 1000) && waitForFocus("Movie"); }
   bool keeps(const std::string& words) const {
-    return rig::readText(stage.library.path() / "persist.json").find(words) != std::string::npos;
+    return rig::readText(at("persist.json")).find(words) != std::string::npos;
   }
-  bool says(const std::string& line) const { return program->errors().find(line) != std::string::npos; }
-  bool soonSays(const std::string& line) const {
-    return rig::waitUntil(5, [&] { return says(line); });
+  bool says(const std::string& line, double seconds = 0) const {
+    return rig::waitUntil(seconds, [&] { return program->errors().find(line) != std::string::npos; });
   }
 };
 
@@ -78,16 +74,14 @@ TEST_F(HomeTest, LeadsToEveryFilmAndBack) {
   EXPECT_EQ(focus(), "Poster");
   press("Return");
   ASSERT_TRUE(waitForNumber(stopped - 24, Alpha + 500)) << "goes on where it stopped";
-  press("XF86HomePage");
-  ASSERT_TRUE(waitForFocus("UsersTab"));
-  rig::let(1);
+  goHome();
   EXPECT_TRUE(keeps("Alpha (1990).mkv\",\n\t\t\t\t\"seek\""));
   press("Down Return");
   ASSERT_TRUE(plays(First)) << "the next room is that of the series";
   press("Return");
   EXPECT_EQ(focus(), "Tv");
   press("Return Return");
-  const fs::path season = stage.library.path() / "tv/Show/Season 1";
+  const fs::path season = at("tv/Show/Season 1");
   ASSERT_TRUE(rig::waitUntil(10, [&] { return fs::exists(season / "S01E02 Second-thumb.jpg"); }));
   rig::let(1);
   press("Right Return");
@@ -99,9 +93,7 @@ TEST_F(HomeTest, LeadsToEveryFilmAndBack) {
   press("XF86Back XF86Back XF86Back");
   EXPECT_TRUE(plays(Second)) << "up the levels and out";
 
-  press("XF86HomePage");
-  ASSERT_TRUE(waitForFocus("UsersTab"));
-  rig::let(1);
+  goHome();
   press("Right Up Up Return");
   ASSERT_TRUE(plays(Kid)) << "another user in another room";
   EXPECT_TRUE(keeps("\"user\": \"Maria\"") && keeps("\"mode\": \"kids\""));
@@ -111,8 +103,7 @@ TEST_F(HomeTest, LeadsToEveryFilmAndBack) {
 
 TEST_F(HomeTest, WhatIsBrokenOrGoneIsNamedAndAnotherPlays) {
   addLibrary();
-  const fs::path beta = stage.library.path() / "movies/Beta";
-  const fs::path kid = stage.library.path() / "kids/Kid";
+  const fs::path beta = at("movies/Beta"), kid = at("kids/Kid");
   open();
   press("Return");
   ASSERT_TRUE(plays(Alpha));
@@ -134,16 +125,15 @@ TEST_F(HomeTest, WhatIsBrokenOrGoneIsNamedAndAnotherPlays) {
   EXPECT_TRUE(plays(Alpha));
 
   rig::writeText(kid / "Kid.mkv", "no film");
-  press("XF86HomePage");
-  rig::let(1);
+  goHome();
   press("Up Return");
-  EXPECT_TRUE(soonSays("Failed to open " + (kid / "Kid.mkv").string()));
+  EXPECT_TRUE(says("Failed to open " + (kid / "Kid.mkv").string(), 5));
   ASSERT_TRUE(waitForFocus("UsersTab")) << "the home screen answers again";
   fs::remove_all(kid);
   press("Return");
-  EXPECT_TRUE(soonSays("No persisted video for user \"Alex\" under "));
+  EXPECT_TRUE(says("No persisted video for user \"Alex\" under ", 5));
   rig::let(1);
-  fs::remove_all(stage.library.path() / "movies/Alpha (1990)");
+  fs::remove_all(at("movies/Alpha (1990)"));
   addFilm("movies/Later/Later.mkv", Second);
   press("Down Return");
   EXPECT_TRUE(plays(Second));

@@ -1,39 +1,33 @@
 // Songs and themes: how keys, and the end of one, lead to another.
-
 #include "program/program_run.h"
 
 namespace tavek {
 namespace {
 
-class Music : public ProgramTest {
- protected:
+struct Music : ProgramTest {
   void addTone(const std::string& path, int pitch, double seconds, const std::string& words = "") {
-    rig::addTone(stage.library.path() / path, pitch, seconds, TAVEK_TEST_MEDIA, words);
+    rig::addTone(at(path), pitch, seconds, TAVEK_TEST_MEDIA, words);
   }
   void addShow(const std::string& name, int theme) {
-    add("../tv/" + name + "/Season 1/S01E01 One.mkv",
-        {.width = 320, .height = 180, .seconds = 40, .firstNumber = theme, .sound = "0.5*sin(8000*PI*t)"});
+    addTo("tv/" + name + "/Season 1/S01E01 One.mkv",
+          {.width = 320, .height = 180, .seconds = 40, .firstNumber = theme, .sound = "0.5*sin(8000*PI*t)"});
     addTone("tv/" + name + "/theme.mp3", theme, 20);
-    const std::string poster = stage.library.path() / "tv" / name / "poster.jpg";
-    EXPECT_TRUE(rig::Program({"convert", "-size", "200x300", "gradient:", poster}, {}).waitForEnd(20));
+    addPicture("tv/" + name + "/poster.jpg", "200x300", "gradient:");
   }
   bool waitForPitch(int pitch, double seconds) const { return stage.sound.waitForPitch(pitch, seconds); }
 };
 
 TEST_F(Music, KeysAndTheEndOfASongLeadThroughTheAlbum) {
   // In the order of the tags, which is not that of the names.
-  addTone("music/Band/Album/c.flac", 500, 20, "-metadata track=1");
-  addTone("music/Band/Album/a.flac", 1000, 20, "-metadata track=2");
-  addTone("music/Band/Album/d.flac", 2000, 20, "-metadata track=3");
-  addTone("music/Band/Album/b.flac", 3000, 4, "-metadata track=4");
-  addTone("music/Band/Album/e.flac", 4000, 3, "-metadata track=5");
-  start({(stage.library.path() / "music/Band/Album/c.flac").string()});
+  const std::tuple<const char*, int, double> songs[] = {
+      {"c", 500, 20}, {"a", 1000, 20}, {"d", 2000, 20}, {"b", 3000, 4}, {"e", 4000, 3}};
+  for (int track = 1; const auto& [name, pitch, seconds] : songs)
+    addTone("music/Band/Album/" + std::string(name) + ".flac", pitch, seconds,
+            "-metadata track=" + std::to_string(track++));
+  start({at("music/Band/Album/c.flac").string()});
   ASSERT_TRUE(waitForPitch(500, 10) && stage.screen.focusWindow(5));
-  const struct {
-    const char* key;
-    int times;
-    int pitch;
-  } steps[] = {{"Up", 1, 500}, {"Down", 1, 1000}, {"Up", 1, 500}, {"Down", 2, 2000}, {"Down", 1, 3000}};
+  const std::tuple<const char*, int, int> steps[] = {
+      {"Up", 1, 500}, {"Down", 1, 1000}, {"Up", 1, 500}, {"Down", 2, 2000}, {"Down", 1, 3000}};
   for (const auto& [key, times, pitch] : steps) {
     SCOPED_TRACE(std::string(key) + " to " + std::to_string(pitch));
     rig::let(0.3);
@@ -59,14 +53,11 @@ TEST_F(Music, ThemesFollowTheStripAndGiveWayToTheEpisode) {
   ASSERT_TRUE(stage.screen.focusWindow(10));
   stage.screen.press("Return");
   ASSERT_TRUE(waitForNumber(1000, 1900) && waitForPitch(4000, 5)) << "the first episode";
-  const struct {
-    const char* key;
-    int pitch;
-    double cut;
-  } steps[] = {{"Return", 1000, 0.12},
-               {"Right", 2000, 0.12},
-               {"Left", 1000, 0.12},
-               {"Escape", 4000, 0.12 + 0.12 /*the strip slides out first*/}};
+  const std::tuple<const char*, int, double> steps[] = {
+      {"Return", 1000, 0.12},
+      {"Right", 2000, 0.12},
+      {"Left", 1000, 0.12},
+      {"Escape", 4000, 0.12 + 0.12 /*the strip slides out first*/}};
   for (const auto& [key, pitch, cut] : steps) {
     SCOPED_TRACE(std::string(key) + " to " + std::to_string(pitch));
     const double pressedAt = rig::now();

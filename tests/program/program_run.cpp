@@ -4,11 +4,14 @@
 
 namespace tavek {
 
-std::filesystem::path ProgramTest::add(const std::string& name, const rig::Clip& clip) {
-  const std::filesystem::path path = film(name);
-  std::filesystem::create_directories(path.parent_path());
-  std::filesystem::copy_file(rig::makeClip(clip, TAVEK_TEST_MEDIA), path);
-  return path;
+std::filesystem::path ProgramTest::addTo(const std::string& name, const rig::Clip& clip) {
+  std::filesystem::create_directories(at(name).parent_path());
+  std::filesystem::copy_file(rig::makeClip(clip, TAVEK_TEST_MEDIA), at(name));
+  return at(name);
+}
+
+void ProgramTest::addPicture(const std::string& name, const char* size, const char* words) {
+  ASSERT_TRUE(rig::Program({"convert", "-size", size, words, at(name).string()}, {}).waitForEnd(20));
 }
 
 void ProgramTest::start(std::vector<std::string> arguments, const rig::Environment& changes) {
@@ -29,10 +32,9 @@ void ProgramTest::expectEnd(double seconds, bool silent) {
   if (!silent) return;
   EXPECT_EQ(program->errors(), "");
   std::istringstream lines(program->output());
-  for (std::string line; std::getline(lines, line);) {
+  for (std::string line; std::getline(lines, line);)
     EXPECT_TRUE(line.starts_with("[RENDERER] ") || line.starts_with("Warning: Unable to set V-Sync: "))
         << line;
-  }
 }
 
 }  // namespace tavek

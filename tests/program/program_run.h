@@ -1,10 +1,6 @@
 // A run of the built program on a stage of its own.
 #pragma once
 
-#include <memory>
-#include <string>
-#include <vector>
-
 #include <gtest/gtest.h>
 
 #include "rig/stage.h"
@@ -23,13 +19,16 @@ constexpr double mild(double tolerance) {
   return sanitized ? tolerance * 30 : tolerance;
 }
 
-class ProgramTest : public testing::Test {
- protected:
-  /// Copies the clip among the library's films.
-  std::filesystem::path add(const std::string& name, const rig::Clip& clip);
-  std::filesystem::path film(const std::string& name) const {
-    return (stage.library.path() / "movies" / name).lexically_normal();
+struct ProgramTest : testing::Test {
+  std::filesystem::path at(const std::string& name) const { return stage.library.path() / name; }
+  std::filesystem::path film(const std::string& name) const { return at("movies") / name; }
+  /// Copies the clip into the library.
+  std::filesystem::path addTo(const std::string& name, const rig::Clip& clip);
+  std::filesystem::path add(const std::string& name, const rig::Clip& clip) {
+    return addTo("movies/" + name, clip);
   }
+  /// In a folder of the library; the words are ImageMagick's.
+  void addPicture(const std::string& name, const char* size, const char* words);
   void start(std::vector<std::string> arguments, const rig::Environment& changes = {});
   /// Waits for a number from `from` up to `to`, and gives the window the focus for the keys that follow.
   bool waitForNumber(int from, int to = 1 << 16, double seconds = 10);

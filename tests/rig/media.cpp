@@ -11,8 +11,6 @@
 namespace tavek::rig {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr int rawRows = 12;
 
 double numberOf(const std::string& rate) {

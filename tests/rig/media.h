@@ -8,8 +8,7 @@ namespace tavek::rig {
 /// Pictures with their number as a strip of cells over the upper sixth, above a body that is white for the
 /// first tenth of each second and black for the rest; and a sound.
 struct Clip {
-  int width = 640;
-  int height = 360;
+  int width = 640, height = 360;
   std::string rate = "24";
   double seconds = 10;
   int firstNumber = 0;

@@ -22,8 +22,7 @@ double seconds(const timeval& time) {
 std::vector<std::string> childEnvironment(const Environment& given) {
   std::vector<std::string> lines;
   for (char** entry = environ; *entry != nullptr; ++entry) {
-    const std::string_view line = *entry;
-    const std::string_view name = line.substr(0, line.find('='));
+    const std::string_view line = *entry, name = line.substr(0, line.find('='));
     if (name == "PATH" || name.ends_with("SAN_OPTIONS")) lines.emplace_back(line);
   }
   for (const auto& [name, value] : given) lines.push_back(name + "=" + value);
@@ -44,8 +43,7 @@ double now() {
 }
 
 Program::Program(const std::vector<std::string>& arguments, const Environment& environment, int outputPipe) {
-  std::vector<std::string> words = arguments;
-  std::vector<std::string> variables = childEnvironment(environment);
+  std::vector<std::string> words = arguments, variables = childEnvironment(environment);
   const std::vector<char*> argv = pointers(words), envp = pointers(variables);
   const std::string out = folder_.path() / "out", err = folder_.path() / "err";
   startedAt_ = now();

@@ -50,8 +50,7 @@ class Program {
   TempFolder folder_;
   pid_t id_ = -1;
   int status_ = running;
-  double startedAt_ = 0;
-  double cpuSeconds_ = 0;
+  double startedAt_ = 0, cpuSeconds_ = 0;
   long peakKilobytes_ = 0;
 };
 

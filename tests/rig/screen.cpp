@@ -79,8 +79,7 @@ std::optional<int> Screen::number(const Line& line) const {
     const auto middle = [i](int a, int b) { return a + (b - a) * (2 * i + 1) / (2 * stripCells); };
     cells[i] = brightness(pixel(middle(line.from.x, line.to.x), middle(line.from.y, line.to.y)));
   }
-  const int white = cells[0];
-  const int black = cells[stripCells - 2];
+  const int white = cells[0], black = cells[stripCells - 2];
   if (white - black < leastContrast) return std::nullopt;
   int number = 0;
   for (int i = 1; i <= numberBits; ++i) number = number * 2 + (cells[i] * 2 > white + black ? 1 : 0);

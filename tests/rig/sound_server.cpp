@@ -30,8 +30,7 @@ double firstDelay(const auto& accepts) {
 }  // namespace
 
 Recording Recording::between(double from, double to) const {
-  const std::size_t first = indexAt(*this, from);
-  const std::size_t last = std::max(first, indexAt(*this, to));
+  const std::size_t first = indexAt(*this, from), last = std::max(first, indexAt(*this, to));
   const auto at = [this](std::size_t index) { return samples.begin() + static_cast<std::ptrdiff_t>(index); };
   return {start + double(first) / recordRate, {at(first), at(last)}};
 }

@@ -54,8 +54,7 @@ class SoundServer {
   Recording heard_;
   // It ends when the recorder has gone, which is first to go.
   std::jthread reader_;
-  std::unique_ptr<Program> server_;
-  std::unique_ptr<Program> recorder_;
+  std::unique_ptr<Program> server_, recorder_;
 };
 
 }  // namespace tavek::rig

@@ -8,8 +8,7 @@
 namespace tavek::rig {
 
 struct Stage {
-  TempFolder library;
-  TempFolder home;
+  TempFolder library, home;
   Screen screen;
   SoundServer sound;
 

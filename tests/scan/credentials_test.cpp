@@ -12,15 +12,13 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
 using test::readText;
 using test::writeText;
 
-class CredentialFiles : public testing::Test {
- protected:
+struct CredentialFiles : testing::Test {
   test::TempFolder temp;
-  ConfigFolders folders{temp.path() / "current", temp.path() / "home", temp.path() / "program",
-                        temp.path() / "etc"};
+  const fs::path root = temp.path();
+  ConfigFolders folders{root / "current", root / "home", root / "program", root / "etc"};
 };
 
 TEST_F(CredentialFiles, AreLookedForEverywhereBeforeOneIsMade) {
@@ -38,9 +36,9 @@ TEST_F(CredentialFiles, AreLookedForEverywhereBeforeOneIsMade) {
   EXPECT_EQ(findConfigFile(".fanart.json", {}), std::nullopt);
 
   // Neither a link to nowhere nor what stands there is written to.
-  fs::create_symlink(temp.path() / "nowhere", folders.home / ".link.json");
+  fs::create_symlink(root / "nowhere", folders.home / ".link.json");
   EXPECT_EQ(findConfigFile(".link.json", folders), std::nullopt);
-  EXPECT_FALSE(fs::exists(temp.path() / "nowhere"));
+  EXPECT_FALSE(fs::exists(root / "nowhere"));
   writeText(stub, "mine");
   ensureConfigStub(stub);
   EXPECT_EQ(readText(stub), "mine");

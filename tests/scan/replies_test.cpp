@@ -17,8 +17,7 @@ TEST(Search, GivesAllResultsAndTheOneOfTheYear) {
     {"belongs":{"id":5,"title":"Other"},"id":"13","title":"B","release_date":"1999-01-01"}],
     "other":[{"id":99}]})";
   const std::vector<MovieCandidate> all = readCandidates(body, SearchKind::Film);
-  const MovieCandidate first{11, "A 6\" \"nail\" }", 2019, "/p1.jpg", {}};
-  const MovieCandidate last{13, "B", 1999, {}, {}};
+  const MovieCandidate first{11, "A 6\" \"nail\" }", 2019, "/p1.jpg", {}}, last{13, "B", 1999, {}, {}};
   EXPECT_THAT(all, testing::ElementsAre(first, MovieCandidate{12, {}, {}, {}, "/b2.jpg"}, last));
   EXPECT_EQ(chooseCandidate(all, 1999), last);
   EXPECT_EQ(chooseCandidate(all, 1980), first);

@@ -14,7 +14,6 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace test;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -35,8 +34,7 @@ Tree treeOf(const fs::path& room) {
   return tree;
 }
 
-class TidyTest : public testing::Test {
- protected:
+struct TidyTest : testing::Test {
   static fs::path freshFile() {
     for (const auto& entry : fs::directory_iterator(mediaRoot())) fs::remove_all(entry.path());
     writeText(stateFile(), R"({"users":{"Ann":{},"Bob":{}}})");
@@ -48,8 +46,7 @@ class TidyTest : public testing::Test {
   }
   /// A bar stands between the names.
   void putAll(const std::string& names) const {
-    std::istringstream list(names);
-    for (std::string name; std::getline(list, name, '|');) put(name);
+    for (const std::string& name : split(names)) put(name);
   }
   std::string at(const std::string& name) const { return (room / name).string(); }
   std::string tidyOne(const std::string& name, const std::string& wanted) const {
@@ -143,24 +140,15 @@ TEST_F(TidyTest, PutsAMessyRoomInOrderOnceAndBack) {
 }
 
 TEST_F(TidyTest, LeavesWhatMustNotBeTouched) {
-  const std::pair<std::string, const char*> names[] = {{"", "no name"},
-                                                       {"..", "the folder above"},
-                                                       {".Film", "hidden"},
-                                                       {"../Film", "out of the room"},
-                                                       {"Fi/lm", "a folder"},
-                                                       {"Fi\nlm", "a control character"},
-                                                       {std::string("Fi\0lm", 5), "an end of the text"},
-                                                       {std::string(181, 'a'), "a name of 181 bytes"},
-                                                       {"Trailer", "a name that would hide it"},
-                                                       {"Extras", "a folder that would hide it"},
-                                                       {"File", "a file in the way of the folder"},
-                                                       {"Link", "a link in the way of the folder"}};
-  for (const auto& [wanted, why] : names) {
+  // Extras would hide it, as would a trailer; and a file and a link stand in the way of its folder.
+  auto names = split("|..|.Film|../Film|Fi/lm|Fi\nlm|Trailer|Extras|File|Link");
+  names.insert(names.end(), {std::string("Fi\0lm", 5), std::string(181, 'a')});
+  for (const std::string& wanted : names) {
     put("film.mkv");
     put("File");
     std::error_code ignored;
     fs::create_directory_symlink("..", room / "Link", ignored);
-    EXPECT_EQ(tidyOne("film.mkv", wanted), "film.mkv") << why;
+    EXPECT_EQ(tidyOne("film.mkv", wanted), "film.mkv") << wanted;
   }
   EXPECT_EQ(tidyOne("film.mkv", std::string(180, 'a')).size(), 365U);
   EXPECT_EQ(tidyOne("gone.mkv", "Gone"), "gone.mkv");

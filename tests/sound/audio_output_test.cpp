@@ -1,5 +1,7 @@
 #include "sound/audio_output.h"
 
+#include <cstring>
+
 #include <gmock/gmock.h>
 
 #include "base/background_job.h"
@@ -7,7 +9,6 @@
 #include "media/handles.h"
 #include "state/state_store.h"
 #include "support/fake_device.h"
-#include "support/parameters.h"
 #include "support/wait.h"
 
 namespace tavek {
@@ -25,10 +26,42 @@ milliseconds timeOf(const auto& action) {
   return duration_cast<milliseconds>(steady_clock::now() - start);
 }
 
+using Parameters =
+    std::unique_ptr<AVCodecParameters, decltype([](auto* old) { avcodec_parameters_free(&old); })>;
+
+Parameters parametersOf(const char* layout, AVSampleFormat format = AV_SAMPLE_FMT_S16, int rate = 48000) {
+  Parameters parameters(avcodec_parameters_alloc());
+  av_channel_layout_from_string(&parameters->ch_layout, layout);
+  parameters->format = format;
+  parameters->sample_rate = rate;
+  return parameters;
+}
+
+/// 20 ms in which channel c stands still at `first` + c times `step`.
+ffmpeg::FramePtr frameOf(const AVCodecParameters& parameters, int first, int step = 0) {
+  auto frame = ffmpeg::makeFrame();
+  frame->format = parameters.format;
+  frame->sample_rate = parameters.sample_rate;
+  frame->nb_samples = parameters.sample_rate / 50;
+  av_channel_layout_copy(&frame->ch_layout, &parameters.ch_layout);
+  av_frame_get_buffer(frame.get(), 0);
+  const int channels = parameters.ch_layout.nb_channels;
+  const int size = av_get_bytes_per_sample(static_cast<AVSampleFormat>(parameters.format));
+  for (int i = 0; i < frame->nb_samples * channels; ++i) {
+    const int value = first + i % channels * step;
+    const auto whole = static_cast<std::int16_t>(value);
+    const float real = static_cast<float>(value) / 32768.0F;
+    auto* place = parameters.format == AV_SAMPLE_FMT_FLTP
+                      ? frame->extended_data[i % channels] + i / channels * size
+                      : frame->extended_data[0] + i * size;
+    std::memcpy(place, size == 2 ? static_cast<const void*>(&whole) : &real, static_cast<std::size_t>(size));
+  }
+  return frame;
+}
+
 /// An item's sound on a card of its own. Nothing is kept under the empty key, so no file is touched.
 struct Playing {
-  explicit Playing(test::Parameters given = test::parametersOf("stereo"),
-                   SoundMode soundMode = SoundMode::Surround)
+  explicit Playing(Parameters given = parametersOf("stereo"), SoundMode soundMode = SoundMode::Surround)
       : parameters(std::move(given)), mode(soundMode) {}
 
   void open() {
@@ -38,7 +71,7 @@ struct Playing {
   }
   /// Blocks of 20 ms whose samples all have one value; the first sets the volume, so that it plays at 32760.
   void write(int blocks, int value = 16000) {
-    while (blocks-- > 0) output->write(test::frameOf(*parameters, value).get());
+    while (blocks-- > 0) output->write(frameOf(*parameters, value).get());
   }
   bool heardAgain() {
     return waitUntil(10, [&] {
@@ -47,7 +80,7 @@ struct Playing {
     });
   }
 
-  const test::Parameters parameters;
+  const Parameters parameters;
   const SoundMode mode;
   test::FakeSound sound{steadyClock()};
   std::unique_ptr<AudioOutput> output;
@@ -66,12 +99,12 @@ TEST(AudioOutput, TheDeviceHearsTheSourceAtItsRate) {
       {"5.1", AV_SAMPLE_FMT_FLTP, 48000, Surround, 2, {26074, 32760}},
   };
   for (const auto& [layout, format, rate, mode, mostChannels, frame] : cases) {
-    Playing playing(test::parametersOf(layout, format, rate), mode);
+    Playing playing(parametersOf(layout, format, rate), mode);
     playing.sound.setMostChannels(mostChannels);
     playing.open();
-    playing.output->write(test::frameOf(*playing.parameters, 5000, 5000).get());
-    const auto other = test::parametersOf("3.0", AV_SAMPLE_FMT_FLTP, rate);
-    playing.output->write(test::frameOf(*other, 5000, 5000).get());
+    playing.output->write(frameOf(*playing.parameters, 5000, 5000).get());
+    const auto other = parametersOf("3.0", AV_SAMPLE_FMT_FLTP, rate);
+    playing.output->write(frameOf(*other, 5000, 5000).get());
     playing.output.reset();
     EXPECT_EQ(playing.sound.wish().rate, rate);
     EXPECT_EQ(playing.sound.wish().strict, mode == Auto);
@@ -176,9 +209,9 @@ TEST(AudioOutput, TheEndWaitsForWhatIsHeardAndForNothingElse) {
 }
 
 TEST(AudioOutput, ADeviceThatComesBackMayHaveFewerChannels) {
-  Playing playing(test::parametersOf("5.1", AV_SAMPLE_FMT_FLTP));
+  Playing playing(parametersOf("5.1", AV_SAMPLE_FMT_FLTP));
   playing.open();
-  const auto frame = test::frameOf(*playing.parameters, 5000, 5000);
+  const auto frame = frameOf(*playing.parameters, 5000, 5000);
   playing.output->write(frame.get());
   playing.output->close();
   playing.sound.setMostChannels(2);

@@ -15,7 +15,6 @@
 namespace tavek {
 namespace {
 
-namespace fs = std::filesystem;
 using namespace test;
 using std::chrono::seconds;
 using testing::HasSubstr;
@@ -112,8 +111,7 @@ TEST(DeviceText, ReadsWhatAPersonMayHaveWritten) {
                   R"("WiFi":{"Static":{"x":4},"SSID":"s","x":3},"x":{"a":[1]}},"x":1})");
 }
 
-class DeviceFilesTest : public testing::Test {
- protected:
+struct DeviceFilesTest : testing::Test {
   fs::path in(const char* name) const { return home.path() / name; }
   static mode_t modeOf(const fs::path& file) {
     struct stat status {};

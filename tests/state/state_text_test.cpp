@@ -106,9 +106,7 @@ TEST(StoredState, Migrates) {
   }
 }
 
-std::string sample(const char* name) {
-  return contentOf(std::filesystem::path(TAVEK_SAMPLES) / name);
-}
+const auto sample = [](const char* name) { return contentOf(std::string(TAVEK_SAMPLES "/") + name); };
 
 TEST(StoredState, KeepsItsLayoutAndEveryName) {
   for (const char* name : {"full_state.json", "smallest_state.json"})

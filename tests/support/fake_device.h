@@ -1,18 +1,13 @@
 #pragma once
 
-#include <algorithm>
-#include <cstddef>
-#include <cstdint>
 #include <deque>
-#include <memory>
 #include <stdexcept>
-#include <thread>
-#include <vector>
 
 #include "base/background_job.h"
 #include "base/clock.h"
 #include "base/guarded.h"
 #include "sound/pcm_device.h"
+#include "support/wait.h"
 
 namespace tavek::test {
 
@@ -22,8 +17,6 @@ class FakeSound {
  public:
   explicit FakeSound(Clock& clock) : clock_(clock) {}
   ~FakeSound() { end(); }
-  FakeSound(const FakeSound&) = delete;
-  FakeSound& operator=(const FakeSound&) = delete;
 
   struct Faults {
     bool refuses = false;      ///< no device can be opened
@@ -67,8 +60,7 @@ class FakeSound {
  private:
   struct State {
     Faults faults;
-    int mostChannels = 6;
-    int opened = 0;
+    int mostChannels = 6, opened = 0;
     DeviceWish wish;
     int channels = 2;
     std::deque<std::int16_t> queue;
@@ -83,11 +75,10 @@ class FakeSound {
     const std::vector<std::size_t>& channelMap() const override { return map_; }
     std::ptrdiff_t write(std::span<const std::int16_t> samples, std::chrono::milliseconds limit) override {
       sound_.waitWhileHanging();
-      for (auto waited = std::chrono::milliseconds(0); waited < limit; ++waited) {
-        if (const auto taken = sound_.take(samples); taken != 0) return taken;
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-      }
-      return 0;
+      std::ptrdiff_t taken = 0;
+      waitUntil(std::chrono::duration<double>(limit).count(),
+                [&] { return (taken = sound_.take(samples)) != 0; });
+      return taken;
     }
     std::ptrdiff_t delay() override {
       return static_cast<std::ptrdiff_t>(sound_.played()->queue.size()) / channels_;
@@ -134,9 +125,9 @@ class FakeSound {
     const Clock::Time now = clock_.now();
     const auto us = std::chrono::duration_cast<std::chrono::microseconds>(now - state.playedUntil).count();
     const auto frames = static_cast<std::size_t>(std::max<std::int64_t>(us * state.wish.rate / 1'000'000, 0));
-    const std::size_t count = std::min(frames * static_cast<std::size_t>(state.channels), state.queue.size());
     // What is less than a frame stays for the next time.
     if (frames == 0) return;
+    const std::size_t count = std::min(frames * static_cast<std::size_t>(state.channels), state.queue.size());
     state.playedUntil = now;
     if (state.faults.standsStill) return;
     const auto end = state.queue.begin() + static_cast<std::ptrdiff_t>(count);

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include <SDL.h>
 #include <SDL_image.h>
 #include <SDL_ttf.h>
@@ -65,8 +62,6 @@ class Offscreen {
     TTF_Quit();
     SDL_Quit();
   }
-  Offscreen(const Offscreen&) = delete;
-  Offscreen& operator=(const Offscreen&) = delete;
 
   SDL_Renderer* renderer() const { return renderer_.get(); }
   TTF_Font* font() const { return font_.get(); }
@@ -80,8 +75,7 @@ class Offscreen {
   /// The smallest rectangle round all pixels that are not black; empty if there is none.
   SDL_Rect drawnArea() const {
     const std::vector<Colour> pixels = pixelsOf(renderer(), whole_);
-    SDL_Rect area{};
-    SDL_Rect point{0, 0, 1, 1};
+    SDL_Rect area{}, point{0, 0, 1, 1};
     for (const Colour pixel : pixels) {
       if (pixel != theme::black) SDL_UnionRect(&area, &point, &area);
       if (++point.x == whole_.w) point = {0, point.y + 1, 1, 1};

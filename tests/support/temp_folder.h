@@ -8,33 +8,36 @@
 #include <string>
 #include <sys/resource.h>
 
-namespace tavek::test {
+namespace tavek {
+
+namespace fs = std::filesystem;
+
+namespace test {
 
 /// A fresh folder that goes away with its owner.
 class TempFolder {
  public:
-  TempFolder()
-      : path_(mkdtemp((std::filesystem::temp_directory_path() / "tavek-test-XXXXXX").string().data())) {}
+  TempFolder() : path_(mkdtemp((fs::temp_directory_path() / "tavek-test-XXXXXX").string().data())) {}
   ~TempFolder() {
     std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
+    fs::remove_all(path_, ignored);
   }
   TempFolder(const TempFolder&) = delete;
   TempFolder& operator=(const TempFolder&) = delete;
-  const std::filesystem::path& path() const { return path_; }
+  const fs::path& path() const { return path_; }
 
  private:
-  std::filesystem::path path_;
+  fs::path path_;
 };
 
-inline std::string readText(const std::filesystem::path& file) {
+inline std::string readText(const fs::path& file) {
   std::ifstream stream(file, std::ios::binary);
   return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 /// The folders on its way are made too.
-inline void writeText(const std::filesystem::path& file, const std::string& text) {
-  std::filesystem::create_directories(file.parent_path());
+inline void writeText(const fs::path& file, const std::string& text) {
+  fs::create_directories(file.parent_path());
   std::ofstream(file, std::ios::binary) << text;
 }
 
@@ -49,4 +52,5 @@ inline void onFullDisk(rlim_t bytes, const auto& work) {
   setrlimit(RLIMIT_FSIZE, &old);
 }
 
-}  // namespace tavek::test
+}  // namespace test
+}  // namespace tavek

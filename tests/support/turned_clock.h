@@ -1,10 +1,7 @@
 #pragma once
 
-#include <algorithm>
-#include <chrono>
 #include <condition_variable>
 #include <set>
-#include <thread>
 
 #include "base/clock.h"
 #include "base/guarded.h"
@@ -58,9 +55,7 @@ class TurnedClock final : public Clock {
   const std::chrono::microseconds breath_;
   const std::thread::id owner_ = std::this_thread::get_id();
   Guarded<State> state_;
-  std::condition_variable turned_;
-  std::condition_variable woken_;
-  std::condition_variable asleep_;
+  std::condition_variable turned_, woken_, asleep_;
 };
 
 }  // namespace tavek::test

@@ -12,8 +12,7 @@ namespace {
 using testing::ElementsAre;
 
 /// Fonts without a screen.
-class TextTest : public testing::Test {
- protected:
+struct TextTest : testing::Test {
   TextTest() { TTF_Init(); }
   ~TextTest() override {
     dropTextCache();
@@ -45,8 +44,7 @@ TEST_F(TextTest, FittedTextIsTheLongestHeadWithDots) {
   EXPECT_EQ(fitText(font(), text, widthOf(text)), text);
   EXPECT_EQ(fitText(font(), text, widthOf("...") - 1), "");
   for (int limit = widthOf("..."); limit < widthOf(text); limit += 7) {
-    const std::string fitted = fitText(font(), text, limit);
-    const std::string head = fitted.substr(0, fitted.size() - 3);
+    const std::string fitted = fitText(font(), text, limit), head = fitted.substr(0, fitted.size() - 3);
     EXPECT_TRUE(text.starts_with(head) && fitted.ends_with("...")) << fitted;
     EXPECT_LE(widthOf(fitted), limit);
     EXPECT_GT(widthOf(text.substr(0, head.size() + 1) + "..."), limit) << fitted;
