@@ -1,3 +1,5 @@
+#include <regex>
+
 #include <gmock/gmock.h>
 
 #include "app/informational.h"
@@ -48,15 +50,15 @@ TEST(Options, TakeValuesSwitchesAndPaths) {
 
 TEST(Options, AnswerTheFirstInformationalWord) {
   // The answer's number, then a digit each for the two scans and the debug switch.
-  for (const std::string line :
-       {"--bogus --codecs --help=4000", "--git --tmdb-scan=2000", "--tmdb-scan-debug=0101",
-        "--fanart-scan --tmdb-scan=0110", "--fanart-scan-debug=0011"}) {
+  for (const auto& [words, answer] : table(R"(
+      --bogus --codecs --help => 4000 ;; --git --tmdb-scan => 2000 ;; --tmdb-scan-debug => 0101
+      --fanart-scan --tmdb-scan => 0110 ;; --fanart-scan-debug => 0011)")) {
     LaunchOptions options;
-    options.dashWords = split(line.substr(0, line.find('=')), ' ');
+    options.dashWords = split(words, ' ');
     std::ostringstream text;
     text << static_cast<int>(readDashWords(options)) << options.forceTmdbScan << options.forceFanartScan
          << options.switches.debug;
-    EXPECT_EQ(text.str(), line.substr(line.find('=') + 1)) << line;
+    EXPECT_EQ(text.str(), answer) << words;
   }
 }
 
@@ -83,25 +85,19 @@ TEST(CommandLine, EndsWithAStatusOrGoesOn) {
   EXPECT_THAT(run({"--driver="}), StartsWith("1SDL_Init failed: "));
 }
 
-template <typename... Arguments>
-std::string printed(void (*print)(std::ostream&, Arguments...), const std::decay_t<Arguments>&... arguments) {
-  std::ostringstream out;
-  print(out, arguments...);
-  return out.str();
-}
-
 TEST(Decoders, ArePrintedByTypeInColumns) {
-  const std::string green = "\033[1m\033[38;2;0;255;0m", cyan = "\033[0m \033[1m\033[38;2;0;255;255m";
-  EXPECT_EQ(printed(printDecoders, {{AVMEDIA_TYPE_UNKNOWN, {1, {"odd"}}},
-                                    {AVMEDIA_TYPE_VIDEO, {123456789, {"v1", "v2"}}},
-                                    {AVMEDIA_TYPE_DATA, {1, {}}},
-                                    {AVMEDIA_TYPE_SUBTITLE, {1, {"s"}}}}),
-            "\033[1m\033[38;2;255;255;0mDecoder summary:\033[0m\n"
-            "\033[1m\033[38;2;255;255;255mType         Count    Sample decoders\033[0m\n" +
-                green + "video       " + cyan + "12345678\033[0m\n  - v1\n  - v2\n" + green + "subtitle    " +
-                cyan + "1       \033[0m\n  - s\n" + green + "data        " + cyan + "1       \033[0m\n" +
-                green + "unknown     " + cyan + "1       \033[0m\n  - odd\n\n");
-  EXPECT_EQ(printed(printDecoders, {}), "No decoders found.\n");
+  const auto printed = [](const DecoderSummary& decoders) {
+    std::ostringstream out;
+    printDecoders(out, decoders);
+    return std::regex_replace(out.str(), std::regex("\033\\[[0-9;]*m"), "");
+  };
+  EXPECT_EQ(printed({{AVMEDIA_TYPE_UNKNOWN, {1, {"odd"}}},
+                     {AVMEDIA_TYPE_VIDEO, {123456789, {"v1", "v2"}}},
+                     {AVMEDIA_TYPE_DATA, {1, {}}},
+                     {AVMEDIA_TYPE_SUBTITLE, {1, {"s"}}}}),
+            "Decoder summary:\nType         Count    Sample decoders\nvideo        12345678\n  - v1\n  - v2\n"
+            "subtitle     1       \n  - s\ndata         1       \nunknown      1       \n  - odd\n\n");
+  EXPECT_EQ(printed({}), "No decoders found.\n");
 }
 
 }  // namespace

@@ -13,8 +13,7 @@
 namespace tavek {
 namespace {
 
-constexpr int width = 640;
-constexpr int height = 360;
+constexpr int width = 640, height = 360;
 
 /// Jobs that a test has left behind read names of folders that end with the process.
 struct LeftJobs : testing::Environment {
@@ -144,32 +143,26 @@ TEST_F(DisplayTest, WithoutAScreenEveryCallIsHarmless) {
 
 TEST(PicturePlace, LiesByOrientationAndShape) {
   using enum Orientation;
-  const struct {
-    Orientation orientation;
-    SDL_Point window, frame;
-    SDL_Rect rect;
-    int angle;
-    double aspect = 1;
-  } cases[] = {
-      {OrientationAuto, {1920, 1080}, {1280, 720}, {0, 0, 1920, 1080}, 0},
+  const std::tuple<Orientation, SDL_Point, SDL_Point, SDL_Rect, int, double> cases[] = {
+      {OrientationAuto, {1920, 1080}, {1280, 720}, {0, 0, 1920, 1080}, 0, 1},
       {OrientationAuto, {1920, 1080}, {720, 576}, {240, 0, 1440, 1080}, 0, 16.0 / 15},
-      {OrientationAuto, {1920, 1080}, {1920, 800}, {0, 140, 1920, 800}, 0},
-      {OrientationAuto, {1920, 1080}, {1080, 1920}, {420, -420, 1080, 1920}, 90},
-      {OrientationAuto, {1080, 1920}, {1920, 1080}, {-420, 420, 1920, 1080}, 90},
-      {OrientationAuto, {1080, 1920}, {1080, 1920}, {0, 0, 1080, 1920}, 0},
-      {OrientationAuto, {1000, 2000}, {1000, 500}, {-500, 500, 2000, 1000}, 90},
-      {OrientationAuto, {1000, 2000}, {1200, 900}, {-166, 499, 1333, 1000}, 90},
-      {OrientationLandscape, {1920, 1080}, {1080, 1920}, {656, 0, 607, 1080}, 0},
-      {Orientation0, {1080, 1920}, {1920, 1080}, {0, 656, 1080, 607}, 0},
-      {OrientationPortrait, {1920, 1080}, {1920, 1080}, {419, 236, 1080, 607}, 90},
-      {Orientation270, {1080, 1920}, {1920, 1080}, {-420, 420, 1920, 1080}, 270},
-      {Orientation180, {1920, 1080}, {1920, 1080}, {0, 0, 1920, 1080}, 180},
-      {OrientationAuto, {0, 0}, {1920, 1080}, {0, 0, 0, 0}, 0},
+      {OrientationAuto, {1920, 1080}, {1920, 800}, {0, 140, 1920, 800}, 0, 1},
+      {OrientationAuto, {1920, 1080}, {1080, 1920}, {420, -420, 1080, 1920}, 90, 1},
+      {OrientationAuto, {1080, 1920}, {1920, 1080}, {-420, 420, 1920, 1080}, 90, 1},
+      {OrientationAuto, {1080, 1920}, {1080, 1920}, {0, 0, 1080, 1920}, 0, 1},
+      {OrientationAuto, {1000, 2000}, {1000, 500}, {-500, 500, 2000, 1000}, 90, 1},
+      {OrientationAuto, {1000, 2000}, {1200, 900}, {-166, 499, 1333, 1000}, 90, 1},
+      {OrientationLandscape, {1920, 1080}, {1080, 1920}, {656, 0, 607, 1080}, 0, 1},
+      {Orientation0, {1080, 1920}, {1920, 1080}, {0, 656, 1080, 607}, 0, 1},
+      {OrientationPortrait, {1920, 1080}, {1920, 1080}, {419, 236, 1080, 607}, 90, 1},
+      {Orientation270, {1080, 1920}, {1920, 1080}, {-420, 420, 1920, 1080}, 270, 1},
+      {Orientation180, {1920, 1080}, {1920, 1080}, {0, 0, 1920, 1080}, 180, 1},
+      {OrientationAuto, {0, 0}, {1920, 1080}, {0, 0, 0, 0}, 0, 1},
   };
-  for (const auto& c : cases) {
-    const PicturePlace place = placePicture(c.orientation, c.window, c.frame, c.aspect);
-    EXPECT_TRUE(place.rect == c.rect && place.angle == c.angle)
-        << "case " << &c - cases << ": " << testing::PrintToString(place.rect) << " at " << place.angle;
+  for (const auto& [orientation, window, frame, rect, angle, aspect] : cases) {
+    const PicturePlace place = placePicture(orientation, window, frame, aspect);
+    EXPECT_TRUE(place.rect == rect && place.angle == angle)
+        << window.x << " " << frame.x << ": " << testing::PrintToString(place.rect) << " at " << place.angle;
   }
 }
 

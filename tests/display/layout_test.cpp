@@ -136,26 +136,21 @@ TEST(MusicLayout, LinesTellWhatIsKnown) {
 }
 
 TEST(MusicLayout, ColumnHoldsTheCurrentTrackInItsMiddle) {
-  const struct {
-    SDL_Point window;
-    int edge, lineHeight;
-    std::size_t tracks, current;
-    SDL_Rect panel;
-    std::size_t first, rows;
-  } cases[] = {
-      {{1920, 1080}, 1080, 29, 3, 0, {1352, 925, 520, 107}, 0, 3},
-      {{1920, 1080}, 756, 29, 3, 0, {1352, 601, 520, 107}, 0, 3},
-      {{1920, 1080}, 1080, 96, 40, 0, {1352, 52, 520, 980}, 0, 10},
-      {{1920, 1080}, 1080, 96, 40, 20, {1352, 52, 520, 980}, 15, 10},
-      {{1920, 1080}, 1080, 96, 40, 39, {1352, 52, 520, 980}, 30, 10},
-      {{1920, 1080}, 756, 29, 40, 0, {1352, 48, 520, 977}, 0, 33},
-      {{470, 200}, 200, 18, 40, 1, {190, 20, 260, 164}, 0, 8},
-      {{400, 30}, 30, 18, 5, 2, {120, 20, 260, 20}, 2, 0},
-  };
-  for (const auto& c : cases) {
-    const ColumnLayout column = layoutColumn(c.window, c.edge, c.lineHeight, c.tracks, c.current);
-    EXPECT_EQ(column.panel, c.panel) << &c - cases;
-    EXPECT_EQ(std::pair(column.first, column.rows), std::pair(c.first, c.rows)) << &c - cases;
+  const std::tuple<SDL_Point, int, int, std::size_t, std::size_t, SDL_Rect, std::size_t, std::size_t>
+      cases[] = {
+          {{1920, 1080}, 1080, 29, 3, 0, {1352, 925, 520, 107}, 0, 3},
+          {{1920, 1080}, 756, 29, 3, 0, {1352, 601, 520, 107}, 0, 3},
+          {{1920, 1080}, 1080, 96, 40, 0, {1352, 52, 520, 980}, 0, 10},
+          {{1920, 1080}, 1080, 96, 40, 20, {1352, 52, 520, 980}, 15, 10},
+          {{1920, 1080}, 1080, 96, 40, 39, {1352, 52, 520, 980}, 30, 10},
+          {{1920, 1080}, 756, 29, 40, 0, {1352, 48, 520, 977}, 0, 33},
+          {{470, 200}, 200, 18, 40, 1, {190, 20, 260, 164}, 0, 8},
+          {{400, 30}, 30, 18, 5, 2, {120, 20, 260, 20}, 2, 0},
+      };
+  for (const auto& [window, edge, lineHeight, tracks, current, panel, first, rows] : cases) {
+    const ColumnLayout column = layoutColumn(window, edge, lineHeight, tracks, current);
+    EXPECT_EQ(column.panel, panel) << current;
+    EXPECT_EQ(std::pair(column.first, column.rows), std::pair(first, rows)) << current;
   }
 }
 

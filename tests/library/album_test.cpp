@@ -133,9 +133,8 @@ TEST_F(AlbumTest, ThreadsShareWhatIsKnown) {
 
 TEST(TrackInfo, DurationsAreWrittenWithHoursOnlyFromOneHourOn) {
   for (const auto& [seconds, text] :
-       {std::pair{0, ""}, {187, "03:07"}, {3787, "1:03:07"}, {36'000, "10:00:00"}}) {
+       {std::pair{0, ""}, {187, "03:07"}, {3787, "1:03:07"}, {36'000, "10:00:00"}})
     EXPECT_EQ(durationText(seconds * 1'000'000LL), text);
-  }
 }
 
 }  // namespace

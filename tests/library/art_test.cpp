@@ -48,40 +48,30 @@ TEST(FanArt, OfAShowNeedsAnyEpisode) {
 }
 
 TEST(Overview, IsReadOverItsEscapes) {
-  const std::pair<const char*, const char*> cases[] = {
-      {R"({"overview": "Plain."})", "Plain."},
-      {R"({"x":"overview","overview" : "a \"b\" \\ c\/d"})", R"(a "b" \ c/d)"},
-      {R"({"overview": " two\n\n lines\t\r "})", "two lines"},
-      {R"({"overview": "A\u0041\u00e9\u12\q"})", "AA??"},
-      {R"({"overview": "not closed)", "not closed"},
-      {R"({"overview": "   "})", ""},
-      {R"({"overview": null})", ""},
-      {R"({"title": "x"})", ""},
-      {"\"overview\":\"\\", ""},
-      {"", ""},
-  };
-  for (const auto& [text, overview] : cases) EXPECT_EQ(overviewIn(text).value_or(""), overview) << text;
+  for (const auto& [text, overview] : test::table(R"(
+      {"overview": "Plain."} => Plain. ;; {"x":"overview","overview" : "a \"b\" \\ c\/d"} => a "b" \ c/d
+      {"overview": " two\n\n lines\t\r "} => two lines ;; {"overview": "A\u0041\u00e9\u12\q"} => AA??
+      {"overview": "not closed => not closed ;; {"overview": "   "} => ;; {"overview": null} => ;; {"title": "x"} =>
+      "overview":"\ => ;; =>)"))
+    EXPECT_EQ(overviewIn(text).value_or(""), overview) << text;
 }
 
 /// What lies below the room, and what is found for Artist/Album/1.mp3, "-" standing for the album's folder.
 TEST(Backdrop, IsTheNearestOfTheFoldersAboveTheTrack) {
-  const std::array<const char*, 3> cases[] = {
-      {"none", "-/cover.jpg", ""},
-      {"the nearer folder, in spite of its lesser name", "-/fanart.jpg|Artist/backdrop.png", "-/fanart.jpg"},
-      {"names go first", "-/background.jpg|-/backdrop.png", "-/backdrop.png"},
-      {"then endings", "-/fanart.png|-/fanart.jpeg", "-/fanart.jpeg"},
-      {"the exact spelling", "-/BackDrop.JPG|-/fanart.png", "-/fanart.png"},
-      {"then any", "-/BackDrop.JPG|Artist/fanart.png", "-/BackDrop.JPG"},
-      {"up to the room", "fanart.png", "fanart.png"},
-      {"and not beyond", "../fanart.png|../music.jpg", ""},
-      {"neither folders nor other pictures", "-/fanart.jpg/x|-/fanart.webp", ""},
-  };
+  const auto cases = test::table<3>(R"(
+      none => -/cover.jpg => ;; up to the room => fanart.png => fanart.png ;; and not beyond => ../fanart.png|../music.jpg =>
+      the nearer folder, in spite of its lesser name => -/fanart.jpg|Artist/backdrop.png => -/fanart.jpg
+      names go first => -/background.jpg|-/backdrop.png => -/backdrop.png
+      then endings => -/fanart.png|-/fanart.jpeg => -/fanart.jpeg
+      the exact spelling => -/BackDrop.JPG|-/fanart.png => -/fanart.png
+      then any => -/BackDrop.JPG|Artist/fanart.png => -/BackDrop.JPG
+      neither folders nor other pictures => -/fanart.jpg/x|-/fanart.webp =>)");
   const auto at = [](const std::string& name) {
     return musicRoot() / (name[0] == '-' ? "Artist/Album" + name.substr(1) : name);
   };
   for (const auto& [what, files, found] : cases) {
     for (const std::string& name : test::split(files)) test::writeText(at(name), "x");
-    EXPECT_EQ(findBackdrop(at("-/1.mp3")).value_or(""), *found == 0 ? fs::path() : at(found)) << what;
+    EXPECT_EQ(findBackdrop(at("-/1.mp3")).value_or(""), found.empty() ? fs::path() : at(found)) << what;
     EXPECT_FALSE(findBackdrop(mediaRoot() / "other/1.mp3")) << what;
     fs::remove_all(musicRoot());
     fs::remove(mediaRoot() / "fanart.png");
@@ -93,8 +83,7 @@ TEST(Backdrop, IsTheNearestOfTheFoldersAboveTheTrack) {
 
 const Flag never;
 
-/// The arguments of ffprobe, which tells this length, and of ffmpeg. Both lie in a folder whose name needs
-/// quotes.
+/// The arguments of ffprobe, which tells this length, and of ffmpeg, in a folder whose name needs quotes.
 std::string callsFor(const char* length, const fs::path& video, const fs::path& still) {
   const test::TempFolder temp;
   const fs::path folder = temp.path() / "it's \"$HOME\"";

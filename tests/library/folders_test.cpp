@@ -37,9 +37,8 @@ TEST(MediaPaths, ClassifyFolders) {
   EXPECT_EQ(knownKind(mediaRoot() / "shows"), std::nullopt) << "a walk that was stopped tells nothing";
   std::string kinds;
   for (const char* folder : {"tv", "TV/", "/else/Series", "shows", "shows/./A/..", "VIDEOS", "Music", "Kids",
-                             "mixed", "absent", "crossed"}) {
+                             "mixed", "absent", "crossed"})
     kinds += std::to_string(static_cast<int>(classifyFolder(mediaRoot() / folder, {})));
-  }
   EXPECT_EQ(kinds, "11111230001");
   EXPECT_EQ(knownKind(mediaRoot() / "shows"), MediaKind::Series);
   EXPECT_EQ(knownKind(mediaRoot() / "never/TV"), MediaKind::Series);

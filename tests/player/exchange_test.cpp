@@ -137,9 +137,8 @@ TEST(SoundClock, StaysBetweenWhatIsHeardAndWhatIsWritten) {
   SoundClock clock;
   clock.wrote(0, 600'000, 450'000, t0);
   for (const auto& [afterMs, heardUs] :
-       {std::pair{-20, 150'000}, {100, 250'000}, {450, 600'000}, {900, 600'000}}) {
+       {std::pair{-20, 150'000}, {100, 250'000}, {450, 600'000}, {900, 600'000}})
     EXPECT_EQ(clock.heardUs(t0 + milliseconds(afterMs)), heardUs) << afterMs;
-  }
 }
 
 }  // namespace

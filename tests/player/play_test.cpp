@@ -143,22 +143,18 @@ void losesItsDevice(Sitting& sitting) {
   sitting.run(milliseconds(900));
 }
 
-/// To a key frame.
-void seeksAhead(Sitting& sitting) {
-  sitting.play.requestSeek(1'250'000);
-}
-
 /// Three seconds, and what happens after the first; how much was heard then, -1 if the sound's thread may be
 /// anywhere, and at the end; and how often the device was opened.
 TEST(Play, KeepsItsPaceAndItsSound) {
   const std::string sounding = withSound("3", "3");
+  const auto seeks = [](Sitting& sitting) { sitting.play.requestSeek(1'250'000); };
   const std::tuple<const char*, std::string, Sound, void (*)(Sitting&), std::int64_t, double, int> cases[] = {
       {"a pause without sound", film("24", "3"), None, pauses, 0, 0, 0},
       {"a pause without a device", sounding, Unheard, pauses, 0, 0, 0},
       {"a pause", sounding, Heard, pauses, 1'000'000, 3, 1},
       {"a pause behind the sound's end", withSound("3", "0.5"), Heard, pauses, 0, 0.5, 1},
       {"a pause of a song", clip("-f lavfi -i sine=d=3 OUT", "flac"), Heard, pauses, 1'000'000, 3, 1},
-      {"a seek", sounding, Heard, seeksAhead, -1, 2.75, 1},
+      {"a seek to a key frame", sounding, Heard, seeks, -1, 2.75, 1},
       {"the strip", sounding, Heard, givesItsDeviceAwayInAPause, 0, 3, 2},
       {"the device goes", sounding, Heard, losesItsDevice, 0, 1.5, 1},
   };

@@ -131,9 +131,8 @@ TEST(PlaybackTimer, WorksOffFourIntervalsOfLateness) {
 
 TEST(SeekRules, StepsGrowAndWrap) {
   for (const auto& [heldMs, seconds] :
-       {std::pair{0, 10}, {999, 10}, {1000, 20}, {4999, 50}, {5000, 60}, {60000, 60}}) {
+       {std::pair{0, 10}, {999, 10}, {1000, 20}, {4999, 50}, {5000, 60}, {60000, 60}})
     EXPECT_EQ(seekStepUs(heldMs), seconds * 1'000'000) << heldMs;
-  }
   const std::array<int, 3> positions[] = {{-1, 100, 0}, {100, 100, 100}, {101, 100, 0}, {101, 0, 101}};
   for (const auto& [at, length, place] : positions) EXPECT_EQ(wrapPosition(at, length), place) << at;
 }

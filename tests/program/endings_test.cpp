@@ -1,5 +1,4 @@
-// How a run ends: by signals in every state, and past files, devices and screens that are broken or gone; and
-// what stays of a film for the next one.
+// How a run ends, by signals and past what is broken or gone; and what stays of a film for the next one.
 #include <signal.h>
 
 #include "program/program_run.h"
@@ -101,13 +100,10 @@ TEST_F(Endings, WithNoScreenNamedFilmsAreHeardAndNothingElseRuns) {
 }
 
 struct Resume : ProgramTest {
-  /// The shared state, as a run before has left it.
-  void remember(const std::string& user, const std::string& blocks) {
-    rig::writeText(state_, R"({"user": ")" + user + R"(", "users": {)" + blocks + "}}");
-  }
-  static std::string block(const std::string& user, const std::filesystem::path& playing, int seconds) {
-    return '"' + user + R"(": {"movies": {"playing": ")" + playing.string() + R"(", "seek": )" +
-           std::to_string(seconds) + "000000}}";
+  /// The shared state, as a run before has left it for Ann.
+  void remember(const std::string& playing, int seconds) {
+    rig::writeText(state_, R"({"user": "Ann", "users": {"Ann": {"movies": {"playing": ")" + playing +
+                               R"(", "seek": )" + std::to_string(seconds) + R"(000000}}, "Bob": {}}})");
   }
   void becomeUser(const std::string& name) {
     std::string text = rig::readText(state_);
@@ -136,7 +132,7 @@ struct Resume : ProgramTest {
 TEST_F(Resume, EachUserGoesOnWhereThatUserStopped) {
   add("A/a.mkv", {.seconds = 30});
   add("B/b.mkv", {.seconds = 30});
-  remember("Ann", block("Ann", "", 0) + "," + block("Bob", "", 0));
+  remember("", 0);
   EXPECT_LT(playUntil("A/a.mkv", 5), 1);
   becomeUser("Bob");
   EXPECT_NEAR(playUntil("A/a.mkv", 8), 5, 1.5) << "the folder knows where anybody stopped last";
@@ -149,7 +145,7 @@ TEST_F(Resume, EachUserGoesOnWhereThatUserStopped) {
 
 TEST_F(Resume, MarkAndPositionFollowFromWhereAFilmIsLeft) {
   const auto film = add("F/film.mkv", {.seconds = 30});
-  remember("Ann", block("Ann", film, 26) + "," + block("Bob", "", 0));
+  remember(film, 26);
   EXPECT_NEAR(playUntil("F/film.mkv", 27.3), 26, 1.5);
   EXPECT_TRUE(keeps("Ann", "\"watched\": [\n\t\t\t\t\t\"" + film.string() + "\"\n"));
   EXPECT_TRUE(keeps("Ann", "\"seek\": 27")) << "beyond 90 % the position stays";
@@ -163,7 +159,7 @@ TEST_F(Resume, MarkAndPositionFollowFromWhereAFilmIsLeft) {
 TEST_F(Resume, AviStartsAnew) {
   const auto film =
       add("old.avi", {.seconds = 10, .video = "-c:v mpeg4 -q:v 3", .sound = "", .container = "avi"});
-  remember("Ann", block("Ann", film, 5));
+  remember(film, 5);
   EXPECT_LT(playUntil("old.avi", 0.5), 0.5);
   EXPECT_NE(rig::readText(film.parent_path() / "playback.json").find("\"boundary\":1000000"),
             std::string::npos);

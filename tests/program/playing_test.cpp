@@ -190,7 +190,6 @@ TEST_F(KeysTest, PauseShowsItsOverlaysAndServesVolumeAndSeek) {
 
   for (int i = 0; i < 6; ++i) press("Left");
   EXPECT_TRUE(rig::waitUntil(2, [&] { return across(volumeRow, isGreen) > 50; }));
-
   // A snapshot can be taken of a pause while a seek is under way.
   const int before = second();
   stage.screen.hold("XF86AudioForward");

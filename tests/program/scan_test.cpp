@@ -1,5 +1,4 @@
-// A messy library, the keys of the services, and a start: what the program makes of it, and of a second
-// start.
+// What the program makes of a messy library and the keys of the services, at its first and second start.
 
 #include "program/program_run.h"
 #include "rig/web_server.h"
@@ -87,7 +86,6 @@ TEST_F(ScanTest, TidiesAndFillsALibraryOnceAndGivesItBack) {
                                      "tv/Show/Season 1/S01E01 - The Web.mkv",
                                      "tv/Show/tvdb.id"};
   EXPECT_EQ(tree(), tidied);
-
   // A second start fetches what was missing; a third one has nothing to ask of what is complete.
   server.reply("/t/p/w342/alien.jpg", {.body = "\xff\xd8\xff\xe0 a poster", .type = "image/jpeg"});
   for (const bool complete : {false, true}) {

@@ -69,10 +69,6 @@ Screen::~Screen() {
   if (map_ != nullptr) munmap(map_, mapBytes_);
 }
 
-std::uint32_t Screen::pixel(int x, int y) const {
-  return pixels_[y * fullWidth.to.x + x] & 0xffffff;
-}
-
 std::optional<int> Screen::number(const Line& line) const {
   int cells[stripCells];
   for (int i = 0; i < stripCells; ++i) {

@@ -29,8 +29,7 @@ inline constexpr int stripCells = 20;
 std::vector<bool> stripOf(int number);
 
 /// An Xvfb server on a number that was free, with its frame buffer mapped. Keys go to the window that has the
-/// focus; they are X keysym names (XF86AudioPlay, XF86AudioRewind, XF86AudioForward, XF86HomePage, Menu,
-/// Print, Left ...).
+/// focus; they are X keysym names (XF86AudioPlay, XF86AudioForward, XF86HomePage, Menu, Print, Left ...).
 class Screen {
  public:
   Screen();
@@ -38,7 +37,7 @@ class Screen {
 
   const std::string& name() const { return name_; }
   /// 0xRRGGBB.
-  std::uint32_t pixel(int x, int y) const;
+  std::uint32_t pixel(int x, int y) const { return pixels_[y * fullWidth.to.x + x] & 0xffffff; }
   /// Pixels of the row from x1 up to x2 that the test accepts.
   template <typename Accepts>
   int count(int y, int x1, int x2, Accepts accepts) const {
@@ -78,8 +77,7 @@ struct Sight {
   int number = 0;
 };
 
-/// Looks at the screen each millisecond in a thread of its own and notes each change of the number, and when
-/// the picture's body turns white.
+/// Looks at the screen each millisecond and notes each new number, and when the picture's body turns white.
 class Watch {
  public:
   explicit Watch(const Screen& screen, const Line& line = fullWidth);

@@ -10,8 +10,7 @@ namespace tavek::rig {
 namespace {
 
 constexpr int loud = 1000;
-// The sink renders one block, as long as the recorder's latency, before the time that its clock tells the
-// player.
+// The sink is one block, as long as the recorder's latency, before the time that its clock tells.
 constexpr double recordedEarly = 0.010;
 constexpr std::size_t silence = recordRate / 10;
 

@@ -62,18 +62,11 @@ TEST_F(Http, EveryFailureLeavesNothing) {
   while (longHead.size() < 270'000) longHead += "A: " + std::string(9'000, 'a') + "\r\n";
   const std::string json = R"({"id":1})", url = api_.base() + "/file?api_key=KEY";
   const WebReply text{.body = json};
-  const struct {
-    const char* name;
-    bool file;
-    std::vector<WebReply> replies;
-    bool comes;
-    std::size_t requests;
-    bool ends = false;
-  } cases[] = {
+  const std::tuple<const char*, bool, std::vector<WebReply>, bool, std::size_t> cases[] = {
       {"a picture", true, {whole}, true, 1},
       {"a text", false, {text}, true, 1},
-      {"wrong key", false, {{.status = 401, .body = json}}, false, 1, true},
-      {"closed account", true, {withStatus(403)}, false, 1, true},
+      {"wrong key", false, {{.status = 401, .body = json}}, false, 1},
+      {"closed account", true, {withStatus(403)}, false, 1},
       {"unknown picture", true, {withStatus(404)}, false, 1},
       {"unknown film", false, {{.status = 404, .body = json}}, false, 1},
       {"broken server", true, {withStatus(500)}, false, 1},
@@ -103,21 +96,22 @@ TEST_F(Http, EveryFailureLeavesNothing) {
       {"moved with a name", true, {leadsTo("http://me@" + files_.base().substr(7) + "/file")}, false, 1},
       {"moved nowhere", true, {{.status = 302, .body = jpeg}}, false, 1}};
   stranger_.reply("/file", whole);
-  for (const auto& row : cases) {
+  for (const auto& [name, file, replies, comes, requests] : cases) {
+    SCOPED_TRACE(name);
+    const bool ends = replies[0].status == 401 || replies[0].status == 403;
     api_.clear();
-    api_.replies("/file", row.replies);
-    const bool waits = row.replies[0].stallAfter || row.replies[0].delay > 0;
+    api_.replies("/file", replies);
+    const bool waits = replies[0].stallAfter || replies[0].delay > 0;
     HttpSession session(service(waits ? quick : calm), stop_);
-    const bool came = row.file ? session.httpDownload(client_, url, goal(), FileKind::Jpeg)
-                               : session.httpGet(client_, url) == json;
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(came, row.comes);
-    EXPECT_EQ(api_.requests().size(), row.requests);
-    EXPECT_EQ(session.ended(), row.ends);
-    EXPECT_EQ(standing(), row.comes && row.file ? "poster.jpg " : "");
-    EXPECT_EQ(test::readText(goal()), row.comes && row.file ? jpeg : "");
-    EXPECT_TRUE(!row.ends || session.httpGet(client_, url).empty());
-    EXPECT_EQ(session.requests(), row.requests) << "nothing more";
+    const bool came = file ? session.httpDownload(client_, url, goal(), FileKind::Jpeg)
+                           : session.httpGet(client_, url) == json;
+    EXPECT_EQ(came, comes);
+    EXPECT_EQ(api_.requests().size(), requests);
+    EXPECT_EQ(session.ended(), ends);
+    EXPECT_EQ(standing(), comes && file ? "poster.jpg " : "");
+    EXPECT_EQ(test::readText(goal()), comes && file ? jpeg : "");
+    EXPECT_TRUE(!ends || session.httpGet(client_, url).empty());
+    EXPECT_EQ(session.requests(), requests) << "nothing more";
     fs::remove(goal());
   }
   EXPECT_TRUE(stranger_.requests().empty());
@@ -138,7 +132,6 @@ TEST_F(Http, CredentialsStayWithTheirService) {
     EXPECT_EQ(request.target, "/3/there?q=a+b");
     EXPECT_EQ(request.header("authorization"), "");
   }
-
   // What is posted holds the key too.
   api_.reply("/same", leadsTo("/3/there", 307));
   api_.reply("/3/there", there);
@@ -165,7 +158,6 @@ TEST_F(Http, OnlyPublicPlacesAreAsked) {
     EXPECT_FALSE(session.httpDownload(client_, url, goal(), FileKind::Jpeg)) << url;
   EXPECT_FALSE(session.ended()) << "a refused place is no lost connection";
   EXPECT_EQ(standing(), "");
-
   // A plus stands before those that may be asked.
   for (const std::string& word :
        test::split("+1.1.1.1 +172.32.0.1 +100.128.0.1 +2606:4700::1111 +::ffff:8.8.8.8 +64:ff9b::808:808 "

@@ -36,21 +36,13 @@ TEST(FilmNames, TellTitlesAndYearsInTheOrderOfTheSearch) {
 }
 
 TEST(FilmNames, StayInTheirFolder) {
-  const std::pair<std::string, std::string> rows[] = {
-      {"Alien", "Alien (1979)"},
-      {"Face/Off: [x] \"y\"*<z>?|", "Face Off: x y z (1979)"},
-      {"a\\b", "ab (1979)"},
-      {"..", "video (1979)"},
-      {". ./../etc/passwd", "etc passwd (1979)"},
-      {"", "video (1979)"},
-      {"...And Justice", "And Justice (1979)"},
-      {"a\nb\tc\1d\x7F\x65\xC2\x85\x66", "a b c d e f (1979)"},
-      {"東京 \xF0\x9F\x8E\xAC", "東京 \xF0\x9F\x8E\xAC (1979)"},
-      {repeated("a", 300), repeated("a", 173) + " (1979)"},
-      {repeated("東", 100), repeated("東", 57) + " (1979)"},
-      {repeated("\x80", 300), repeated("\x80", 170) + " (1979)"},
-  };
-  for (const auto& [title, name] : rows) EXPECT_EQ(buildMediaName(title, 1979), name) << title;
+  for (const auto& [title, name] : table(R"(
+      Alien => Alien ;; Face/Off: [x] "y"*<z>?| => Face Off: x y z ;; a\b => ab ;; .. => video ;; => video
+      . ./../etc/passwd => etc passwd ;; ...And Justice => And Justice ;; 東京 🎬 => 東京 🎬)"))
+    EXPECT_EQ(buildMediaName(title, 1979), name + " (1979)") << title;
+  EXPECT_EQ(buildMediaName("a\nb\tc\1d\x7F\x65\xC2\x85\x66", {}), "a b c d e f");
+  for (const auto& [letter, count] : {std::pair("a", 173U), {"東", 57U}, {"\x80", 170U}})
+    EXPECT_EQ(buildMediaName(repeated(letter, 300), 1979), repeated(letter, count) + " (1979)") << letter;
   EXPECT_EQ(buildMediaName(".", {}), "video");
   EXPECT_EQ(buildMediaName(repeated("\xC3\xA9", 100), {}), repeated("\xC3\xA9", 90));
 }

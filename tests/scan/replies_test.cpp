@@ -28,9 +28,8 @@ TEST(Search, GivesAllResultsAndTheOneOfTheYear) {
                              SearchKind::Series),
               testing::ElementsAre(MovieCandidate{3, "S", 2001, {}, {}}));
   for (const char* none : {"", "<html>", R"({"status_code":7})", R"({"results":null,"a":[{"id":1}]})",
-                           R"({"results":[{"id":1)", R"({"results":[{"id":0}]})"}) {
+                           R"({"results":[{"id":1)", R"({"results":[{"id":0}]})"})
     EXPECT_THAT(readCandidates(none, SearchKind::Film), testing::IsEmpty()) << none;
-  }
 }
 
 TEST(Ids, AreThoseOfTheThingItself) {
@@ -76,9 +75,8 @@ TEST(Art, IsEnglishOfItsKindAndSeason) {
 TEST(Pictures, HavePlainPaths) {
   for (const char* good : {"/a.jpg", "/t/A-b_9.png"}) EXPECT_EQ(imagePath(good), good);
   for (const char* bad : {"", "/", "a.jpg", "/../a.jpg", "/a..jpg", "/a b.jpg", "/a?b.jpg", "/a\n.jpg",
-                          "/é.jpg", "/a@b.jpg", "/a%2e.jpg"}) {
+                          "/é.jpg", "/a@b.jpg", "/a%2e.jpg"})
     EXPECT_EQ(imagePath(bad), std::nullopt) << bad;
-  }
   EXPECT_EQ(firstLogo(R"({"backdrops":[{"file_path":"/b.png"}],"logos":[{"file_path":"/a.svg"},
                           {"file_path":null},{"file_path":"/l.png"}]})"),
             "/l.png");

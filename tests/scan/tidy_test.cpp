@@ -247,7 +247,6 @@ TEST_F(TidyTest, MakesUpForACrash) {
   EXPECT_EQ(readText(room / renameLogName), settled) << "once is enough";
   EXPECT_EQ(undo().undone, 2U) << "the cut line does not spoil the next one";
   EXPECT_EQ(users.resumePosition(at("heat/heat.mkv")), 7);
-
   // Only what belongs to the film had moved.
   putAll("Up (2009)/Up (2009).srt|up.mkv|up.nfo");
   EXPECT_EQ(tidyOne("up.mkv", "Up (2009)"), "Up (2009)/Up (2009).mkv");

@@ -39,18 +39,16 @@ TEST(JsonRead, FindsWhatTheTextHolds) {
   for (const auto& [text, members] : table(R"(
       { "a\"b" :  [1, {"c":"]}"} ] ,"d":"\"," } => {"a\"b":[1, {"c":"]}"} ],"d":"\","}
       {"a":1,"b":2 => {"a":1} ;; {"a":1,"b":[2}} => {"a":1} ;; {"a":1,"b":},"c":3} => {"a":1}
-      {"a":1} {"b":2} => {"a":1} ;; ["a":1] => {})")) {
+      {"a":1} {"b":2} => {"a":1} ;; ["a":1] => {})"))
     EXPECT_EQ(compactObject(readMembers(text)), members) << text;
-  }
   for (const auto& [escaped, string] : table(R"(\u00e9\u6218 => é战 ;; \uD83C\uDFACx => 🎬x ;; \u12 => 12
       \ud83cx\udfac => �x� ;; \ud83c\u0041 => �A)"))
     EXPECT_EQ(readString(R"({"x":")" + escaped + "\"}", "x"), string) << escaped;
   for (const auto& [text, whole] : table(R"(
       {} => 1 ;; {"a":[1,-2.5e3,{"b":null}],"c":"\"}"} => 1 ;; {"a":1} x => 0 ;; {"a":1,} => 0 ;; {"a":[1,]} => 0
       {"a" 1} => 0 ;; {"a":tru} => 0 ;; {"a":1,"a":2} => 0 ;; {"a":[{]}} => 0 ;; {"a":"b} => 0 ;; ["a"] => 0
-      {a:1} => 0 ;; {"a":} => 0 ;; {"a":{"b":1} => 0)")) {
+      {a:1} => 0 ;; {"a":} => 0 ;; {"a":{"b":1} => 0)"))
     EXPECT_EQ(isWholeJson(text), whole == "1") << text;
-  }
   EXPECT_FALSE(isWholeJson("{\"a\":\"b,\n\"}")) << "a lost quote";
   EXPECT_TRUE(readMembers("{\"a\":" + std::string(1000000, '[')).empty());
 }

@@ -11,8 +11,7 @@
 
 namespace tavek::test {
 
-/// A sound card of a test: it plays by a clock, half a second ahead, keeps what was heard, and fails as it is
-/// told.
+/// A sound card that plays by a clock, half a second ahead, keeps what was heard, and fails as it is told.
 class FakeSound {
  public:
   explicit FakeSound(Clock& clock) : clock_(clock) {}

@@ -39,9 +39,8 @@ TEST(ItemRules, BoundaryIsTwentyFourFrames) {
                                  {120.0, 250'000},
                                  {5.0, 1'500'000},
                                  {0.0, 500'000},
-                                 {-1.0, 500'000}}) {
+                                 {-1.0, 500'000}})
     EXPECT_EQ(boundaryForRate(rate), us) << rate;
-  }
 }
 
 TEST(HeldVolume, StepsAtThePressAndEach150Milliseconds) {
@@ -51,9 +50,8 @@ TEST(HeldVolume, StepsAtThePressAndEach150Milliseconds) {
   EXPECT_FALSE(volume.repeat(nullptr, t0)) << "no key is held";
   volume.press(1.0, nullptr, t0);
   for (const auto& [afterMs, steps] :
-       {std::pair{149, false}, {150, true}, {299, false}, {310, true}, {459, false}, {460, true}}) {
+       {std::pair{149, false}, {150, true}, {299, false}, {310, true}, {459, false}, {460, true}})
     EXPECT_EQ(volume.repeat(nullptr, t0 + milliseconds(afterMs)), steps) << afterMs;
-  }
   volume.release(nullptr);
   EXPECT_FALSE(volume.repeat(nullptr, t0 + milliseconds(5000)));
 }

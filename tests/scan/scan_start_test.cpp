@@ -1,11 +1,11 @@
-#include "scan/credentials.h"
-
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
 #include "base/process_flags.h"
+#include "scan/credentials.h"
 #include "scan/scan_schedule.h"
+#include "scan/scan_status.h"
 #include "support/table.h"
 #include "support/temp_folder.h"
 
@@ -34,7 +34,6 @@ TEST_F(CredentialFiles, AreLookedForEverywhereBeforeOneIsMade) {
   ASSERT_EQ(stat(stub.c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 0777U, 0600U);
   EXPECT_EQ(findConfigFile(".fanart.json", {}), std::nullopt);
-
   // Neither a link to nowhere nor what stands there is written to.
   fs::create_symlink(root / "nowhere", folders.home / ".link.json");
   EXPECT_EQ(findConfigFile(".link.json", folders), std::nullopt);
@@ -142,6 +141,39 @@ TEST(ScanSchedule, ScansTheArtOfSeriesAndAtTheStartOnceADay) {
   }
   EXPECT_EQ(fanartScanDue(now, now, true), (ScanDecision{true, "scan forced by --fanart-scan"}));
   EXPECT_EQ(tmdbStartScanDue(now, {}, "").line, "startup scan: running TMDB before loading movies");
+}
+
+TEST(ScanStatus, SaysTheMessageOrWhatRuns) {
+  endScanActivity("never begun");
+  beginScanActivity("");
+  EXPECT_EQ(currentScanStatus(), "");
+  beginScanActivity("Scanning films...");
+  beginScanActivity("Scanning films...");
+  EXPECT_EQ(currentScanStatus(), "Scanning films...") << "twice the same";
+  {
+    const ScanActivity art("Scanning art...");
+    EXPECT_EQ(currentScanStatus(), "Scanning media...");
+    setScanStatus("one");
+    setScanStatus("two");
+    clearScanStatusIf("one");
+    EXPECT_EQ(currentScanStatus(), "two") << "a newer message stays";
+    clearScanStatusIf("two");
+  }
+  endScanActivity("Scanning films...");
+  EXPECT_EQ(currentScanStatus(), "Scanning films...");
+  endScanActivity("Scanning films...");
+  EXPECT_EQ(currentScanStatus(), "");
+}
+
+TEST(ScanStatus, HandsOutEachChangedFolder) {
+  EXPECT_EQ(takeChangedFolder(), std::nullopt);
+  noteFolderChanged("/media/tv/../movies");
+  noteFolderChanged("/media/movies");
+  noteLibraryChanged();
+  noteFolderChanged("");
+  EXPECT_EQ(takeChangedFolder(), "/media/movies");
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(takeChangedFolder(), "") << "the open folder";
+  EXPECT_EQ(takeChangedFolder(), std::nullopt);
 }
 
 }  // namespace
